@@ -1,0 +1,20 @@
+// Everything of foundation/ for applications.
+#pragma once
+
+#include "foundation/angle.h"
+#include "foundation/archive.h"
+#include "foundation/exception.h"
+#include "foundation/handle.h"
+#include "foundation/math_error.h"
+#include "foundation/message_string.h"
+#include "foundation/pair.h"
+#include "foundation/pel_buffer.h"
+#include "foundation/pel_error.h"
+#include "foundation/pel_ops.h"
+#include "foundation/pel_rect.h"
+#include "foundation/pels.h"
+#include "foundation/resource.h"
+#include "foundation/rounding.h"
+#include "foundation/vector.h"
+#include "foundation/xform.h"
+#include "foundation/xform_base.h"
