@@ -7,6 +7,7 @@
 #pragma once
 
 #include "canvas/color.h"
+#include "foundation/exception.h"
 #include "foundation/pel_buffer.h"
 #include "ui/core/control_frame.h"
 #include "ui/core/nested_coord_frame.h"
