@@ -18,7 +18,7 @@ struct FakeScreen {
   int depth;
   plat::Point clientOnScreen, clientInBacking;
   std::vector<plat::u8> pels;
-  plat::PelBlock backing;
+  plat::portable::PelBlock backing;
   std::vector<plat::Rect> visible;
   std::vector<plat::Rect> presented;  // dirty rectangles on the screen, empty ones left out
   std::vector<plat::PaletteEntry> palette;

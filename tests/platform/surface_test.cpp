@@ -9,7 +9,7 @@ namespace {
 
 constexpr Result busy = result(0x887601AE), badRect = result(0x88760096), badFormat = result(0x88760091);
 constexpr Result lostCode = result(0x887601C2);
-constexpr u32 wait = 0x1000000, fillFlag = 0x400, keyFlag = 0x8000;
+constexpr u32 waitFlag = 0x1000000, fillFlag = 0x400, keyFlag = 0x8000;
 
 SurfaceDesc cfDesc(u32 w, u32 h, u32 bits = 0, u32 greenBits = 6, u32 caps = 0x40)
 {
@@ -47,7 +47,7 @@ u32 cfPelOf(Surface& surface, int x, int y)
 void cfSetPel(Surface& surface, int x, int y, u32 value)
 {
   Rect const at{x, y, x + 1, y + 1};
-  EXPECT_EQ(surface.blt(&at, nullptr, nullptr, fillFlag | wait, value), 0);
+  EXPECT_EQ(surface.blt(&at, nullptr, nullptr, fillFlag | waitFlag, value), 0);
 }
 
 // Each pel gets a value of its own.
@@ -110,7 +110,7 @@ TEST_F(SurfaceTest, handleOutMakesLockAndBlitBusy)
   EXPECT_EQ(second, nullptr);
   EXPECT_EQ(s->lock(nullptr, desc, 1), busy);
   EXPECT_EQ(s->blt(nullptr, nullptr, nullptr, fillFlag, 1), busy);
-  EXPECT_EQ(other->blt(nullptr, s.get(), nullptr, wait, 0), busy);
+  EXPECT_EQ(other->blt(nullptr, s.get(), nullptr, waitFlag, 0), busy);
   EXPECT_EQ(s->releaseDC(dc), 0);
   EXPECT_EQ(s->releaseDC(dc), result(0x8876024A));
   EXPECT_EQ(s->lock(nullptr, desc, 1), 0);
@@ -133,7 +133,7 @@ TEST_F(SurfaceTest, lockedTargetIsBusyForBlitAndHandle)
   HDC dc = nullptr;
   ASSERT_EQ(s->lock(nullptr, desc, 1), 0);
 
-  EXPECT_EQ(s->blt(nullptr, from.get(), nullptr, wait, 0), busy);
+  EXPECT_EQ(s->blt(nullptr, from.get(), nullptr, waitFlag, 0), busy);
   EXPECT_EQ(s->blt(nullptr, nullptr, nullptr, fillFlag, 0), busy);
   EXPECT_EQ(s->getDC(dc), busy);
 }
@@ -146,8 +146,8 @@ TEST_F(SurfaceTest, emptyAndLeavingRectanglesAreRefused)
   for (Rect const& r : bad) {
     EXPECT_EQ(s->lock(&r, desc, 1), badRect) << r.left << ' ' << r.right;
     EXPECT_EQ(s->blt(&r, nullptr, nullptr, fillFlag, 0), badRect);
-    EXPECT_EQ(s->blt(&r, from.get(), nullptr, wait, 0), badRect);
-    EXPECT_EQ(s->blt(nullptr, from.get(), &r, wait, 0), badRect);
+    EXPECT_EQ(s->blt(&r, from.get(), nullptr, waitFlag, 0), badRect);
+    EXPECT_EQ(s->blt(nullptr, from.get(), &r, waitFlag, 0), badRect);
   }
   EXPECT_EQ(s->unlock(nullptr), result(0x88760248));
 }
@@ -212,7 +212,7 @@ TEST_F(SurfaceTest, fillPaintsThePelValueAtEveryDepthAndNothingElse)
     for (int width = 1; width < 40; ++width) {
       Ptr<Surface> const s = make(cfDepthDesc(50, 3, static_cast<int>(depth)));
       Rect const r{4, 1, 4 + width, 2};
-      ASSERT_EQ(s->blt(&r, nullptr, nullptr, fillFlag | wait, value), 0);
+      ASSERT_EQ(s->blt(&r, nullptr, nullptr, fillFlag | waitFlag, value), 0);
       SurfaceDesc d;
       ASSERT_EQ(s->lock(nullptr, d, 1), 0);
       for (int y = 0; y < 3; ++y)
@@ -242,7 +242,7 @@ TEST_F(SurfaceTest, copyStretchesByFloorOfTheSourceIndex)
     Ptr<Surface> const from = make(cfDepthDesc(7, 5, depth)), to = make(cfDepthDesc(23, 11, depth));
     cfNumber(*from, 7, 5);
     Rect const source{1, 1, 6, 4}, target{3, 2, 20, 9};
-    ASSERT_EQ(to->blt(&target, from.get(), &source, wait, 0), 0);
+    ASSERT_EQ(to->blt(&target, from.get(), &source, waitFlag, 0), 0);
     for (int y = 0; y < 11; ++y)
       for (int x = 0; x < 23; ++x) {
         bool const in = x >= 3 && x < 20 && y >= 2 && y < 9;
@@ -256,7 +256,7 @@ TEST_F(SurfaceTest, shrinkingTakesTheSameRule)
 {
   Ptr<Surface> const from = make(cfDesc(17, 9, 8)), to = make(cfDesc(5, 4, 8));
   cfNumber(*from, 17, 9);
-  ASSERT_EQ(to->blt(nullptr, from.get(), nullptr, wait, 0), 0);
+  ASSERT_EQ(to->blt(nullptr, from.get(), nullptr, waitFlag, 0), 0);
   for (int y = 0; y < 4; ++y)
     for (int x = 0; x < 5; ++x)
       EXPECT_EQ(cfPelOf(*to, x, y), static_cast<u32>(1 + (y * 9 / 4) * 17 + x * 17 / 5) & 255u);
@@ -268,7 +268,7 @@ TEST_F(SurfaceTest, overlappingCopyWithinASurfaceKeepsThePels)
     Ptr<Surface> const s = make(cfDesc(12, 10));
     cfNumber(*s, 12, 10);
     Rect const source{3, 2, 9, 8}, target{3 + dx, 2 + dy, 9 + dx, 8 + dy};
-    ASSERT_EQ(s->blt(&target, s.get(), &source, wait, 0), 0);
+    ASSERT_EQ(s->blt(&target, s.get(), &source, waitFlag, 0), 0);
     for (int y = 2; y < 8; ++y)
       for (int x = 3; x < 9; ++x)
         ASSERT_EQ(cfPelOf(*s, x + dx, y + dy), static_cast<u32>(1 + y * 12 + x)) << dx << ' ' << dy;
@@ -290,7 +290,7 @@ TEST_F(SurfaceTest, keyedCopyLeavesKeyPelsOutAtEveryDepthAndLength)
         cfSetPel(*from, x + 1, 0, pels[static_cast<std::size_t>(x)]);
       }
       Rect const source{1, 0, 1 + width, 1}, target{5, 1, 5 + width, 2};
-      ASSERT_EQ(to->blt(&target, from.get(), &source, keyFlag | wait, 0), 0);
+      ASSERT_EQ(to->blt(&target, from.get(), &source, keyFlag | waitFlag, 0), 0);
       for (int x = 0; x < 80; ++x) {
         bool const in = x >= 5 && x < 5 + width && pels[static_cast<std::size_t>(x - 5)] != key;
         ASSERT_EQ(cfPelOf(*to, x, 1), in ? pels[static_cast<std::size_t>(x - 5)] : 0x11u) << depth << ' ' << width;
@@ -352,9 +352,9 @@ TEST_F(SurfaceTest, keyedStretchLeavesOutTheSameSourcePels)
 TEST_F(SurfaceTest, surfacesOfDifferentFormatsDoNotMix)
 {
   Ptr<Surface> const a = make(cfDepthDesc(4, 4, 15)), b = make(cfDepthDesc(4, 4, 16)), c = make(cfDepthDesc(4, 4, 8));
-  EXPECT_EQ(a->blt(nullptr, b.get(), nullptr, wait, 0), badFormat);
-  EXPECT_EQ(b->blt(nullptr, c.get(), nullptr, wait, 0), badFormat);
-  EXPECT_EQ(a->blt(nullptr, a.get(), nullptr, wait, 0), 0);
+  EXPECT_EQ(a->blt(nullptr, b.get(), nullptr, waitFlag, 0), badFormat);
+  EXPECT_EQ(b->blt(nullptr, c.get(), nullptr, waitFlag, 0), badFormat);
+  EXPECT_EQ(a->blt(nullptr, a.get(), nullptr, waitFlag, 0), 0);
 }
 
 TEST_F(SurfaceTest, paletteIsForEightBitsOnly)
@@ -445,7 +445,7 @@ TEST_F(SurfaceTest, primaryHasNoPelsOfItsOwn)
   EXPECT_EQ(p->unlock(nullptr), result(0x88760248));
   EXPECT_NE(p->getDC(dc), 0);
   EXPECT_EQ(p->releaseDC(nullptr), result(0x8876024A));
-  EXPECT_NE(s->blt(nullptr, p.get(), nullptr, wait, 0), 0);
+  EXPECT_NE(s->blt(nullptr, p.get(), nullptr, waitFlag, 0), 0);
 }
 
 TEST_F(SurfaceTest, blitToThePrimaryGoesThroughTheClippersWindow)
@@ -456,7 +456,7 @@ TEST_F(SurfaceTest, blitToThePrimaryGoesThroughTheClippersWindow)
   cfNumber(*s, 6, 5);
   Rect const source{1, 1, 5, 4}, target{104, 53, 108, 56};
 
-  ASSERT_EQ(p->blt(&target, s.get(), &source, wait, 0), 0);
+  ASSERT_EQ(p->blt(&target, s.get(), &source, waitFlag, 0), 0);
   for (int y = 0; y < 30; ++y)
     for (int x = 0; x < 40; ++x) {
       bool const in = x >= 7 && x < 11 && y >= 5 && y < 8;
@@ -473,7 +473,7 @@ TEST_F(SurfaceTest, blitToThePrimaryIsCutWithWhatCanBeSeen)
   cfNumber(*s, 100, 90);
   Rect const target{-20, -30, 80, 60};  // leaves the screen on all sides
 
-  ASSERT_EQ(p->blt(&target, s.get(), nullptr, wait, 0), 0);
+  ASSERT_EQ(p->blt(&target, s.get(), nullptr, waitFlag, 0), 0);
   for (int y = 0; y < 30; ++y)
     for (int x = 0; x < 40; ++x) {
       bool const in = (x >= 2 && x < 10 && y >= 1 && y < 4) || (x >= 12 && y >= 6);
@@ -488,7 +488,7 @@ TEST_F(SurfaceTest, stretchedBlitToThePrimaryIsCutWithoutMovingPels)
     Ptr<Surface> const p = primary(), s = make(cfDepthDesc(7, 6, depth));
     cfNumber(*s, 7, 6);
     Rect const target{-3, -2, 45, 33};
-    ASSERT_EQ(p->blt(&target, s.get(), nullptr, wait, 0), 0);
+    ASSERT_EQ(p->blt(&target, s.get(), nullptr, waitFlag, 0), 0);
     for (Rect const& r : screen.visible)
       for (int y = r.top; y < r.bottom; ++y)
         for (int x = r.left; x < r.right; ++x) {
@@ -507,13 +507,13 @@ TEST_F(SurfaceTest, withoutAClipperOrItsWindowNothingIsPainted)
   Rect const target{0, 0, 6, 5};
 
   ASSERT_EQ(p->setClipper(nullptr), 0);
-  EXPECT_EQ(p->blt(&target, s.get(), nullptr, wait, 0), 0);
+  EXPECT_EQ(p->blt(&target, s.get(), nullptr, waitFlag, 0), 0);
   ASSERT_EQ(p->setClipper(clipper.get()), 0);
   ASSERT_EQ(clipper->window(nullptr), 0);
-  EXPECT_EQ(p->blt(&target, s.get(), nullptr, wait, 0), 0);
+  EXPECT_EQ(p->blt(&target, s.get(), nullptr, waitFlag, 0), 0);
   EXPECT_EQ(screen.at(0, 0), 0u);
   ASSERT_EQ(clipper->window(screen.window()), 0);
-  EXPECT_EQ(p->blt(&target, s.get(), nullptr, wait, 0), 0);
+  EXPECT_EQ(p->blt(&target, s.get(), nullptr, waitFlag, 0), 0);
   EXPECT_EQ(screen.at(0, 0), 1u);
 }
 
@@ -522,7 +522,7 @@ TEST_F(SurfaceTest, clipperMayDieBeforeTheSurface)
   Ptr<Surface> const p = primary(), s = make(cfDesc(2, 2));
   clipper.reset();
   Rect const target{0, 0, 2, 2};
-  EXPECT_EQ(p->blt(&target, s.get(), nullptr, wait, 0), 0);
+  EXPECT_EQ(p->blt(&target, s.get(), nullptr, waitFlag, 0), 0);
 }
 
 TEST_F(SurfaceTest, primaryTakesFillsAndKeys)
@@ -532,7 +532,7 @@ TEST_F(SurfaceTest, primaryTakesFillsAndKeys)
   Rect const target{1, 1, 4, 2};
   ASSERT_EQ(p->blt(&target, nullptr, nullptr, fillFlag, 0xABCDEF), 0);
   ASSERT_EQ(s->setColorKey(8, {2, 2}), 0);
-  ASSERT_EQ(p->blt(&target, s.get(), nullptr, keyFlag | wait, 0), 0);
+  ASSERT_EQ(p->blt(&target, s.get(), nullptr, keyFlag | waitFlag, 0), 0);
 
   EXPECT_EQ(screen.at(0, 1), 0u);
   EXPECT_EQ(screen.at(1, 1), 1u);
@@ -562,7 +562,7 @@ TEST(PrimarySurface, convertsFromEveryDepthToEveryDepth)
       ASSERT_EQ(device->createSurface(cfDepthDesc(3, 2, from.depth), s), 0);
       cfSetPel(*s, 1, 1, from.pel);
       Rect const target{2, 1, 5, 3};
-      ASSERT_EQ(p->blt(&target, s.get(), nullptr, wait, 0), 0);
+      ASSERT_EQ(p->blt(&target, s.get(), nullptr, waitFlag, 0), 0);
 
       // 5 and 6 bits widen by repeating their top bits: B5 AF C9 from 10110 10101 11001 is B5 AD CE,
       // and from 10110 101011 11001 it is B5 AE CE.
@@ -602,10 +602,10 @@ TEST(PrimarySurface, eightBitSurfaceIsShownThroughItsOwnPalette)
   cfSetPel(*s, 0, 0, 5);
   Rect const target{0, 0, 2, 2};
 
-  ASSERT_EQ(p->blt(&target, s.get(), nullptr, wait, 0), 0);
+  ASSERT_EQ(p->blt(&target, s.get(), nullptr, waitFlag, 0), 0);
   EXPECT_EQ(screen.at(0, 0), 0x050505u);
   ASSERT_EQ(s->setPalette(palette.get()), 0);
-  ASSERT_EQ(p->blt(&target, s.get(), nullptr, wait, 0), 0);
+  ASSERT_EQ(p->blt(&target, s.get(), nullptr, waitFlag, 0), 0);
   EXPECT_EQ(screen.at(0, 0), 0x010203u);
 }
 
@@ -731,7 +731,7 @@ TEST_F(SurfaceTest, overlayTakesBlitsOfItsFormat)
   plat::testing::overlays(1, {});
   Ptr<Surface> const off = make(cfDesc(16, 16)), overlay = make(cfDesc(16, 16, 0, 0, 0x4080));
   Rect const r{0, 0, 15, 15};
-  EXPECT_EQ(overlay->blt(&r, off.get(), &r, wait, 0), 0);
+  EXPECT_EQ(overlay->blt(&r, off.get(), &r, waitFlag, 0), 0);
   EXPECT_EQ(off->updateOverlay(nullptr, overlay.get(), nullptr, 0x4000), result(0x88760244));
 }
 
