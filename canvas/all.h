@@ -1,0 +1,14 @@
+// Everything of canvas/ for applications.
+#pragma once
+
+#include "canvas/bitmap.h"
+#include "canvas/color.h"
+#include "canvas/flag_stack.h"
+#include "canvas/format.h"
+#include "canvas/graphic_props.h"
+#include "canvas/rect.h"
+#include "canvas/rle_buffer.h"
+#include "canvas/scope.h"
+#include "canvas/sketch.h"
+#include "canvas/tablet.h"
+#include "canvas/ui_error.h"

@@ -1,0 +1,90 @@
+#include "foundation/xform.h"
+
+#include "foundation/math_error.h"
+
+constinit ccXform<2> const ccXform<2>::I{};
+constinit cc2Rigid const cc2Rigid::I{};
+
+ccVector<2> ccVector<2>::project(ccVector<2> const& onto) const
+{
+  double const square = onto.dot(onto);
+  if (!(square > 0))
+    throw ccMathError::Singular("project onto a zero vector");
+  return onto * (dot(onto) / square);
+}
+
+ccVector<2> ccVector<2>::unit() const
+{
+  double const length = len();
+  if (!(length > 0))
+    throw ccMathError::Singular("unit of a zero vector");
+  return *this / length;
+}
+
+ccMatrix<2>::ccMatrix(ccRadian xRot, ccRadian yRot, double xScale, double yScale)
+    : a_{xScale * std::cos(xRot.value()), -yScale * std::sin(yRot.value()), xScale * std::sin(xRot.value()),
+         yScale * std::cos(yRot.value())}
+{
+}
+
+ccMatrix<2>::ccMatrix(ccRadian rotation, double scale) : ccMatrix(rotation, rotation, scale, scale) {}
+
+ccMatrix<2> ccMatrix<2>::fromRotation(ccRadian rotation, ccRadian shear, double aspect, double scale)
+{
+  return ccMatrix(rotation, rotation + shear, scale, scale * aspect);
+}
+
+ccMatrix<2> ccMatrix<2>::inverse() const
+{
+  double const d = determinant();
+  if (d == 0 || !std::isfinite(d))
+    throw ccMathError::Singular("inverse of a singular matrix");
+  return ccMatrix(a_[3] / d, -a_[1] / d, -a_[2] / d, a_[0] / d);
+}
+
+ccXform<2> ccXform<2>::inverse() const
+{
+  ccMatrix<2> const m = m_.inverse();
+  return ccXform(m, -(m * t_));
+}
+
+namespace {
+
+struct cs_Turn {
+  double cosine, sine;
+};
+
+cs_Turn cf_turn(ccDegree angle)
+{
+  double const degrees = ccDegree::norm(angle).value();
+  if (degrees == 0)
+    return {1, 0};
+  if (degrees == 90)
+    return {0, 1};
+  if (degrees == 180)
+    return {-1, 0};
+  if (degrees == 270)
+    return {0, -1};
+  double const radians = ccRadian(angle).value();
+  return {std::cos(radians), std::sin(radians)};
+}
+
+}  // namespace
+
+ccVector<2> cc2Rigid::mapVector(ccVector<2> const& v) const
+{
+  cs_Turn const turn = cf_turn(angle_);
+  return ccVector<2>(turn.cosine * v.x() - turn.sine * v.y(), turn.sine * v.x() + turn.cosine * v.y());
+}
+
+cc2Rigid cc2Rigid::inverse() const
+{
+  cc2Rigid const back(-angle_, ccVector<2>());
+  return cc2Rigid(-angle_, -back.mapVector(t_));
+}
+
+ccXform<2> cc2Rigid::linear() const
+{
+  cs_Turn const turn = cf_turn(angle_);
+  return ccXform<2>(ccMatrix<2>(turn.cosine, -turn.sine, turn.sine, turn.cosine), t_);
+}

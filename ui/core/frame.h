@@ -1,0 +1,47 @@
+// A node with a rectangle of the canvas: a tree node and a tablet in one. The tree links are the tablet's.
+#pragma once
+
+#include "canvas/tablet.h"
+#include "ui/core/object.h"
+
+class ccUIFrame : public ccUIObject, public ccUITablet {
+public:
+  ~ccUIFrame() override;
+
+  ccUIFrame* frame(bool) override { return this; }
+  ccUIObject* parent() const override;
+  ccUIObject* closerSib() const override;
+  ccUIObject* fartherSib() const override;
+  ccUITablet* tablet() const override { return const_cast<ccUIFrame*>(this); }
+  ccUIObject* whoIsTouched(ccPair<long> const&) override;
+  void show(bool nested) override;
+  void hide(bool nested) override;
+
+  virtual bool isTouched(ccPair<long> const& local);  // by default: is the frame painted on its topmost layer
+  virtual void parentResized();
+  virtual void parentClipped();
+
+  void redraw_() override = 0;
+
+  using ccUITablet::visible;
+  bool visible() const { return ccUIObject::visible(); }
+  bool resizable() const { return (frameFlags_ & 1) != 0; }
+  void resizable(bool);
+  void front() { ccUIObject::front(); }
+  void back() { ccUIObject::back(); }
+  using ccUIObject::operator new;
+  using ccUIObject::operator delete;
+
+protected:
+  ccUIFrame(ccUIScope* image, ccUIScope* overlay);
+  ccUIFrame(ccUIFrame* parent, ccUIRect const&);
+
+  void front_(ccUIObject* kid) override;
+  void back_(ccUIObject* kid) override;
+  void resize_() override;
+  void clipped_() override;
+  void newParentTablet(ccUITablet*) override;
+
+private:
+  std::uint32_t frameFlags_ = 0;
+};

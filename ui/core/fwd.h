@@ -1,0 +1,16 @@
+// Declares the classes of this folder, and the frame sizer that the root hands out.
+#pragma once
+
+class ccKeyboardEvent;
+class ccMouseEvent;
+class ccUIClientFrame;
+class ccUIControlFrame;
+class ccUIEventProcessor;
+class ccUIForm;
+class ccUIFrame;
+class ccUIFrameSizer;
+class ccUINestedCoordFrame;
+class ccUIObject;
+class ccUIRootObject;
+class ccUIShapes;
+class ccUIShapesFrame;
