@@ -465,9 +465,12 @@ unsigned Core::realize(HWND window, std::span<PaletteEntry const> colors)
     if (count == 0)
       return 0;
     auto const known = std::find_if(palettes_.begin(), palettes_.end(), [&](auto const& p) { return *p == next; });
-    if (known == palettes_.end())
+    Palette const* current = known == palettes_.end() ? nullptr : known->get();
+    if (!current) {
       palettes_.push_back(std::make_unique<Palette const>(next));
-    palette_ = known == palettes_.end() ? palettes_.back().get() : known->get();
+      current = palettes_.back().get();
+    }
+    palette_ = current;
     for (Window const* top : tree_.tops())
       if (top != WindowTree::top(*w))
         others.push_back(top->handle);

@@ -97,8 +97,9 @@ TEST_F(Window, destroyInsideItsOwnDestroyMessageDoesNothing)
   HWND const window = top({0, 0, 10, 10});
   recorder.clear();
   recorder.hook = [&](Message const& m, LResult&) {
-    if (m.number == 2)
+    if (m.number == 2) {
       EXPECT_FALSE(windows().destroy(m.window));
+    }
     return false;
   };
 
