@@ -3,6 +3,7 @@
 
 #include "foundation/angle.h"
 #include "foundation/archive.h"
+#include "foundation/cpu.h"
 #include "foundation/exception.h"
 #include "foundation/handle.h"
 #include "foundation/math_error.h"
@@ -15,6 +16,7 @@
 #include "foundation/pels.h"
 #include "foundation/resource.h"
 #include "foundation/rounding.h"
+#include "foundation/thread.h"
 #include "foundation/vector.h"
 #include "foundation/xform.h"
 #include "foundation/xform_base.h"
