@@ -27,6 +27,12 @@ struct VisiblePart {
 Size screenSize();
 int screenDepth();
 std::span<PaletteEntry const, 256> screenPalette();
+bool headless();  // no wall clock: nothing waits for the screen's next picture
+
+// At screen depth 8: writes entries 10 to 245 of the given palette into the screen's (shorter ones as far as they go),
+// presents everything when one changed, and posts 785 to the top-level windows other than the sender's. The count of
+// entries changed; 0 at other depths. Any thread.
+unsigned writeScreenPalette(HWND sender, std::span<PaletteEntry const>);
 
 // Runs body(context, part) under the backing's lock, then marks dirty (backing pels, cut with the visible part) and
 // presents it. False when there is no such window or nothing of it is visible; body isn't called then. Any thread.
