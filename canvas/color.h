@@ -35,6 +35,15 @@ public:
   unsigned short rgb15() const { return toRGB().rgb15(); }
   unsigned short rgb16() const { return toRGB().rgb16(); }
 
+  // An entry of a palette: carries both.
+  static constexpr ccColor paletteEntry(unsigned char index, ccRGB const& rgb)
+  {
+    ccColor c(rgb);
+    c.flags_ = kRGB | kIndex;
+    c.index_ = index;
+    return c;
+  }
+
   static ccColor blackColor() { return stock_(0, 0, 0, 0); }
   static ccColor dkRedColor() { return stock_(1, 128, 0, 0); }
   static ccColor dkGreenColor() { return stock_(2, 0, 128, 0); }

@@ -53,5 +53,10 @@ public:
   friend bool operator!=(ccUIRect const& a, ccUIRect const& b) { return !(a == b); }
 
 private:
+  struct cs_Edges {
+    long l, t, r, b;
+  };
+  explicit constexpr ccUIRect(cs_Edges const& e) : l_(e.l), t_(e.t), r_(e.r), b_(e.b) {}
+
   long l_ = 0, t_ = 0, r_ = 0, b_ = 0;  // edges, each within the far limits
 };

@@ -10,6 +10,7 @@
 #include "foundation/pel_buffer.h"
 #include "foundation/vector.h"
 
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -41,7 +42,7 @@ public:
   virtual void updateScreen() = 0;
   virtual void optimizeDrawing(bool);
 
-  virtual void draw(ccGenShape const&, ccColor const&);
+  virtual void draw(ccGenShape const&, ccColor const&);  // here and for ccGraphic: only reports the change
   virtual void draw(ccEllipseArc const&, ccGraphicProps const&) = 0;
   virtual void draw(ccEllipse const&, ccGraphicProps const&) = 0;
   virtual void draw(ccPolygon const&, ccGraphicProps const&) = 0;
@@ -124,7 +125,7 @@ public:
   void moveToRel(long dx, long dy);
   ccPair<long> currentPoint() const { return current_; }
   void allChange();
-  void change(ccUIRect r, bool opaque);
+  void change(ccUIRect r, bool opaque);  // in pels from the scope's upper left; a null rectangle does nothing
   void modified(bool);
   void opaque(bool);
   unsigned stateBits() const { return bits_; }
@@ -141,12 +142,16 @@ protected:
   long yCoord(ccPoint const&) const;
   void setSize_(ccPair<long> const& size) { size_ = size; }
   // out(x, y) = source(floorT((x - offset.x) / scale), floorT((y - offset.y) / scale)), indices clamped to the source, for
-  // the part of the scaled image inside clip. An empty part leaves out unbound. The four pel types are instantiated.
+  // the part of the scaled image inside clip, which stays as it is. The image coordinates of out are those of clip. An empty
+  // part leaves out unbound. Both axes use the one factor. The pels of out hold until the next call unless a view of them is
+  // kept. Interpolation is bilinear between pel centres and works on magnifications only. Instantiated for the four pel types.
   template <class T>
   void pelScale(ccPelBuffer_const<T> const& source, ccPelBuffer<T>& out, double scale, ccUIRect& clip,
                 ccPair<long> const& offset, InterpolationModes);
 
 private:
+  struct cs_Scratch;  // what pelScale keeps from call to call, so that a settled size allocates nothing
+
   ccPair<long> offset_;  // client offset
   ccPair<long> size_;
   ccPair<long> current_;
@@ -154,4 +159,5 @@ private:
   ccUIRect changed_;
   ccUIRect displayClip_;
   ccFlagStack locks_;
+  std::unique_ptr<cs_Scratch> scratch_;  // never shared with a copy
 };

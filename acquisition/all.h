@@ -1,0 +1,4 @@
+// Everything of acquisition/ for applications.
+#pragma once
+
+#include "acquisition/acq_image.h"

@@ -1,0 +1,69 @@
+#include "canvas/rle_buffer.h"
+
+#include <cstddef>
+#include <vector>
+
+struct ccRLEBuffer::cs_Data {
+  long width = 0;
+  long height = 0;
+  std::vector<unsigned char> bytes;
+  std::vector<std::size_t> rows;  // where each row starts
+};
+
+ccRLEBuffer ccRLEBuffer::fromPels(unsigned char const* pels, long w, long h, long pitch)
+{
+  constexpr long kLongestRun = 255;
+  ccRLEBuffer result;
+  if (!pels || w <= 0 || h <= 0)
+    return result;
+  auto const data = std::make_shared<cs_Data>();
+  data->width = w;
+  data->height = h;
+  data->rows.reserve(static_cast<std::size_t>(h));
+  for (long y = 0; y < h; ++y, pels += pitch) {
+    data->rows.push_back(data->bytes.size());
+    for (long x = 0; x < w;) {
+      long count = 1;
+      while (x + count < w && count < kLongestRun && pels[x + count] == pels[x])
+        ++count;
+      data->bytes.push_back(pels[x]);
+      data->bytes.push_back(static_cast<unsigned char>(count));
+      x += count;
+    }
+    data->bytes.push_back(0);
+    data->bytes.push_back(0);
+  }
+  result.data_ = data;
+  return result;
+}
+
+long ccRLEBuffer::width() const
+{
+  return data_ ? data_->width : 0;
+}
+
+long ccRLEBuffer::height() const
+{
+  return data_ ? data_->height : 0;
+}
+
+unsigned char const* ccRLEBuffer::row(long y) const
+{
+  static unsigned char const empty[2] = {0, 0};
+  if (y < 0 || y >= height())
+    return empty;
+  return data_->bytes.data() + data_->rows[static_cast<std::size_t>(y)];
+}
+
+unsigned char ccRLEBuffer::getPel(ccPair<long> const& p) const
+{
+  if (p.x() < 0 || p.x() >= width())
+    return 0;
+  long left = p.x();
+  for (unsigned char const* run = row(p.y()); run[1] != 0; run += 2) {
+    if (left < run[1])
+      return run[0];
+    left -= run[1];
+  }
+  return 0;
+}

@@ -1,0 +1,4 @@
+// Declares the classes of this folder.
+#pragma once
+
+class ccDisplay;
