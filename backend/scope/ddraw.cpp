@@ -1,5 +1,8 @@
 #include "backend/scope/ddraw.h"
 
+#include "platform/objects.h"
+#include "platform/window.h"
+
 #include <algorithm>
 #include <cstring>
 
@@ -85,7 +88,7 @@ long ccDirectDrawPalette::create_(ccDirectDraw* ddraw)
     return ceDDInvalidObject;
   constexpr std::uint32_t eightBitAllow256 = 68;
   constexpr unsigned char noCollapse = 4;
-  std::vector<plat::PaletteEntry> const system = plat::systemPalette();
+  std::vector<plat::PaletteEntry> const system = plat::platform().objects.systemEntries();
   plat::PaletteEntry entries[256];
   std::copy_n(system.begin(), std::min<std::size_t>(system.size(), 256), entries);
   for (plat::PaletteEntry& e : entries)
