@@ -16,7 +16,7 @@ class VideoWindow;
 u32 pelFromRgb(u32 color, int depth, std::span<PaletteEntry const, 256>);
 u32 rgbFromPel(u32 pel, int depth, std::span<PaletteEntry const, 256>);
 u32 readPel(PelBlock const&, Point);
-void fillPels(PelBlock const&, Rect const&, u32 pel);    // cut by the block
+void fillBlock(PelBlock const&, Rect const&, u32 pel);    // cut by the block
 void copyPels(PelBlock const& to, PelBlock const& from); // the common upper left part, equal depths
 constexpr int pelBytes(int depth) { return depth == 8 ? 1 : depth == 24 ? 3 : depth == 32 ? 4 : 2; }
 
