@@ -4,11 +4,10 @@
 #include "foundation/archive.h"
 #include "foundation/exception.h"
 
-// Moves the version byte of one class level; any version but 0 throws ccArchive::UnknownVersion(name).
+// What every level does directly after its version byte: any version but 0 throws ccArchive::UnknownVersion(name).
 void cf_serializeLevel(ccArchive&, unsigned char version, char const* name);
 
-#define KRS_DEFINE_SERIALIZE_(Class, Base, name)                                                                       \
-  void Class::serialize_(ccArchive& ar, unsigned char version) { cf_serializeLevel(ar, version, name); }               \
+#define KRS_DEFINE_DISPATCH_(Class, Base)                                                                              \
   void Class::dispatchSerialize(ccArchive& ar)                                                                         \
   {                                                                                                                    \
     if (ar.haveVisited(this, typeid(Class)))                                                                           \
@@ -19,6 +18,10 @@ void cf_serializeLevel(ccArchive&, unsigned char version, char const* name);
     Base::dispatchSerialize(ar);                                                                                       \
     ar.setVisited(this, typeid(Class));                                                                                \
   }
+
+#define KRS_DEFINE_SERIALIZE_(Class, Base, name)                                                                       \
+  void Class::serialize_(ccArchive& ar, unsigned char version) { cf_serializeLevel(ar, version, name); }               \
+  KRS_DEFINE_DISPATCH_(Class, Base)
 
 #define KRS_DEFINE_EXCEPTION_FAMILY(Class, Base) KRS_DEFINE_SERIALIZE_(Class, Base, #Class)
 

@@ -1,6 +1,7 @@
 // Declares the classes of this folder.
 #pragma once
 
+template <class P> class ccCallback1;
 template <class T> class ccPair;
 template <int N> class ccVector;
 template <int N> class ccMatrix;
@@ -17,12 +18,16 @@ class cc_Instantiator;
 class cc_PelRoot;
 class cc_Resource;
 class ccArchive;
+class ccCallback;
 class ccCommunicator;
+class ccCriticalSection;
 class ccDegree;
 class ccEvent;
 class ccException;
 class ccLock;
 class ccMutex;
+class ccNotifyObservers;
+class ccObserver;
 class ccPackedRGB16Pel;
 class ccPackedRGB32Pel;
 class ccPelRect;
@@ -33,3 +38,5 @@ class ccRadian;
 class ccRepBase;
 class ccSemaphore;
 class ccStringLiteral;
+class ccSubject;
+class ccTimer;

@@ -21,7 +21,8 @@ public:
   constexpr bool isNull() const { return sz_.x() <= 0 || sz_.y() <= 0; }
   constexpr bool within(ccPair<long> const& p) const
   {
-    return !isNull() && p.x() >= ul_.x() && p.y() >= ul_.y() && p.x() < lr().x() && p.y() < lr().y();
+    return !isNull() && p.x() >= ul_.x() && p.y() >= ul_.y() &&
+           static_cast<long long>(p.x()) - ul_.x() < sz_.x() && static_cast<long long>(p.y()) - ul_.y() < sz_.y();
   }
 
   friend ccPelRect operator&(ccPelRect const& a, ccPelRect const& b);  // disjoint: the null rectangle at (0, 0)

@@ -30,7 +30,8 @@ public:
   void disconnect() { memory_ = nullptr; }  // forgets foreign memory
 
 protected:
-  // Sides of at least 1 and less than 2^31 bytes, else ccPelError::BadSize. Null memory: own zeroed memory, whose rows are
+  // Sides of at least 1 and less than 2^31 bytes, else ccPelError::BadSize. Alignment 0: foreign memory, whose stride may be
+  // negative and is at least the width (null memory makes a disconnected root). Else own zeroed memory, whose rows are
   // aligned to so many bytes.
   cc_PelRoot(void* memory, long width, long height, long rowStride, long pelBytes, long alignment);
   void* memory() const { return memory_; }
@@ -46,9 +47,9 @@ private:
 
 template <class T> class ccPelRoot : public cc_PelRoot {
 public:
-  ccPelRoot(long width, long height, long alignment = 8) : cc_PelRoot(nullptr, width, height, 0, sizeof(T), alignment) {}
+  ccPelRoot(long width, long height, long alignment = 8) : cc_PelRoot(nullptr, width, height, 0, sizeof(T), alignment < 1 ? 1 : alignment) {}
   ccPelRoot(T* memory, long width, long height, long rowStride)
-      : cc_PelRoot(memory, width, height, rowStride, sizeof(T), 1)
+      : cc_PelRoot(memory, width, height, rowStride, sizeof(T), 0)
   {
   }
   T* row(long y) const { return static_cast<T*>(memory()) + y * rowStride(); }  // unchecked
@@ -85,12 +86,19 @@ public:
     this->pool(owner);
   }
   // Here and not in the base's destructor, where the slot could no longer be asked for.
-  ~cc_SlottedPelRoot() override { this->pool()->notifyRelease(this); }
+  ~cc_SlottedPelRoot() override
+  {
+    if (this->pool())
+      this->pool()->notifyRelease(this);
+  }
 
 protected:
   void destroy_() override
   {
     ccPtrHandle<ccPelRootPool> const keep(this->pool());
-    keep->deletePelRoot(this);
+    if (keep)
+      keep->deletePelRoot(this);
+    else
+      delete this;
   }
 };

@@ -1,0 +1,463 @@
+// Window messages: what each becomes.
+#include "backend/win32/display_list.h"
+#include "backend/win32/win32_display.h"
+#include "backend/win32/win32_root.h"
+#include "platform/objects.h"
+#include "platform/paint.h"
+#include "platform/window.h"
+#include "ui/core/event_processor.h"
+
+#include <algorithm>
+
+namespace {
+
+// Numbers of window messages.
+constexpr unsigned kDestroy = 2, kMove = 3, kSize = 5, kPaint = 15, kErase = 20, kMinMax = 36, kSetCursor = 32,
+                   kKeyDown = 256, kKeyUp = 257, kChar = 258, kCommand = 273, kTimer = 275, kHScroll = 276,
+                   kVScroll = 277, kInitPopup = 279, kMouseMove = 512, kLeftDown = 513, kLeftUp = 514,
+                   kLeftDouble = 515, kRightDown = 516, kRightUp = 517, kRightDouble = 518, kMiddleDown = 519,
+                   kMiddleUp = 520, kMiddleDouble = 521, kCaptureChanged = 533, kQueryNewPalette = 783,
+                   kPaletteChanged = 785;
+
+// The held left button repeats first after a second, then twice a second.
+constexpr std::uintptr_t kFirstRepeatTimer = 500, kNextRepeatTimer = 501;
+constexpr unsigned kFirstRepeatMs = 1000, kNextRepeatMs = 500;
+constexpr long kRepeatTolerance = 2;  // a move by so many pels on either axis ends it
+
+constexpr int kToolsMenu = 628;
+constexpr unsigned kFirstModeCommand = 40502, kLastModeCommand = 40505, kFitCommand = 40506, kMagOneCommand = 40507,
+                   kGridCommand = 40510, kSubpixelGridCommand = 40511;
+
+long cf_lowWord(std::intptr_t v) { return static_cast<std::int16_t>(static_cast<std::uint16_t>(v & 0xFFFF)); }
+long cf_highWord(std::intptr_t v) { return static_cast<std::int16_t>(static_cast<std::uint16_t>((v >> 16) & 0xFFFF)); }
+
+struct cs_MouseRow {
+  unsigned message;
+  ccMouseEvent::Event event;
+  int button;
+};
+
+constexpr cs_MouseRow kMouse[] = {
+    {kMouseMove, ccMouseEvent::mouseMoved, 0},
+    {kLeftDown, ccMouseEvent::mousePressed, ccMouseEvent::leftButton},
+    {kLeftUp, ccMouseEvent::mouseReleased, ccMouseEvent::leftButton},
+    {kLeftDouble, ccMouseEvent::mouseDblClicked, ccMouseEvent::leftButton},
+    {kRightDown, ccMouseEvent::mousePressed, ccMouseEvent::rightButton},
+    {kRightUp, ccMouseEvent::mouseReleased, ccMouseEvent::rightButton},
+    {kRightDouble, ccMouseEvent::mouseDblClicked, ccMouseEvent::rightButton},
+    {kMiddleDown, ccMouseEvent::mousePressed, ccMouseEvent::middleButton},
+    {kMiddleUp, ccMouseEvent::mouseReleased, ccMouseEvent::middleButton},
+    {kMiddleDouble, ccMouseEvent::mouseDblClicked, ccMouseEvent::middleButton},
+    {kCaptureChanged, ccMouseEvent::mouseReleased, ccMouseEvent::leftButton},
+};
+
+}  // namespace
+
+// Hooks run inside an event and may delete the display or take it off its window.
+class ccWin32Display::cc_Alive {
+public:
+  explicit cc_Alive(ccWin32Display& display) : display_(&display), window_(display.window_), key_(display.key()) {}
+  explicit operator bool() const
+  {
+    ccLock lock(listMutex());
+    return subclassingDisplay(window_) == display_ && display_->key() == key_;
+  }
+
+private:
+  ccWin32Display* display_;
+  HWND window_;
+  std::uint32_t key_;
+};
+
+std::intptr_t ccWin32Display::windowProc(HWND window, unsigned message, std::uintptr_t wParam, std::intptr_t lParam)
+{
+  // The list's mutex is free again before anything is called.
+  if (ccWin32Display* const display = subclassingDisplay(window))
+    return display->windowProc_(message, wParam, lParam);
+  return parentProc_(window, message, wParam, lParam);
+}
+
+// A parent of a chroma-keyed display: the picture beneath it may have changed.
+std::intptr_t ccWin32Display::parentProc_(HWND window, unsigned message, std::uintptr_t wParam, std::intptr_t lParam)
+{
+  plat::MessageProc former = nullptr;
+  std::vector<ccWin32Display*> keyed;
+  {
+    ccLock lock(listMutex());
+    for (cs_ParentEntry const& entry : cf_parentList())
+      if (entry.window == window)
+        former = entry.former;
+    if (message == kMove || message == kQueryNewPalette || message == kPaletteChanged)
+      for (cs_SubclassEntry const& entry : cf_subclassList())
+        if (entry.display->chromaKeyingEnabled())
+          keyed.push_back(entry.display);
+  }
+  for (ccWin32Display* const display : keyed) {
+    if (message == kMove) {
+      ccLock lock(display->rootMutex());
+      display->imageScope_.updateScreen();
+    } else
+      display->windowProc_(message, wParam, lParam);
+  }
+  return former ? plat::platform().windows.callProc(former, window, message, wParam, lParam) : 0;
+}
+
+std::intptr_t ccWin32Display::chain_(unsigned message, std::uintptr_t wParam, std::intptr_t lParam)
+{
+  return plat::platform().windows.callProc(formerProc_, window_, message, wParam, lParam);
+}
+
+std::intptr_t ccWin32Display::windowProc_(unsigned message, std::uintptr_t wParam, std::intptr_t lParam)
+{
+  cc_Alive const alive(*this);
+  HWND const window = window_;
+  Proc const former = formerProc_;
+  bool handled = false;
+  switch (message) {
+  case kKeyDown:
+  case kKeyUp:
+  case kChar:
+    handled = processKeyboardMsg(message, wParam, lParam);
+    break;
+  case kDestroy:
+    chain_(message, wParam, lParam);
+    if (alive)
+      this->window(nullptr);
+    return 0;
+  case kMove:
+  case kSize:
+  case kPaint:
+  case kMinMax:
+    handled = processWndUpdateMsg(message, wParam, lParam);
+    break;
+  case kErase:
+    if (!chromaKeyingEnabled())
+      return 1;
+    break;
+  case kSetCursor:
+    if (root())
+      root()->cursor(root()->cursor());
+    return 1;
+  case kCommand:
+    handled = processCommandMsg(static_cast<unsigned>(wParam & 0xFFFF));
+    break;
+  case kTimer:
+    handled = processTimerMsg(wParam);
+    break;
+  case kHScroll:
+  case kVScroll:
+    handled = processScrollMsg(message, wParam, lParam);
+    break;
+  case kInitPopup:
+    return 0;
+  case kPaletteChanged:
+    if (wParam == reinterpret_cast<std::uintptr_t>(window_))
+      break;
+    [[fallthrough]];
+  case kQueryNewPalette:
+    if (win32Root_->realizePalette()) {
+      ccLock lock(rootMutex());
+      updateCacheMap();
+      lockScreenUpdatesPush(true, bothLayers);
+      redraw(bothLayers);
+      updateDisplay(bothLayers);
+      lockScreenUpdatesPop(bothLayers);
+    }
+    return 1;
+  default:
+    if ((message >= kMouseMove && message <= kMiddleDouble) || message == kCaptureChanged)
+      handled = processMouseMsg(message, wParam, lParam);
+    break;
+  }
+  if (handled)
+    return 0;
+  // What ran above may have ended this display; the message still goes its way.
+  return plat::platform().windows.callProc(alive ? formerProc_ : former, window, message, wParam, lParam);
+}
+
+// ---- Mouse ----
+
+void ccWin32Display::startRepeat_(ccPair<long> const& at)
+{
+  timerId_ = kFirstRepeatTimer;
+  plat::platform().windows.setTimer(window_, timerId_, kFirstRepeatMs);
+  pressPos_ = at;
+}
+
+void ccWin32Display::stopRepeat_()
+{
+  if (timerId_ != 0)
+    plat::platform().windows.killTimer(window_, timerId_);
+  timerId_ = 0;
+}
+
+bool ccWin32Display::processMouseMsg(unsigned message, std::uintptr_t wParam, std::intptr_t lParam)
+{
+  auto const row =
+      std::find_if(std::begin(kMouse), std::end(kMouse), [message](cs_MouseRow const& r) { return r.message == message; });
+  if (row == std::end(kMouse) || (message == kMouseMove && inPopupMenu_))
+    return false;
+  plat::WindowSystem& windows = plat::platform().windows;
+  ccPair<long> const scroll = imageScope_.scroll();
+  ccPair<long> at(cf_lowWord(lParam) + scroll.x(), cf_highWord(lParam) + scroll.y());
+  std::uint32_t buttons = (wParam & 1 ? ccMouseEvent::leftButton : 0) | (wParam & 16 ? ccMouseEvent::middleButton : 0) |
+                          (wParam & 2 ? ccMouseEvent::rightButton : 0);
+  std::uint32_t keys = (wParam & 8 ? ccMouseEvent::kControlKey : 0u) | (wParam & 4 ? ccMouseEvent::kShiftKey : 0u);
+
+  switch (message) {
+  case kMouseMove:
+    if (timerId_ != 0 && (std::abs(at.x() - pressPos_.x()) >= kRepeatTolerance ||
+                          std::abs(at.y() - pressPos_.y()) >= kRepeatTolerance))
+      stopRepeat_();
+    break;
+  case kLeftDown: {
+    plat::Rect const client = windows.clientRect(window_);
+    plat::Point const ul = windows.clientToScreen(window_, {client.left, client.top});
+    plat::Rect const screen{ul.x, ul.y, ul.x + client.width(), ul.y + client.height()};
+    windows.clipCursor(&screen);
+    windows.setCapture(window_);
+    break;
+  }
+  case kCaptureChanged:
+    // Only when another window took the capture; a plain release was ours.
+    if (lParam == 0 || lParam == reinterpret_cast<std::intptr_t>(window_))
+      return false;
+    at = lastPos_;
+    buttons = 0;
+    keys = 0;
+    windows.clipCursor(nullptr);
+    stopRepeat_();
+    break;
+  case kLeftUp:
+    windows.clipCursor(nullptr);
+    windows.releaseCapture();
+    stopRepeat_();
+    break;
+  case kRightDown:
+  case kRightUp:
+    if (toolsPopupMenu_) {
+      lastPos_ = at;
+      if (message == kRightDown)
+        toolsPopup_();
+      return false;
+    }
+    break;
+  default:
+    break;
+  }
+
+  ccMouseEvent event;
+  event.event(row->event);
+  event.whichButton(static_cast<ccMouseEvent::Button>(row->button));
+  event.position(at);
+  event.buttons(buttons);
+  event.keys(keys);
+  cc_Alive const alive(*this);
+  root()->eventProcessor()->processEvent(event);
+  if (!alive)
+    return false;
+  if (message == kLeftDown)
+    startRepeat_(at);
+  lastPos_ = at;
+  return false;
+}
+
+void ccWin32Display::toolsPopup_()
+{
+  plat::Platform& platform = plat::platform();
+  HMENU const menu = platform.menus.load(kToolsMenu);
+  if (!menu)
+    return;
+  HMENU const tools = platform.menus.sub(menu, 0);
+  for (int i = 0; i < platform.menus.count(tools); ++i)
+    OnUpdateToolsMenu(tools, platform.menus.itemId(tools, i));
+  cc_Alive const alive(*this);
+  inPopupMenu_ = true;
+  platform.menus.track(tools, platform.windows.cursorPos(), window_);
+  if (alive)
+    inPopupMenu_ = false;
+  platform.menus.destroy(menu);
+}
+
+void ccWin32Display::OnUpdateToolsMenu(HMENU menu, unsigned id)
+{
+  plat::MenuSystem& menus = plat::platform().menus;
+  if (id >= kFirstModeCommand && id <= kLastModeCommand) {
+    menus.enable(menu, id, true);
+    if (static_cast<unsigned>(mouseMode()) == id - kFirstModeCommand)
+      menus.radio(menu, kFirstModeCommand, kLastModeCommand, id);
+  } else if (id == kGridCommand) {
+    menus.enable(menu, id, true);
+    menus.check(menu, id, grid() >= 1);
+  } else if (id == kSubpixelGridCommand) {
+    menus.enable(menu, id, true);
+    menus.check(menu, id, subpixelGrid() >= 2);
+  }
+}
+
+// ---- Timer, keys, commands, scroll bars ----
+
+bool ccWin32Display::processTimerMsg(std::uintptr_t id)
+{
+  if (id != kFirstRepeatTimer && id != kNextRepeatTimer)
+    return false;
+  if (id == kFirstRepeatTimer) {
+    stopRepeat_();
+    timerId_ = kNextRepeatTimer;
+    plat::platform().windows.setTimer(window_, timerId_, kNextRepeatMs);
+  }
+  ccMouseEvent event;
+  event.event(ccMouseEvent::mouseDwell);
+  event.whichButton(ccMouseEvent::leftButton);
+  event.buttons(ccMouseEvent::leftButton);
+  event.position(root()->eventProcessor()->lastMousePos());
+  root()->eventProcessor()->processEvent(event);
+  return false;
+}
+
+bool ccWin32Display::processKeyboardMsg(unsigned message, std::uintptr_t wParam, std::intptr_t lParam)
+{
+  bool const repeat = (lParam & (std::intptr_t(1) << 30)) != 0;
+  ccKeyboardEvent event;
+  if (message == kChar) {
+    if (repeat)
+      return false;
+    event.event(ccKeyboardEvent::keyCharacter);
+    event.key(static_cast<char>(wParam & 0xFF));
+  } else {
+    ccKeyboardEvent::VirtualKey const key = ccKeyboardEvent::toVirtualKey(static_cast<long>(wParam & 0xFFFF));
+    // On a release the bit tells that the key was down, so it only counts for presses.
+    if (key == ccKeyboardEvent::vkNone || (message == kKeyDown && repeat))
+      return false;
+    event.event(message == kKeyDown ? ccKeyboardEvent::keyDown : ccKeyboardEvent::keyUp);
+    event.key(key);
+  }
+  root()->eventProcessor()->processEvent(event);
+  return false;
+}
+
+bool ccWin32Display::processCommandMsg(unsigned id)
+{
+  if (id >= kFirstModeCommand && id <= kLastModeCommand)
+    mouseMode(static_cast<MouseMode>(id - kFirstModeCommand));
+  else if (id == kFitCommand)
+    fit();
+  else if (id == kMagOneCommand)
+    mag(1);
+  else if (id == kGridCommand)
+    grid(-grid());  // the sign of the stored value is the switch
+  else if (id == kSubpixelGridCommand)
+    subpixelGrid(-subpixelGrid());
+  return false;
+}
+
+bool ccWin32Display::processScrollMsg(unsigned message, std::uintptr_t wParam, std::intptr_t)
+{
+  ccLock lock(rootMutex());
+  long const m = mag();
+  double const magnification = m == 0 ? 1.0 : m > 0 ? static_cast<double>(m) : 1.0 / static_cast<double>(-m);
+  double const height = static_cast<double>(clientArea().y());  // for both axes
+  double const small = std::min(height / magnification * 0.02, 5.0), page = height / magnification * 0.25;
+  bool const horizontal = message == kHScroll;
+  ccVector<2> p = pan();
+  double& value = horizontal ? p.x() : p.y();
+  double const start = horizontal ? minPan().x() : minPan().y(), end = horizontal ? maxPan().x() : maxPan().y();
+  switch (wParam & 0xFFFF) {
+  case 0:
+    value += small;
+    break;
+  case 1:
+    value -= small;
+    break;
+  case 2:
+    value += page;
+    break;
+  case 3:
+    value -= page;
+    break;
+  case 4:
+  case 5:
+    value = end - static_cast<double>((wParam >> 16) & 0xFFFF);
+    break;
+  case 6:
+    value = end;
+    break;
+  case 7:
+    value = start;
+    break;
+  default:
+    return false;
+  }
+  pan(p);
+  return false;
+}
+
+// ---- Painting and size ----
+
+bool ccWin32Display::processWndUpdateMsg(unsigned message, std::uintptr_t, std::intptr_t lParam)
+{
+  ccLock lock(rootMutex());
+  plat::WindowSystem& windows = plat::platform().windows;
+  if (message == kMove) {
+    if (chromaKeyingEnabled())
+      imageScope_.updateScreen();
+  } else if (message == kSize) {
+    ccPair<long> const size(lParam & 0xFFFF, (lParam >> 16) & 0xFFFF);
+    if (size.x() <= 0 || size.y() <= 0)
+      return false;
+    std::fill_n(cachedScroll_, 2, -2147483647.0);
+    std::fill_n(cachedRange_, 2, -2147483647.0);
+    lockScreenUpdatesPush(true, bothLayers);
+    disableDrawing();
+    if (overlayScope_) {
+      overlayScope_->releaseCombinedSurface();
+      imageScope_.releaseDrawingSurface();
+      overlayScope_->releaseDrawingSurface();
+      overlayScope_->resizeCombinedSurface(size);
+      imageScope_.resizeDrawingSurface(size);
+      overlayScope_->resizeDrawingSurface(size);
+      setScope(overlayLayer, overlayScope_, false);
+    } else
+      imageScope_.resize(size, -1);
+    setScope(imageLayer, &imageScope_, false);
+    layOut_(imageScope_.size());
+    enableDrawing(true);
+    win32Root_->globalUpdate();
+    lockScreenUpdatesPop(bothLayers);
+  } else if (message == kPaint) {
+    plat::Rect const r = windows.updateRect(window_);
+    if (!chromaKeyingEnabled())
+      windows.validate(window_, nullptr);
+    if (r.empty())
+      return false;
+    ccUIRect const updated = ccUIRect::fromEdges(r.left, r.top, r.right, r.bottom);
+    imageScope_.invalidateScreen(updated + imageScope_.scroll());
+    imageScope_.updateScreen();
+    paintMargins_(updated);
+  }
+  return false;
+}
+
+// Black on what the scope doesn't reach.
+void ccWin32Display::paintMargins_(ccUIRect const& updated)
+{
+  ccUIRect const covered(-imageScope_.scroll(), imageScope_.size());
+  if (covered.contains(updated))
+    return;
+  plat::WindowSystem& windows = plat::platform().windows;
+  HDC const dc = windows.getDC(window_);
+  plat::Painter* const painter = plat::painter(dc);
+  auto const fill = [&](long left, long top, long right, long bottom) {
+    ccUIRect const part = ccUIRect::fromEdges(left, top, right, bottom) & updated;
+    if (painter && !part.isNull())
+      painter->fillRect({static_cast<plat::i32>(part.left()), static_cast<plat::i32>(part.top()),
+                         static_cast<plat::i32>(part.right()), static_cast<plat::i32>(part.bottom())},
+                        0);
+  };
+  long const far = ccUIRect::kFar;
+  fill(-far, -far, covered.left(), far);
+  fill(-far, -far, far, covered.top());
+  fill(covered.right(), -far, far, far);
+  fill(-far, covered.bottom(), far, far);
+  windows.releaseDC(window_, dc);
+}
