@@ -60,7 +60,7 @@ TEST(JpegFile, greyStaysGrey)
   ASSERT_EQ(image.format, ceImageFormatGrey8) << image.error;
   EXPECT_EQ(image.bits, 8);
   EXPECT_EQ(image.grey8.size(), ccPair<long>(50, 20));
-  for (long x = 0; x < 50; ++x)
+  for (int x = 0; x < 50; ++x)
     EXPECT_NEAR(image.grey8.getPel(x, 7), 10 + 4 * x, 4);
 }
 
@@ -71,7 +71,7 @@ TEST(JpegFile, colourIsRedGreenBlue)
 
     ASSERT_EQ(image.format, ceImageFormatRGB32) << image.error;
     EXPECT_EQ(image.rgb.size(), ccPair<long>(40, 40));
-    for (long i = 0; i < 40; i += 13) {
+    for (int i = 0; i < 40; i += 13) {
       ccPackedRGB32Pel const pel = image.rgb.getPel(i, 39 - i);
       EXPECT_NEAR(pel.red(), 10 + 4 * i, 12);
       EXPECT_NEAR(pel.green(), 10 + 4 * (39 - i), 12);
