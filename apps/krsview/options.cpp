@@ -1,0 +1,138 @@
+#include "apps/krsview/options.h"
+
+#include <charconv>
+#include <cmath>
+
+namespace {
+
+constexpr long kMaxSide = 16384;
+
+template <class T> bool cf_number(std::string_view text, T& value)
+{
+  if (!text.empty() && text.front() == '+')
+    text.remove_prefix(1);
+  auto const [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+  if constexpr (std::is_floating_point_v<T>)
+    if (!std::isfinite(value))
+      return false;
+  return error == std::errc() && end == text.data() + text.size() && !text.empty();
+}
+
+// Two numbers with one character between them.
+template <class T> bool cf_two(std::string const& text, char between, T& a, T& b)
+{
+  std::size_t const at = text.find(between);
+  return at != std::string::npos && cf_number(std::string_view(text).substr(0, at), a) &&
+         cf_number(std::string_view(text).substr(at + 1), b);
+}
+
+}  // namespace
+
+std::string cfParseViewOptions(std::vector<std::string> const& arguments, ccViewOptions& options)
+{
+  bool onlyNames = false;
+  for (std::size_t i = 0; i < arguments.size(); ++i) {
+    std::string option = arguments[i];
+    if (onlyNames || option.size() < 2 || option[0] != '-') {
+      options.images.push_back(option);
+      continue;
+    }
+    if (option == "--") {
+      onlyNames = true;
+      continue;
+    }
+    // --name=value is as good as --name value.
+    std::optional<std::string> attached;
+    if (std::size_t const at = option.find('='); at != std::string::npos) {
+      attached = option.substr(at + 1);
+      option.resize(at);
+    }
+    std::string value;
+    auto const takeValue = [&]() -> bool {
+      if (attached) {
+        value = *attached;
+        attached.reset();
+        return true;
+      }
+      if (i + 1 >= arguments.size())
+        return false;
+      value = arguments[++i];
+      return true;
+    };
+    std::string const needs = option + " needs a value";
+    std::string const bad = "bad value for " + option + ": ";
+
+    if (option == "--window") {
+      if (!takeValue())
+        return needs;
+      if (!cf_two(value, 'x', options.width, options.height) || options.width < 1 || options.height < 1 ||
+          options.width > kMaxSide || options.height > kMaxSide)
+        return bad + value + " (WIDTHxHEIGHT, 1 to 16384)";
+    } else if (option == "--depth") {
+      if (!takeValue())
+        return needs;
+      int depth = 0;
+      if (!cf_number(value, depth) || (depth != 8 && depth != 15 && depth != 16 && depth != 24 && depth != 32))
+        return bad + value + " (8, 15, 16, 24 or 32)";
+      options.depth = depth;
+    } else if (option == "--mag") {
+      if (!takeValue())
+        return needs;
+      long mag = 0;
+      if (!cf_number(value, mag))
+        return bad + value + " (a whole number; -N reduces)";
+      options.mag = mag;
+    } else if (option == "--pan") {
+      if (!takeValue())
+        return needs;
+      double x = 0, y = 0;
+      if (!cf_two(value, ',', x, y))
+        return bad + value + " (X,Y in image pels)";
+      options.pan = std::pair(x, y);
+    } else if (option == "--shot") {
+      if (!takeValue())
+        return needs;
+      if (value.empty())
+        return bad + "an empty file name";
+      options.shot = value;
+    } else if (option == "--fit")
+      options.fit = ccViewOptions::fitWhole;
+    else if (option == "--fit-exact")
+      options.fit = ccViewOptions::fitExact;
+    else if (option == "--headless")
+      options.headless = true;
+    else if (option == "--scrollbars")
+      options.scrollBars = true;
+    else if (option == "--info")
+      options.info = true;
+    else if (option == "--help" || option == "-h")
+      options.help = true;
+    else if (option == "--version")
+      options.version = true;
+    else
+      return "unknown option " + option;
+    if (attached)
+      return option + " takes no value";
+  }
+  return "";
+}
+
+char const* cfViewHelp()
+{
+  return "usage: krsview [options] [IMAGE-or-DIRECTORY ...]\n"
+         "Shows images as krsdisp shows them. With no image it takes the bundled samples.\n"
+         "\n"
+         "  --window WxH     client area of the window (default 800x600)\n"
+         "  --depth N        bits a pel of a headless screen: 8, 15, 16, 24 or 32 (default 32)\n"
+         "  --mag N          magnification; -N reduces to one N-th\n"
+         "  --fit            largest whole magnification or reduction that shows all\n"
+         "  --fit-exact      fit the image exactly\n"
+         "  --pan X,Y        pan in image pels, after mag or fit\n"
+         "  --headless       open no window\n"
+         "  --shot FILE.png  write the picture of the client area\n"
+         "  --scrollbars     show scroll bars\n"
+         "  --info           tell about the image and its view, as JSON on standard output\n"
+         "  --help, --version\n"
+         "\n"
+         "Exit status: 0 all well, 1 a bad option or an output that cannot be written, 2 a file that failed.\n";
+}

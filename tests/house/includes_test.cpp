@@ -1,0 +1,186 @@
+// Walks all include lines of the project: arrows point downward only, no two files include each other in a circle, system
+// headers of the machine stay below platform/.
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <regex>
+#include <set>
+
+namespace fs = std::filesystem;
+
+namespace {
+
+struct Floor {
+  std::string folder;
+  std::vector<std::string> mayInclude;  // folders, besides itself
+};
+
+std::vector<std::string> plus(std::vector<std::string> a, std::vector<std::string> const& b)
+{
+  a.insert(a.end(), b.begin(), b.end());
+  return a;
+}
+
+// The longest folder that starts a file's path decides.
+std::vector<Floor> floors()
+{
+  std::vector<std::string> const f1 = {"foundation"};
+  std::vector<std::string> const f12 = plus(f1, {"geometry"});
+  std::vector<std::string> const f3 = plus(f12, {"canvas"});
+  std::vector<std::string> const acq = {"acquisition"};
+  std::vector<std::string> const core = plus(plus(f3, acq), {"ui/core"});
+  std::vector<std::string> const f5 = plus(core, {"ui/display", "ui/shapes", "ui/controls"});
+  std::vector<std::string> const scope = plus(f3, plus(acq, {"platform"}));
+  std::vector<std::string> const f6 = plus(f5, {"ui/notify", "ui/menu", "backend/scope", "platform"});
+  std::vector<std::string> const f7 = plus(f6, {"backend/win32", "backend/live"});
+  return {
+      {"foundation", {}},
+      {"geometry", f1},
+      {"acquisition", f1},
+      {"platform", f1},
+      {"canvas", f12},
+      {"ui/core", plus(f3, acq)},
+      {"ui/display", core},
+      {"ui/shapes", core},
+      {"ui/controls", core},
+      {"ui/notify", f5},
+      {"ui/menu", f5},
+      {"backend/scope", scope},
+      {"backend/win32", plus(f6, {"backend/live"})},
+      {"backend/live", plus(f6, {"backend/win32"})},
+      {"consoles", f7},
+      {"remote", f7},
+  };
+}
+
+std::string slashed(fs::path const& p) { return p.generic_string(); }
+
+bool under(std::string const& path, std::string const& folder) { return path.rfind(folder + "/", 0) == 0; }
+
+struct Source {
+  std::vector<std::string> project;  // included project files
+  std::vector<std::string> system;   // names in angle brackets
+  std::string text;
+};
+
+std::map<std::string, Source> const& sources()
+{
+  static std::map<std::string, Source> const all = [] {
+    std::map<std::string, Source> found;
+    fs::path const root = KRS_SOURCE_DIR;
+    std::regex const quoted("^\\s*#\\s*include\\s*\"([^\"]+)\""), angled("^\\s*#\\s*include\\s*<([^>]+)>");
+    for (char const* const top : {"foundation", "geometry", "acquisition", "platform", "canvas", "ui", "backend",
+                                  "consoles", "remote", "apps", "examples"}) {
+      if (!fs::exists(root / top))
+        continue;
+      for (auto const& entry : fs::recursive_directory_iterator(root / top)) {
+        if (entry.path().extension() != ".h" && entry.path().extension() != ".cpp")
+          continue;
+        Source source;
+        std::ifstream in(entry.path());
+        for (std::string line; std::getline(in, line);) {
+          std::smatch match;
+          if (std::regex_search(line, match, quoted))
+            source.project.push_back(match[1]);
+          else if (std::regex_search(line, match, angled))
+            source.system.push_back(match[1]);
+          source.text += line + "\n";
+        }
+        found[slashed(fs::relative(entry.path(), root))] = source;
+      }
+    }
+    return found;
+  }();
+  return all;
+}
+
+Floor const* floorOf(std::vector<Floor> const& all, std::string const& path)
+{
+  Floor const* best = nullptr;
+  for (Floor const& floor : all)
+    if (under(path, floor.folder) && (!best || floor.folder.size() > best->folder.size()))
+      best = &floor;
+  return best;
+}
+
+}  // namespace
+
+TEST(House, sourcesAreFound) { EXPECT_GT(sources().size(), 100u); }
+
+TEST(House, includesNameFilesThatExistFromTheRoot)
+{
+  for (auto const& [path, source] : sources())
+    for (std::string const& included : source.project) {
+      bool const generated = included.find("generated/") == 0;
+      EXPECT_TRUE(generated || fs::exists(fs::path(KRS_SOURCE_DIR) / included)) << path << " includes " << included;
+    }
+}
+
+TEST(House, includesPointOnlyDownward)
+{
+  std::vector<Floor> const all = floors();
+  for (auto const& [path, source] : sources()) {
+    Floor const* const floor = floorOf(all, path);
+    if (!floor)
+      continue;  // programs may include everything
+    for (std::string const& included : source.project) {
+      Floor const* const other = floorOf(all, included);
+      ASSERT_NE(other, nullptr) << path << " includes " << included << ", which is in no floor";
+      bool allowed = other == floor;
+      for (std::string const& folder : floor->mayInclude)
+        allowed = allowed || other->folder == folder;
+      // The umbrella header and its kin are for applications.
+      EXPECT_TRUE(allowed) << path << " includes " << included;
+    }
+  }
+}
+
+TEST(House, noFilesIncludeEachOtherInACircle)
+{
+  std::map<std::string, int> state;  // 1 on the path, 2 done
+  std::vector<std::string> trail;
+  std::function<void(std::string const&)> const visit = [&](std::string const& path) {
+    if (state[path] == 2)
+      return;
+    if (state[path] == 1) {
+      std::string circle;
+      for (auto it = std::find(trail.begin(), trail.end(), path); it != trail.end(); ++it)
+        circle += *it + " -> ";
+      ADD_FAILURE() << circle << path;
+      return;
+    }
+    auto const found = sources().find(path);
+    if (found == sources().end())
+      return;
+    state[path] = 1;
+    trail.push_back(path);
+    for (std::string const& included : found->second.project)
+      visit(included);
+    trail.pop_back();
+    state[path] = 2;
+  };
+  for (auto const& [path, source] : sources())
+    visit(path);
+}
+
+TEST(House, systemHeadersStayBelowPlatform)
+{
+  std::set<std::string> const machine = {"windows.h", "ddraw.h", "SDL.h", "SDL2/SDL.h", "X11/Xlib.h", "commctrl.h"};
+  for (auto const& [path, source] : sources()) {
+    if (under(path, "platform") || under(path, "apps") || under(path, "examples"))
+      continue;
+    for (std::string const& name : source.system)
+      EXPECT_EQ(machine.count(name), 0u) << path << " includes <" << name << ">";
+  }
+}
+
+TEST(House, systemsAreToldApartOnlyInPlatform)
+{
+  std::regex const conditional("#\\s*(if|elif|ifdef|ifndef)[^\\n]*(_WIN32|__linux__|__unix__|__APPLE__)");
+  for (auto const& [path, source] : sources()) {
+    if (under(path, "platform"))
+      continue;
+    EXPECT_FALSE(std::regex_search(source.text, conditional)) << path;
+  }
+}
