@@ -14,8 +14,8 @@ double cf_norm(double v, double full)
 
 double cf_signedNorm(double v, double full)
 {
-  double const r = cf_norm(v, full);
-  return r > full / 2 ? r - full : r;
+  double const r = std::remainder(v, full);  // exact, and at most half of the circle either way
+  return r == -full / 2 ? full / 2 : r + 0.0;
 }
 
 }  // namespace

@@ -150,30 +150,3 @@ private:
   cc_Resource& resource_;
   long holds_ = 0;
 };
-
-// Recursive. Uncontended locking and re-locking make no system call. unlock by a thread that doesn't own it is ignored.
-class ccMutex : public cc_Resource {
-public:
-  ccMutex();
-  ~ccMutex() override;
-  static ccMutex& global();  // the one lock of the process
-  bool lock(double timeout = cfForever) override;
-  void unlock() override;
-  bool lockedByMe() const;
-};
-
-// Holds a resource while it lives; counts its own holds.
-class ccLock {
-public:
-  explicit ccLock(cc_Resource&, bool lockNow = true);
-  ~ccLock();
-  ccLock(ccLock const&) = delete;
-  ccLock& operator=(ccLock const&) = delete;
-  bool lock(double timeout = cfForever);
-  void lockFirm();  // cannot be broken
-  void unlock();    // gives back one hold, none at 0
-
-private:
-  cc_Resource& resource_;
-  long holds_ = 0;
-};

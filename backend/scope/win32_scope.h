@@ -68,9 +68,9 @@ public:
   long destroy();
   long resize(ccPair<long> size, long depth);
   void resizeDrawingSurface(ccPair<long> const&);
-  void resizeCombinedSurface(ccPair<long> const&);
-  void releaseDrawingSurface();
-  void releaseCombinedSurface();
+  long resizeCombinedSurface(ccPair<long> const&);
+  long releaseDrawingSurface();
+  long releaseCombinedSurface();
   long restoreAll(std::string* report);  // appends dumpInfo before and after
   void dumpInfo(std::ostringstream&) const;
   HWND window() const { return root_().window_; }
@@ -247,6 +247,12 @@ private:
   void abandonPhase_();
   ccDirectDrawSurface* displayedSurface_();
   ccUIRect ownRect_() const { return ccUIRect(ccPair<long>(), rect_.sz()); }
+  void setRect_(ccUIRect const&);
+  void setParent_(ccWin32UIScope& root);
+  void setPartner_(ccWin32UIScope*);
+  void dropClientDC_();
+  void releaseDevice_();
+  long screenDepth_() const;
   static long depthCode_(ccDirectDrawPixelFormat const&);
 
   // Phases and the way to the screen.
@@ -254,17 +260,21 @@ private:
   void win32DrawStop();
   void win32Changed(ccUIRect rect);
   void report_(ccUIRect const&, bool opaque);
-  ccDirectDrawSurface& phaseTarget_() { return dragActive_ && !dragAnimate_ ? backup_ : drawing_; }
+  bool drawsToBackup_() const { return dragActive_ && !dragAnimate_ && backup_.created(); }
+  bool copyToBackup_();
   void setUpPhase_();
+  bool startRoot_(DrawMethod);
+  bool startChild_(DrawMethod);
   bool surfacesLost_() const;
   bool restoreLostSurfaces_();
   bool present_(ccDirectDrawSurface& from, ccUIRect const& source, ccUIRect const& dest);
   bool combine_(ccDirectDrawSurface& below, ccDirectDrawSurface& above, ccDirectDrawSurface& target,
                 ccUIRect const& source, ccUIRect const& dest);
-  bool mergeBackup_();
-  bool updateByMode_(ccUIRect const& source, ccUIRect const& dest);
+  bool mergeBackup_(ccUIRect&);
+  bool updateByMode_(ccUIRect const& client, ccUIRect const& source, ccUIRect const& dest);
   void convertToYuv_();
-  void updateHardwareOverlay_();
+  void updateHardwareOverlay_(ccUIRect const& client);
+  bool attachScreen_();
   plat::Painter* painter_();
 
   // Pels.
@@ -324,10 +334,15 @@ private:
   ccWin32UIScope const* phaseUser_ = nullptr;       // who set up origin, clip and pointer last
   ccDirectDrawSurface* partner_ = nullptr;          // drawing surface of the scope of the other layer
   ccDirectDrawSurface* partnerCombined_ = nullptr;  // and its combined surface, while this isn't the overlay plane
+  ccWin32UIScope* partnerScope_ = nullptr;
+  std::vector<ccWin32UIScope*> partnerOf_;          // whose partner this is
+  long wantedDepth_ = -1;                           // as create was asked
   bool waitForVerticalBlank_ = false;
   bool dragActive_ = false;
   bool dragAnimate_ = false;
   bool restoring_ = false;
+  bool incomplete_ = false;   // a surface could not be made when the size changed
+  bool deviceGone_ = false;   // the device itself could not be made again
   HDC clientDC_ = nullptr;  // handed out by getDC
   COLORREF chromaKey_ = 0;
   std::uint32_t chromaFlags_ = 0;
@@ -335,10 +350,11 @@ private:
   ccUIRect invalid_;      // what must still reach the screen
   ccUIRect backupDirty_;  // drawn to the backup surface in a drag without animation
   ccUIRect dragDirty_;    // drawn to the drawing surface in a drag, or since the last erase
+  ccUIRect eraseFailed_;  // what an erase of this drag could not bring back
   ccFlagStack screenLock_;
   std::uint32_t cachedRoot_ = 0;    // identity of the image in the cache surface
   std::uintptr_t cachedHandle_ = 0;
-  bool cachedAnything_ = false;     // the surface holds an image
+  ccPair<long> cachedSize_;
   cc_CacheMap colorCacheMap_;       // overlay graphics, and 8-bit screens
   cc_CacheMap imageCacheMap_;
   std::vector<std::int32_t> columns_;      // scratch of scaling: source column of each target column

@@ -326,7 +326,7 @@ void Core::paintBars(HWND window)
     auto const fill = [&](Rect const& area, u32 color) {
       u32 const pel = pelOf(colorrefOf(color), block.depth, palette());
       for (Rect const& r : visible.rects())
-        fillPels(block, intersect(r, area), pel);
+        fillBlock(block, intersect(r, area), pel);
     };
     auto const button = [&](Rect const& area, u32 face) {
       fill(area, edgeColor);
