@@ -159,6 +159,7 @@ public:
   Layers redrawLayer_ = bothLayers;    // what redraw_ is asked to paint; both at rest
   ccUISketch sketch_;                  // the tablet's own recorded drawing
   bool inAreaUpdate_ = false;          // only a part of the tablet is being repainted
+  void* enclosing_ = nullptr;          // the tree node that this tablet is a part of, for its owner; null for a plain tablet
 
 protected:
   ccUITablet(ccUITablet* parentOrNull, ccUIRect const&);  // null: an orphan, which draws nowhere and records nothing

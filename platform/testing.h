@@ -2,6 +2,9 @@
 #pragma once
 
 #include "platform/types.h"
+#ifndef _WIN32
+#include "platform/portable/device_testing.h"  // lose, exclusive, overlays, failNext
+#endif
 
 #include <functional>
 #include <string_view>

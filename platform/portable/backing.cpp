@@ -1,5 +1,7 @@
 #include "platform/portable/backing.h"
 
+#include "platform/portable/blit.h"
+#include "platform/portable/pel_format.h"
 #include "platform/portable/region.h"
 
 #include <algorithm>
@@ -8,110 +10,33 @@
 namespace plat::portable {
 namespace {
 
-u8* address(PelBlock const& block, i32 x, i32 y)
-{
-  return block.pels + std::ptrdiff_t(y) * block.pitch + std::ptrdiff_t(x) * pelBytes(block.depth);
-}
-
 Rect extent(PelBlock const& block) { return {0, 0, block.width, block.height}; }
 
-// Widens a channel of so many bits to eight by repeating its upper bits.
-u32 widen(u32 value, int bits) { return ((value << (8 - bits)) | (value >> (2 * bits - 8))) & 0xff; }
-
-template <class Pel> void fillRow(u8* row, i32 count, u32 pel)
-{
-  Pel const value = static_cast<Pel>(pel);
-  for (i32 i = 0; i < count; ++i)
-    std::memcpy(row + std::ptrdiff_t(i) * std::ptrdiff_t(sizeof(Pel)), &value, sizeof(Pel));
-}
-
-} // namespace
-
-u32 pelFromRgb(u32 color, int depth, std::span<PaletteEntry const, 256> palette)
-{
-  u32 const r = (color >> 16) & 0xff, g = (color >> 8) & 0xff, b = color & 0xff;
-  switch (depth) {
-  case 15:
-    return (r >> 3) << 10 | (g >> 3) << 5 | b >> 3;
-  case 16:
-    return (r >> 3) << 11 | (g >> 2) << 5 | b >> 3;
-  case 8: {
-    auto const square = [](u32 x, u32 y) { return (i32(x) - i32(y)) * (i32(x) - i32(y)); };
-    u32 best = 0;
-    i32 bestDistance = 3 * 256 * 256;
-    for (u32 i = 0; i < 256; ++i) {
-      i32 const distance = square(r, palette[i].r) + square(g, palette[i].g) + square(b, palette[i].b);
-      if (distance < bestDistance) {
-        best = i;
-        bestDistance = distance;
-      }
-    }
-    return best;
-  }
-  default:
-    return color & 0xffffff;
-  }
-}
-
-u32 rgbFromPel(u32 pel, int depth, std::span<PaletteEntry const, 256> palette)
-{
-  switch (depth) {
-  case 8: {
-    PaletteEntry const& entry = palette[pel & 0xff];
-    return u32(entry.r) << 16 | u32(entry.g) << 8 | entry.b;
-  }
-  case 15:
-    return widen(pel >> 10 & 31, 5) << 16 | widen(pel >> 5 & 31, 5) << 8 | widen(pel & 31, 5);
-  case 16:
-    return widen(pel >> 11 & 31, 5) << 16 | widen(pel >> 5 & 63, 6) << 8 | widen(pel & 31, 5);
-  default:
-    return pel & 0xffffff;
-  }
-}
+}  // namespace
 
 u32 readPel(PelBlock const& block, Point at)
 {
   if (!contains(extent(block), at))
     return 0;
-  u8 const* const from = address(block, at.x, at.y);
+  u8 const* const from = pelAddress(block, at.x, at.y);
   u32 pel = 0;
-  for (int i = 0; i < pelBytes(block.depth); ++i)
+  for (int i = 0; i < bytesPerPel(block.depth); ++i)
     pel |= u32(from[i]) << (8 * i);
   return pel;
 }
 
-void fillPels(PelBlock const& block, Rect const& wanted, u32 pel)
+void fillBlock(PelBlock const& block, Rect const& wanted, u32 pel)
 {
-  Rect const r = intersect(wanted, extent(block));
-  for (i32 y = r.top; y < r.bottom; ++y) {
-    u8* const row = address(block, r.left, y);
-    switch (pelBytes(block.depth)) {
-    case 1:
-      std::memset(row, static_cast<int>(pel & 0xff), static_cast<std::size_t>(r.width()));
-      break;
-    case 2:
-      fillRow<u16>(row, r.width(), pel);
-      break;
-    case 3:
-      for (i32 i = 0; i < 3 * r.width(); i += 3) {
-        row[i] = static_cast<u8>(pel);
-        row[i + 1] = static_cast<u8>(pel >> 8);
-        row[i + 2] = static_cast<u8>(pel >> 16);
-      }
-      break;
-    default:
-      fillRow<u32>(row, r.width(), pel);
-    }
-  }
+  fillPels(block, intersect(wanted, extent(block)), pel);
 }
 
-void copyPels(PelBlock const& to, PelBlock const& from)
+void copyBlock(PelBlock const& to, PelBlock const& from)
 {
   i32 const width = std::min(to.width, from.width), height = std::min(to.height, from.height);
   if (to.depth != from.depth || width <= 0)
     return;
   for (i32 y = 0; y < height; ++y)
-    std::memcpy(address(to, 0, y), address(from, 0, y), static_cast<std::size_t>(width * pelBytes(to.depth)));
+    std::memcpy(pelAddress(to, 0, y), pelAddress(from, 0, y), static_cast<std::size_t>(width * bytesPerPel(to.depth)));
 }
 
 Backing::Backing(Size size, int depth, PelBlock const& lent, VideoWindow* video) : block_(lent), video_(video)
@@ -123,7 +48,7 @@ Backing::Backing(Size size, int depth, PelBlock const& lent, VideoWindow* video)
   block_.width = size.w;
   block_.height = size.h;
   block_.depth = depth;
-  block_.pitch = (size.w * pelBytes(depth) + 7) / 8 * 8;
+  block_.pitch = (size.w * bytesPerPel(depth) + 7) / 8 * 8;
   own_.resize(static_cast<std::size_t>(block_.pitch) * static_cast<std::size_t>(size.h));
   block_.pels = own_.data();
 }
@@ -153,4 +78,4 @@ std::size_t Backing::takeDirty(std::span<Rect, 16> to)
   return count;
 }
 
-} // namespace plat::portable
+}  // namespace plat::portable

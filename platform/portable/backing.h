@@ -12,20 +12,16 @@ namespace plat::portable {
 
 class VideoWindow;
 
-// Color is 0x00RRGGBB. At depth 8 the nearest palette entry, at 15 and 16 truncated.
-u32 pelFromRgb(u32 color, int depth, std::span<PaletteEntry const, 256>);
-u32 rgbFromPel(u32 pel, int depth, std::span<PaletteEntry const, 256>);
 u32 readPel(PelBlock const&, Point);
-void fillPels(PelBlock const&, Rect const&, u32 pel);    // cut by the block
-void copyPels(PelBlock const& to, PelBlock const& from); // the common upper left part, equal depths
-constexpr int pelBytes(int depth) { return depth == 8 ? 1 : depth == 24 ? 3 : depth == 32 ? 4 : 2; }
+void fillBlock(PelBlock const&, Rect const&, u32 pel);     // cut by the block
+void copyBlock(PelBlock const& to, PelBlock const& from);  // the common upper left part, equal depths
 
 class Backing {
 public:
   // With pels in lent it stands in that memory, which belongs to the video window; else in its own.
   Backing(Size, int depth, PelBlock const& lent, VideoWindow*);
 
-  std::mutex mutex; // guards the pels and what is dirty; taken before the window table's lock, never after it
+  std::mutex mutex;  // guards the pels and what is dirty; taken before the window table's lock, never after it
 
   PelBlock const& block() const { return block_; }
   bool lent() const { return lent_; }
@@ -46,4 +42,4 @@ private:
   std::size_t dirtyCount_ = 0;
 };
 
-} // namespace plat::portable
+}  // namespace plat::portable

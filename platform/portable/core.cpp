@@ -23,7 +23,7 @@ constexpr PaletteEntry fixedColors[20] = {
     {255, 251, 240, 0}, {160, 160, 164, 0}, {128, 128, 128, 0}, {255, 0, 0, 0},     {0, 255, 0, 0},
     {255, 255, 0, 0},   {0, 0, 255, 0},     {255, 0, 255, 0},   {0, 255, 255, 0},   {255, 255, 255, 0}};
 
-} // namespace
+}  // namespace
 
 Core& Core::unstarted()
 {
@@ -258,7 +258,7 @@ int Core::run()
 {
   while (pump(-1)) {
   }
-  quit_ = false; // an application may run again
+  quit_ = false;  // an application may run again
   return quitCode_;
 }
 
@@ -504,4 +504,4 @@ void Core::changeScreen(Size screen, int depth)
     deliver(top, displayChangeMessage, static_cast<WParam>(depth), static_cast<LParam>(screen.h << 16 | screen.w));
 }
 
-} // namespace plat::portable
+}  // namespace plat::portable

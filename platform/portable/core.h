@@ -25,13 +25,13 @@ public:
 
 class Core final : public WindowSystem, public VideoSink {
 public:
-  static Core& instance(); // started by itself if init was not called
+  static Core& instance();  // started by itself if init was not called
   static Core& unstarted();
 
   bool start(InitOptions const&);
   bool start(Ptr<Video>);
   bool virtualClock() const { return video_->virtualClock(); }
-  bool onUi() const; // also true while no thread has taken the part yet
+  bool onUi() const;  // also true while no thread has taken the part yet
 
   HWND create(WindowDesc const&) override;
   bool destroy(HWND) override;
@@ -89,13 +89,13 @@ public:
   bool pump(int timeoutMs);
   int run();
   void quit(int code);
-  bool round();                                // all that is due now; false when there was nothing
-  void drain();                                // rounds until there is nothing
-  bool modalRound();                           // a round of a nested loop, waiting for work; false after quit
-  void advance(unsigned ms);                   // of the virtual clock
+  bool round();                               // all that is due now; false when there was nothing
+  void drain();                               // rounds until there is nothing
+  bool modalRound();                          // a round of a nested loop, waiting for work; false after quit
+  void advance(unsigned ms);                  // of the virtual clock
   void turnClock(unsigned ms) { virtualNow_ += ms; }  // alone
-  std::uint64_t now() const;                   // milliseconds
-  void callOnUi(std::function<void()> const&); // and waits for it
+  std::uint64_t now() const;                  // milliseconds
+  void callOnUi(std::function<void()> const&);  // and waits for it
 
   // A window over a video window that others made. Null when make gives none.
   HWND adopt(std::function<Ptr<VideoWindow>(HWND, Rect& screen)> const& make);
@@ -109,6 +109,8 @@ public:
   void changeScreen(Size, int depth);
   bool paintVisible(HWND, void* context, PaintBody, Rect const& dirtyOnScreen);
   u32 shownPel(HWND, Point client);
+  u32 backingPel(HWND top, Point);        // scroll bars too
+  bool visibleAt(HWND, Point client);     // not covered there, nor outside
   std::vector<u32> shownPels(HWND, Size&);
 
   VideoWindow* videoWindow(HWND top);  // the windows' thread
@@ -116,11 +118,11 @@ public:
   HWND focus();
   HWND capture();
   HCURSOR currentCursor();
-  void raiseTopmost(HWND); // in front of its siblings for good
+  void raiseTopmost(HWND);  // in front of its siblings for good
   HMENU systemMenu(HWND);
   void systemMenu(HWND, HMENU);
 
-  InputGrab* grab(InputGrab*); // returns the former
+  InputGrab* grab(InputGrab*);  // returns the former
   // Calls again and again until the key is given to stopCalls. The windows' thread.
   void callEvery(uptr key, unsigned ms, std::function<void()>);
   void stopCalls(uptr key);
@@ -135,14 +137,14 @@ private:
     unsigned message = 0;
     WParam wParam = 0;
     LParam lParam = 0;
-    std::function<void()> call; // in place of the message
-    bool always = false;        // runs whatever became of the window
+    std::function<void()> call;  // in place of the message
+    bool always = false;       // runs whatever became of the window
   };
   struct Timer {
     HWND window = {};
     uptr id = 0;
     std::uint64_t interval = 0, deadline = 0, round = 0;
-    std::function<void()> call; // in place of the message
+    std::function<void()> call;  // in place of the message
   };
   struct Input {
     enum class Kind { pointer, wheel, key, character, close, size, move, minimize, focus } kind = Kind::pointer;
@@ -151,7 +153,7 @@ private:
     unsigned buttons = 0, mods = 0, key = 0;
     int clicks = 0, turn = 0;
     bool on = false, repeat = false;
-    bool moveOnly = false; // no button changed
+    bool moveOnly = false;  // no button changed
   };
   struct Cursor {
     int id = 0;
@@ -170,11 +172,11 @@ private:
   void take(Ptr<Video>);
   void claimUi();
   void wake();
-  void callWhenOnUi(std::function<void()>); // at once, or in turn from another thread
+  void callWhenOnUi(std::function<void()>);  // at once, or in turn from another thread
   void enqueue(Posted);
   void enqueue(Input const&);
   static LResult defaultProc(HWND, unsigned message, WParam, LParam);
-  LResult deliver(HWND, unsigned message, WParam, LParam); // on the windows' thread
+  LResult deliver(HWND, unsigned message, WParam, LParam);  // on the windows' thread
   bool step();
   bool stepPosted();
   bool stepInput();
@@ -189,12 +191,12 @@ private:
   void move(HWND, Rect const&, bool tellVideo);
   void sendSize(HWND, unsigned kind);
   void destroyRecord(HWND);
-  void leave(HWND); // a window that goes out of sight gives up capture, focus and activation
+  void leave(HWND);  // a window that goes out of sight gives up capture, focus and activation
   void activate(HWND top);
   void deactivate(HWND top);
   void moveFocus(HWND);
 
-  void openGlass(HWND); // video window and backing of a top-level window
+  void openGlass(HWND);  // video window and backing of a top-level window
   void renewBacking(HWND);
   void present(Backing&);
   void presentAll(bool whole);
@@ -227,10 +229,10 @@ private:
   bool clipOn_ = false;
   Rect clip_;
   Click click_;
-  ObjectTable<HCURSOR, Cursor> cursors_;
+  HandleTable<HCURSOR, Cursor> cursors_;
   std::vector<HCURSOR> cursorHandles_;
   HCURSOR cursor_ = {}, arrow_ = {};
-  std::vector<Ptr<Palette const>> palettes_; // a drawing thread may still read a former one
+  std::vector<Ptr<Palette const>> palettes_;  // a drawing thread may still read a former one
 
   // Of the windows' thread alone.
   InputGrab* grab_ = nullptr;
@@ -251,4 +253,4 @@ private:
   std::atomic<Palette const*> palette_ = nullptr;
 };
 
-} // namespace plat::portable
+}  // namespace plat::portable

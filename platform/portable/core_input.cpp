@@ -27,13 +27,13 @@ unsigned downMessage(unsigned button)
   return button == leftButton ? leftDownMessage : button == rightButton ? rightDownMessage : middleDownMessage;
 }
 
-} // namespace
+}  // namespace
 
 void Core::enqueue(Input const& input)
 {
   {
     Lock lock(mutex_);
-    // Moves that nobody has seen yet are one move to the last place.
+   // Moves that nobody has seen yet are one move to the last place.
     if (input.moveOnly && !input_.empty()) {
       Input& last = input_.back();
       if (last.moveOnly && last.top == input.top && last.mods == input.mods) {
@@ -389,13 +389,13 @@ HCURSOR Core::loadCursor(int id)
   CursorPicture const* const picture = builtInResources().cursor(id);
   if (!picture)
     return {};
-  auto cursor = std::make_unique<Cursor>();
-  cursor->id = id;
-  cursor->shape.hotSpot = picture->hotSpot;
-  cursor->shape.size = {static_cast<i32>(picture->picture.front().size()), static_cast<i32>(picture->picture.size())};
+  Cursor cursor;
+  cursor.id = id;
+  cursor.shape.hotSpot = picture->hotSpot;
+  cursor.shape.size = {static_cast<i32>(picture->picture.front().size()), static_cast<i32>(picture->picture.size())};
   for (std::string_view row : picture->picture)
     for (char c : row)
-      cursor->shape.argb.push_back(c == 'X' ? 0xff000000 : c == '.' ? 0xffffffff : c == 'o' ? 0xff808080 : 0);
+      cursor.shape.argb.push_back(c == 'X' ? 0xff000000 : c == '.' ? 0xffffffff : c == 'o' ? 0xff808080 : 0);
   cursorHandles_.push_back(cursors_.add(std::move(cursor)));
   return cursorHandles_.back();
 }
@@ -408,7 +408,7 @@ void Core::setCursor(HCURSOR cursor)
       Lock lock(mutex_);
       if (std::exchange(cursor_, cursor) == cursor)
         return;
-      // Cursors stay for the life of the process.
+     // Cursors stay for the life of the process.
       Cursor const* const found = cursors_.find(cursor);
       shape = found ? &found->shape : nullptr;
     }
@@ -429,4 +429,4 @@ HCURSOR Core::classCursor(HWND window, HCURSOR cursor)
   return w ? std::exchange(w->cursor, cursor) : HCURSOR{};
 }
 
-} // namespace plat::portable
+}  // namespace plat::portable

@@ -1,6 +1,7 @@
 // Pels: backings, what of them is visible, presenting, and the turn of messages 20 and 15.
 #include "platform/portable/core.h"
-#include "platform/portable/window_dc.h"
+#include "platform/portable/painter.h"
+#include "platform/portable/pel_format.h"
 
 #include <algorithm>
 
@@ -9,7 +10,12 @@ namespace {
 
 constexpr unsigned paintMessage = 15, eraseMessage = 20;
 
-} // namespace
+u32 shownColor(PelBlock const& block, Point at, PaletteView palette)
+{
+  return rgbOf(colorOf(readPel(block, at), block.depth, palette));
+}
+
+}  // namespace
 
 void Core::openGlass(HWND handle)
 {
@@ -58,12 +64,12 @@ void Core::renewBacking(HWND handle)
     if (old->lent()) {
       kept = std::make_shared<Backing>(Size{old->block().width, old->block().height}, old->block().depth, PelBlock{},
                                        nullptr);
-      copyPels(kept->block(), old->block());
+      copyBlock(kept->block(), old->block());
     }
   }
   auto const fresh = std::make_shared<Backing>(size, depth(), video->lend(size, depth()), video);
   if (kept)
-    copyPels(fresh->block(), kept->block());
+    copyBlock(fresh->block(), kept->block());
   fresh->markDirty({0, 0, size.w, size.h});
   {
     Lock lock(mutex_);
@@ -141,7 +147,7 @@ bool Core::paintVisible(HWND handle, void* context, PaintBody body, Rect const& 
     }
     Lock painting(backing->mutex);
     if (tree_.version() != version)
-      continue; // something moved before it was our turn
+      continue;  // something moved before it was our turn
     part.backing = backing->block();
     part.rects = region->rects();
     body(context, part);
@@ -151,7 +157,8 @@ bool Core::paintVisible(HWND handle, void* context, PaintBody body, Rect const& 
       backing->markDirty(intersect(r, dirty));
     break;
   }
-  presentOrWake(*backing);
+  if (!dirtyOnScreen.empty())
+    presentOrWake(*backing);
   return true;
 }
 
@@ -220,7 +227,31 @@ u32 Core::shownPel(HWND handle, Point client)
   if (!backing)
     return 0;
   Lock painting(backing->mutex);
-  return rgbFromPel(readPel(backing->block(), at), backing->block().depth, palette());
+  return shownColor(backing->block(), at, palette());
+}
+
+u32 Core::backingPel(HWND top, Point at)
+{
+  std::shared_ptr<Backing> backing;
+  {
+    Lock lock(mutex_);
+    Window const* const w = tree_.find(top);
+    backing = w ? w->backing : nullptr;
+  }
+  if (!backing)
+    return 0;
+  Lock painting(backing->mutex);
+  return shownColor(backing->block(), at, palette());
+}
+
+bool Core::visibleAt(HWND handle, Point client)
+{
+  Lock lock(mutex_);
+  Window* const w = tree_.find(handle);
+  if (!w)
+    return false;
+  Point const origin = WindowTree::originInBacking(*w);
+  return tree_.visibleClient(*w)->contains(Point{origin.x + client.x, origin.y + client.y});
 }
 
 std::vector<u32> Core::shownPels(HWND handle, Size& size)
@@ -245,7 +276,7 @@ std::vector<u32> Core::shownPels(HWND handle, Size& size)
   for (i32 y = 0; y < size.h; ++y)
     for (i32 x = 0; x < size.w; ++x)
       pels[i++] =
-          rgbFromPel(readPel(backing->block(), {origin.x + x, origin.y + y}), backing->block().depth, palette());
+          shownColor(backing->block(), {origin.x + x, origin.y + y}, palette());
   return pels;
 }
 
@@ -267,4 +298,4 @@ bool paintVisible(HWND window, void* context, PaintBody body, Rect const& dirtyO
   return Core::instance().paintVisible(window, context, body, dirtyOnScreen);
 }
 
-} // namespace plat::portable
+}  // namespace plat::portable

@@ -1,5 +1,6 @@
 // Scroll bars of windows: state, painting, and the mouse on them.
 #include "platform/portable/core.h"
+#include "platform/portable/pel_format.h"
 #include "platform/portable/scroll_layout.h"
 
 #include <algorithm>
@@ -7,7 +8,7 @@
 namespace plat::portable {
 namespace {
 
-constexpr unsigned horizontalScrollMessage = 276; // the vertical one is the next
+constexpr unsigned horizontalScrollMessage = 276;  // the vertical one is the next
 constexpr unsigned shiftKey = 4, controlKey = 8, leftButton = 1;
 constexpr unsigned lineLess = 0, lineMore = 1, pageLess = 2, pageMore = 3, thumbPosition = 4, thumbTrack = 5,
                    toStart = 6, toEnd = 7, endScroll = 8;
@@ -31,7 +32,7 @@ unsigned codeOf(BarPart part, unsigned mods)
   }
 }
 
-} // namespace
+}  // namespace
 
 ScrollLayout::ScrollLayout(ScrollBar const& bar, i32 length)
     : bar_(bar), length_(length), arrow_(std::min(barExtent, length / 2))
@@ -179,7 +180,7 @@ private:
   int bar_;
   BarPart part_;
   unsigned code_;
-  i32 grip_; // from the thumb's start to the place where it is held
+  i32 grip_;  // from the thumb's start to the place where it is held
   Point at_;
   bool inside_ = false, tracked_ = false;
   i32 pos_ = 0, formerPos_ = 0;
@@ -323,9 +324,9 @@ void Core::paintBars(HWND window)
     Lock painting(backing->mutex);
     PelBlock const& block = backing->block();
     auto const fill = [&](Rect const& area, u32 color) {
-      u32 const pel = pelFromRgb(color, block.depth, palette());
+      u32 const pel = pelOf(colorrefOf(color), block.depth, palette());
       for (Rect const& r : visible.rects())
-        fillPels(block, intersect(r, area), pel);
+        fillBlock(block, intersect(r, area), pel);
     };
     auto const button = [&](Rect const& area, u32 face) {
       fill(area, edgeColor);
@@ -349,7 +350,7 @@ void Core::paintBars(HWND window)
       if (layout.hasThumb())
         button(piece(layout.thumbStart(), layout.thumbStart() + layout.thumbLength()),
                bars[bar].tracking ? heldFaceColor : faceColor);
-      // Four slices of 1, 3, 5 and 7 pels make an arrow head that points outward.
+     // Four slices of 1, 3, 5 and 7 pels make an arrow head that points outward.
       i32 const middle = barExtent / 2;
       for (i32 i = 0; i < 4; ++i) {
         u32 const sign = bars[bar].disabled ? disabledSignColor : signColor;
@@ -368,4 +369,4 @@ void Core::paintBars(HWND window)
   present(*backing);
 }
 
-} // namespace plat::portable
+}  // namespace plat::portable

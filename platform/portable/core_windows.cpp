@@ -1,7 +1,7 @@
 // Windows: making, showing, moving and ending them, focus and activation, what must be painted.
 #include "platform/portable/core.h"
 #include "platform/portable/menus.h"
-#include "platform/portable/window_dc.h"
+#include "platform/portable/painter.h"
 
 #include <algorithm>
 
@@ -20,7 +20,7 @@ LParam asLParam(HWND window) { return reinterpret_cast<LParam>(window); }
 // Two signed 16-bit values in one parameter.
 LParam packed(i32 x, i32 y) { return static_cast<LParam>(u32(static_cast<u16>(y)) << 16 | static_cast<u16>(x)); }
 
-} // namespace
+}  // namespace
 
 HWND Core::create(WindowDesc const& desc)
 {
@@ -627,4 +627,4 @@ void Core::detach(HWND handle)
     destroy(handle);
 }
 
-} // namespace plat::portable
+}  // namespace plat::portable

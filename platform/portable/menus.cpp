@@ -9,25 +9,25 @@ namespace {
 
 constexpr unsigned closeItem = 61536;
 
-} // namespace
+}  // namespace
 
 Menus& menus()
 {
-  static Menus* const all = new Menus; // like the core, never destroyed
+  static Menus* const all = new Menus;  // like the core, never destroyed
   return *all;
 }
 
 // Under the lock.
 HMENU Menus::build(std::vector<MenuEntry> const& entries)
 {
-  auto menu = std::make_unique<Menu>();
+  Menu menu;
   for (MenuEntry const& entry : entries) {
     MenuItem item;
     item.id = entry.id;
     item.text = entry.text;
     if (!entry.entries.empty())
       item.popup = build(entry.entries);
-    menu->items.push_back(std::move(item));
+    menu.items.push_back(std::move(item));
   }
   return menus_.add(std::move(menu));
 }
@@ -43,14 +43,11 @@ HMENU Menus::load(int id)
 
 void Menus::destroy(HMENU menu)
 {
-  Ptr<Menu> gone;
-  {
-    std::lock_guard<std::mutex> lock(mutex_);
-    gone = menus_.take(menu);
-  }
-  if (gone)
-    for (MenuItem const& item : gone->items)
+  for (MenuItem const& item : items(menu))
+    if (item.popup)
       destroy(item.popup);
+  std::lock_guard<std::mutex> lock(mutex_);
+  menus_.remove(menu);
 }
 
 HMENU Menus::sub(HMENU menu, int index)
@@ -156,4 +153,4 @@ void Menus::answerMenu(unsigned id)
   menuAnswers_.push_back(id);
 }
 
-} // namespace plat::portable
+}  // namespace plat::portable

@@ -2,7 +2,7 @@
 // of their top-level window.
 #pragma once
 
-#include "platform/portable/object_table.h"
+#include "platform/portable/handle_table.h"
 #include "platform/window.h"
 
 #include <deque>
@@ -51,7 +51,7 @@ private:
   void change(HMENU, unsigned first, unsigned last, std::function<void(MenuItem&)> const&);
 
   std::mutex mutex_;
-  ObjectTable<HMENU, Menu> menus_;
+  HandleTable<HMENU, Menu> menus_;
   std::deque<Answer> boxAnswers_;
   std::deque<unsigned> menuAnswers_;
 };

@@ -225,7 +225,7 @@ private:
 
 std::vector<Box*> Box::standing;
 
-} // namespace
+}  // namespace
 
 int Menus::messageBox(HWND owner, std::string const& text, std::string const& caption, unsigned flags)
 {
@@ -266,4 +266,4 @@ int Menus::messageBox(HWND owner, std::string const& text, std::string const& ca
   return result;
 }
 
-} // namespace plat::portable
+}  // namespace plat::portable

@@ -1,5 +1,6 @@
 #include "platform/portable/painter.h"
 
+#include "platform/portable/glyphs.h"
 #include "platform/portable/handle_table.h"
 #include "platform/portable/pel_row.h"
 #include "platform/portable/span_filler.h"
@@ -63,6 +64,7 @@ void MemPainter::clean()
   textColor_ = 0;
   textBack_ = 0xFFFFFF;
   font_ = nullptr;
+  face_ = nullptr;
   for (KnownColor& one : colors_)
     one.known = false;
 }
@@ -229,7 +231,11 @@ void MemPainter::textColors(COLORREF text, COLORREF back, bool opaque)
   textOpaque_ = opaque;
 }
 
-void MemPainter::font(HFONT font) { font_ = font; }
+void MemPainter::font(HFONT font)
+{
+  font_ = font;
+  face_ = nullptr;
+}
 
 // The nearest entry is searched once for a colour while a surface's handle is out.
 u32 MemPainter::pelValueOf(COLORREF color, Part const& part)

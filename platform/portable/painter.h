@@ -14,7 +14,9 @@
 
 namespace plat::portable {
 
+class FontFace;
 struct CornerBox;
+struct Glyph;
 class Sector;
 class Stroker;
 
@@ -107,6 +109,15 @@ private:
   template <class PlotType> void fillCurve(CornerBox const&, Part const&, PlotType const&);
   template <class PlotType> void outlineCurve(CornerBox const&, Rect const&, Part const&, PlotType const&);
   template <class PlotType> void largeCurve(CornerBox const&, Part const&, PlotType const&, bool fill);
+
+  struct TextLine {
+    std::string_view text;
+    i32 width;
+  };
+  FontFace& face();
+  void placeLine(TextLine const&, Point at, bool prefixes, bool grey);
+  void paintText(Rect const& limit, bool grey);  // placed_ and boxes_
+
   void turnedRoundRect(Rect const&, Size corner);
   void arcPels(CornerBox const&, Rect const&, Sector const&);
 
@@ -135,12 +146,21 @@ private:
   COLORREF textColor_ = 0, textBack_ = 0xFFFFFF;
   bool textOpaque_ = true;
   HFONT font_ = nullptr;
+  std::shared_ptr<FontFace> face_;  // of the font, once it is needed
+  bool greyFont_ = false;
 
   std::vector<Point> points_;    // of the figure at hand, in device pels
   std::vector<Rect> cut_;        // visible rectangles of a window within the clip
   std::vector<PointF> outline_;  // of wide pens, between pels
   std::vector<PointF> control_;  // of Bezier curves
   std::vector<u8> blocked_;      // of a flood
+  struct PlacedGlyph {
+    Glyph const* glyph;
+    Point at;  // on the base line, in device pels
+  };
+  std::vector<TextLine> lines_;
+  std::vector<PlacedGlyph> placed_;
+  std::vector<Rect> boxes_;  // of lines of text, in device pels
   SpanFiller filler_;
   std::unique_ptr<Stroker> stroker_;  // made by the first wide pen
   struct KnownColor {

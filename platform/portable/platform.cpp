@@ -1,16 +1,12 @@
 // The concrete objects behind the interfaces of this variant; nothing else names them.
 #include "platform/app.h"
 #include "platform/portable/core.h"
+#include "platform/portable/graphics_objects.h"
 #include "platform/portable/menus.h"
 #include "platform/testing.h"
 #include "platform/window.h"
 
 namespace plat {
-namespace portable {
-
-GraphicsObjects& graphicsObjects();
-
-}  // namespace portable
 namespace {
 
 std::mutex sinkMutex;

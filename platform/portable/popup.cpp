@@ -1,6 +1,6 @@
 #include "platform/portable/popup.h"
 
-#include "platform/portable/window_dc.h"
+#include "platform/portable/painter.h"
 
 #include <algorithm>
 

@@ -209,7 +209,7 @@ private:
       index = (index + by + count) % count;
       MenuItem const& item = level.items[static_cast<std::size_t>(index)];
       if (item.popup) {
-        // Opens with Right or Return only, so that the arrows can pass over it.
+       // Opens with Right or Return only, so that the arrows can pass over it.
         closeTo(depth + 1);
         levels_[depth].hot = index;
         Core::instance().invalidate(levels_[depth].window, nullptr, false);
@@ -271,7 +271,7 @@ private:
     i32 const x = row.left + 6, y = row.top + itemHeight / 2;
     if (item.checked && item.radio)
       painter.fillRect({x + 2, y - 2, x + 7, y + 3}, ink);
-    // Two strokes of three pels' height each make the tick.
+   // Two strokes of three pels' height each make the tick.
     for (i32 i = 0; item.checked && !item.radio && i < 8; ++i) {
       i32 const down = i < 3 ? i : 4 - i;
       painter.fillRect({x + i, y + down - 1, x + i + 1, y + down + 2}, ink);
@@ -283,7 +283,7 @@ private:
   HWND owner_;
   std::vector<Level> levels_;
   bool done_ = false, dismissed_ = false;
-  bool armed_ = false, seen_ = false; // a release counts once the pointer was pressed or moved here
+  bool armed_ = false, seen_ = false;  // a release counts once the pointer was pressed or moved here
   unsigned buttons_ = 0;
   Point last_;
   unsigned chosen_ = 0;
@@ -291,7 +291,7 @@ private:
 
 MenuTracker* MenuTracker::running = nullptr;
 
-} // namespace
+}  // namespace
 
 void Menus::track(HMENU menu, Point screen, HWND owner)
 {
@@ -321,4 +321,4 @@ void Menus::track(HMENU menu, Point screen, HWND owner)
     core.postMessage(owner, commandMessage, chosen, 0);
 }
 
-} // namespace plat::portable
+}  // namespace plat::portable

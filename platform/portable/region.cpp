@@ -88,4 +88,4 @@ void Region::shift(Point by)
     r = shifted(r, by);
 }
 
-} // namespace plat::portable
+}  // namespace plat::portable

@@ -8,7 +8,7 @@
 
 namespace plat::portable {
 
-Rect intersect(Rect const&, Rect const&); // an empty rectangle is all zeros
+Rect intersect(Rect const&, Rect const&);  // an empty rectangle is all zeros
 Rect shifted(Rect const&, Point by);
 bool contains(Rect const&, Point);
 
@@ -33,4 +33,4 @@ private:
   std::vector<Rect> rects_;
 };
 
-} // namespace plat::portable
+}  // namespace plat::portable

@@ -16,7 +16,7 @@ void collect(std::vector<Window*> const& from, std::vector<Window*>& to)
   }
 }
 
-} // namespace
+}  // namespace
 
 i32 ScrollBar::lastPos() const
 {
@@ -47,11 +47,13 @@ Window* WindowTree::add(Window* parent)
 
 Ptr<Window> WindowTree::remove(HWND handle)
 {
-  Ptr<Window> record = table_.take(handle);
-  if (record) {
-    std::erase(siblings(*record), record.get());
-    changed();
-  }
+  Ptr<Window>* const found = table_.find(handle);
+  if (!found)
+    return nullptr;
+  Ptr<Window> record = std::move(*found);
+  table_.remove(handle);
+  std::erase(siblings(*record), record.get());
+  changed();
   return record;
 }
 
@@ -205,4 +207,4 @@ void WindowTree::invalidateTree(Window& w, Rect const& backingRect) const
     invalidateTree(*kid, backingRect);
 }
 
-} // namespace plat::portable
+}  // namespace plat::portable
