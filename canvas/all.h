@@ -6,6 +6,8 @@
 #include "canvas/flag_stack.h"
 #include "canvas/format.h"
 #include "canvas/graphic_props.h"
+#include "canvas/image_converter.h"
+#include "canvas/live_props.h"
 #include "canvas/rect.h"
 #include "canvas/rle_buffer.h"
 #include "canvas/scope.h"

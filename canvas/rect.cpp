@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <limits>
 
 namespace {
 
@@ -10,11 +11,12 @@ long clampEdge(std::int64_t v)
   return static_cast<long>(std::clamp<std::int64_t>(v, -ccUIRect::kFar, ccUIRect::kFar));
 }
 
-// A side first cut to what a sum in 64 bits can bear.
-long addSide(long edge, long side)
+// The clamped sum of an edge and a length, whatever they are.
+long addEdge(std::int64_t edge, std::int64_t by)
 {
-  std::int64_t const limit = std::int64_t(4) * ccUIRect::kFar;
-  return clampEdge(edge + std::clamp<std::int64_t>(side, -limit, limit));
+  if (by > 0 ? edge > std::numeric_limits<std::int64_t>::max() - by : edge < std::numeric_limits<std::int64_t>::min() - by)
+    return by > 0 ? ccUIRect::kFar : -ccUIRect::kFar;
+  return clampEdge(edge + by);
 }
 
 bool isFar(long edge)
@@ -22,12 +24,16 @@ bool isFar(long edge)
   return edge == ccUIRect::kFar || edge == -ccUIRect::kFar;
 }
 
-long shiftEdge(long edge, long by, int sign)
+long forward(long edge, long by)
 {
-  if (isFar(edge))
-    return edge;
-  std::int64_t const limit = std::int64_t(4) * ccUIRect::kFar;
-  return clampEdge(edge + sign * std::clamp<std::int64_t>(by, -limit, limit));
+  return isFar(edge) ? edge : addEdge(edge, by);
+}
+
+long backward(long edge, long by)
+{
+  // An edge is small, so that only the negation of the smallest number needs care.
+  std::int64_t const d = by;
+  return isFar(edge) ? edge : addEdge(edge, d == std::numeric_limits<std::int64_t>::min() ? -(d + 1) : -d);
 }
 
 }  // namespace
@@ -36,12 +42,10 @@ constinit ccUIRect const ccUIRect::null;
 constinit ccUIRect const ccUIRect::inf(cs_Edges{-kFar, -kFar, kFar, kFar});
 constinit ccUIRect const ccUIRect::firstQuad(cs_Edges{0, 0, kFar, kFar});
 
-ccUIRect::ccUIRect(long x, long y, long w, long h) : l_(clampEdge(x)), t_(clampEdge(y))
+// The far edges are summed from the corner as given: a rectangle that begins beyond the limit ends where it says.
+ccUIRect::ccUIRect(long x, long y, long w, long h)
+    : l_(clampEdge(x)), t_(clampEdge(y)), r_(addEdge(x, w)), b_(addEdge(y, h))
 {
-  // From the edge as given: a rectangle that begins beyond the limit ends where it says.
-  std::int64_t const limit = std::int64_t(4) * kFar;
-  r_ = clampEdge(std::clamp<std::int64_t>(x, -limit, limit) + std::clamp<std::int64_t>(w, -limit, limit));
-  b_ = clampEdge(std::clamp<std::int64_t>(y, -limit, limit) + std::clamp<std::int64_t>(h, -limit, limit));
 }
 
 ccUIRect ccUIRect::fromEdges(long left, long top, long right, long bottom)
@@ -56,14 +60,14 @@ void ccUIRect::ul(ccPair<long> const& p)
   l_ = clampEdge(p.x());
   t_ = clampEdge(p.y());
   // An endless side stays endless.
-  r_ = r_ == kFar ? kFar : addSide(l_, w);
-  b_ = b_ == kFar ? kFar : addSide(t_, h);
+  r_ = r_ == kFar ? kFar : addEdge(l_, w);
+  b_ = b_ == kFar ? kFar : addEdge(t_, h);
 }
 
 void ccUIRect::sz(ccPair<long> const& s)
 {
-  r_ = addSide(l_, s.x());
-  b_ = addSide(t_, s.y());
+  r_ = addEdge(l_, s.x());
+  b_ = addEdge(t_, s.y());
 }
 
 bool ccUIRect::nullIntersection(ccUIRect const& o) const
@@ -89,12 +93,12 @@ ccUIRect& ccUIRect::operator|=(ccUIRect const& o)
 
 ccUIRect& ccUIRect::operator+=(ccPair<long> const& d)
 {
-  return *this = ccUIRect(cs_Edges{shiftEdge(l_, d.x(), 1), shiftEdge(t_, d.y(), 1), shiftEdge(r_, d.x(), 1),
-                                   shiftEdge(b_, d.y(), 1)});
+  return *this = ccUIRect(cs_Edges{forward(l_, d.x()), forward(t_, d.y()), forward(r_, d.x()),
+                                   forward(b_, d.y())});
 }
 
 ccUIRect& ccUIRect::operator-=(ccPair<long> const& d)
 {
-  return *this = ccUIRect(cs_Edges{shiftEdge(l_, d.x(), -1), shiftEdge(t_, d.y(), -1), shiftEdge(r_, d.x(), -1),
-                                   shiftEdge(b_, d.y(), -1)});
+  return *this = ccUIRect(cs_Edges{backward(l_, d.x()), backward(t_, d.y()), backward(r_, d.x()),
+                                   backward(b_, d.y())});
 }

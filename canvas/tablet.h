@@ -159,6 +159,7 @@ public:
   Layers redrawLayer_ = bothLayers;    // what redraw_ is asked to paint; both at rest
   ccUISketch sketch_;                  // the tablet's own recorded drawing
   bool inAreaUpdate_ = false;          // only a part of the tablet is being repainted
+  void* enclosing_ = nullptr;          // the tree node that this tablet is a part of, for its owner; null for a plain tablet
 
 protected:
   ccUITablet(ccUITablet* parentOrNull, ccUIRect const&);  // null: an orphan, which draws nowhere and records nothing
@@ -166,8 +167,38 @@ protected:
   void clearAnyChanged(Layers);
 
 private:
+  friend class cc_Pieces;
+  friend class cc_TabletLayers;
   friend class cc_TabletTop;
-  friend class cc_SketchOp;
+  friend class cc_Watch;
+
+  cc_TabletTop* top_() const;
+  void link_(ccUITablet& parent);
+  void unlink_();
+  void joinTree_(cc_TabletTop*);
+  void locate_();  // origins, extents and clips of the subtree
+  void setFrame_(ccUIRect const&);
+  void markOldPlace_();
+  void markNewPlace_();
+  void runGeometryHooks_(bool moved, bool sized);
+  void runClippedHooks_();
+  void mapSet_(bool differs);
+  void tellKidsOfMap_();
+  Layers narrowed_(Layers) const;
+
+  // Drawing. Layers are 0 or 1 here.
+  bool isRecorder_() const;
+  bool isDrawnIn_(int layer, ccColor const&) const;  // not for pass colour on the image layer
+  ccPair<long> dragShift_(int layer) const;
+  ccPair<long> pelShift_(int layer) const;                   // of rectangles, local pels to top pels
+  ccPair<long> topPel_(ccPoint const&, int layer) const;     // snapped
+  ccXform<2> drawMap_(int layer) const;                      // tablet coordinates to top pels
+  void fill_(ccUIRect const& topPels, ccColor const&, int layer);
+  void penLine_(ccPair<long> const& to, ccColor const&, int layer);
+  void clipTo_(ccPoint const& ul, ccPoint const& lr, Layers);
+  void liftClip_(Layers);
+  template <class T, class Key>
+  void drawPels_(ccPelBuffer_const<T> const&, ccPoint const& at, bool masked, Key, bool mapped, Layers);
 
   ccUITablet* firstKid_ = nullptr;
   ccUITablet* lastKid_ = nullptr;
@@ -175,6 +206,6 @@ private:
   ccUITablet* prevSib_ = nullptr;
   long numKids_ = 0;
   bool visible_ = true;
-  std::unique_ptr<cc_TabletTop> top_;        // at the top of a tree only
   std::unique_ptr<cc_TabletLayers> layers_;
+  std::unique_ptr<cc_TabletTop> ownTop_;  // at the top of a tree only
 };

@@ -22,8 +22,8 @@ class ccShape : public ccRepBase {
 public:
   ccPtrHandle<ccShape> clone() const;                       // forwards to clone_()
   ccPtrHandle_const<ccShape> map(ccXform<2> const&) const;  // forwards to map_()
-  virtual double distanceToPoint(ccVector<2> const&) const; // by default over outline()
-  virtual ccRect encloseRect() const;                       // by default over outline(); tight and closed
+  virtual double distanceToPoint(ccVector<2> const&) const = 0;
+  virtual ccRect encloseRect() const = 0;  // tight and closed
   ccGenRect encloseGenRect() const;                         // the same box, axis-aligned
   virtual void outline(ccOutlineSink&) const = 0;
 

@@ -20,6 +20,12 @@ bool cf_isPng(cc_Bytes);
 ccImageFile cf_readPng(cc_Bytes);
 bool cf_isPnm(cc_Bytes);
 ccImageFile cf_readPnm(cc_Bytes);
+bool cf_isTiff(cc_Bytes);
+ccImageFile cf_readTiff(cc_Bytes);
+bool cf_isJpeg(cc_Bytes);
+ccImageFile cf_readJpeg(cc_Bytes);
+bool cf_isBmp(cc_Bytes);
+ccImageFile cf_readBmp(cc_Bytes);
 
 [[noreturn]] void cf_faultCutOff();
 [[noreturn]] void cf_faultDamaged(std::string const& what);      // "the file is damaged: ..."

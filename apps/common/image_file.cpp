@@ -23,6 +23,9 @@ struct Format {
 constexpr Format formats[] = {
     {cf_isPng, cf_readPng},
     {cf_isPnm, cf_readPnm},
+    {cf_isTiff, cf_readTiff},
+    {cf_isJpeg, cf_readJpeg},
+    {cf_isBmp, cf_readBmp},
 };
 
 Format const* formatOf(cc_Bytes bytes)

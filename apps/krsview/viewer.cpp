@@ -147,19 +147,19 @@ std::string ccViewer::info() const
   long const left = std::clamp(floorTL(ul.x()), 0L, size.x()), right = std::clamp(ceilTL(lr.x()), left, size.x());
   long const top = std::clamp(floorTL(ul.y()), 0L, size.y()), bottom = std::clamp(ceilTL(lr.y()), top, size.y());
 
-  ccJson::Object info;
-  info.add("file", current_ ? ccJson(entries_[index_].path.string()) : ccJson());
-  info.add("width", size.x());
-  info.add("height", size.y());
-  info.add("type", current_ ? ccJson(cf_typeName(current_->format)) : ccJson());
-  info.add("bits", current_ ? current_->bits : 0);
-  info.add("depth", display.imageScope().depth());
-  info.add("mag", display.mag());
-  info.add("magExact", display.magExact());
-  info.add("pan", ccJson::Array{display.pan().x(), display.pan().y()});
-  info.add("overlay", "none");
-  info.add("visible", ccJson::Array{left, top, right - left, bottom - top});
-  return cfWriteJson(info);
+  ccJson info = ccJson::object();
+  info.set("file", current_ ? ccJson(entries_[index_].path.string()) : ccJson());
+  info.set("width", size.x());
+  info.set("height", size.y());
+  info.set("type", current_ ? ccJson(cf_typeName(current_->format)) : ccJson());
+  info.set("bits", current_ ? current_->bits : 0);
+  info.set("depth", display.imageScope().depth());
+  info.set("mag", display.mag());
+  info.set("magExact", display.magExact());
+  info.set("pan", ccJson::array().push(display.pan().x()).push(display.pan().y()));
+  info.set("overlay", "none");
+  info.set("visible", ccJson::array().push(left).push(top).push(right - left).push(bottom - top));
+  return info.write();
 }
 
 std::string ccViewer::writeShot(std::string const& file) const

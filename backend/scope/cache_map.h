@@ -48,7 +48,8 @@ public:
   static std::vector<unsigned char> const& defaultIndexes();
 
 private:
-  template <class Pel> Pel const* table_(std::vector<Pel>& direct, std::vector<Pel>& byDefault, bool wantDirect);
+  template <class Pel, class Convert>
+  Pel const* table_(std::vector<Pel>& direct, std::vector<Pel>& byDefault, bool wantDirect, Convert&& make);
   void checkColors_(std::size_t count) const;
 
   std::vector<unsigned char> indexes_;  // empty until set

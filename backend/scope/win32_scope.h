@@ -68,9 +68,9 @@ public:
   long destroy();
   long resize(ccPair<long> size, long depth);
   void resizeDrawingSurface(ccPair<long> const&);
-  void resizeCombinedSurface(ccPair<long> const&);
-  void releaseDrawingSurface();
-  void releaseCombinedSurface();
+  long resizeCombinedSurface(ccPair<long> const&);
+  long releaseDrawingSurface();
+  long releaseCombinedSurface();
   long restoreAll(std::string* report);  // appends dumpInfo before and after
   void dumpInfo(std::ostringstream&) const;
   HWND window() const { return root_().window_; }
@@ -190,7 +190,7 @@ public:
 
   void set(ccUIRect const&, ccColor const&) override;
   void set(ccColor const&) override;
-  void fill(ccPoint const&, ccColor const& fill, ccColor const& border, bool surface) override;
+  void fill(ccPoint const&, ccColor const& fill, ccColor const& border, bool toBorder) override;
   void drawTo(ccPoint const&, ccGraphicProps const&) override;
   void drawToRel(long dx, long dy, ccGraphicProps const&) override;
   bool isNull() const override;
@@ -217,7 +217,14 @@ private:
     kChroma = 1, kYuvWanted = 2, kOverlay = 4, kOverlayUYVY = 8, kOverlayYUY2 = 16, kOverlayUnusable = 32,
   };
   struct cs_Clip;   // what of an image lies inside the scope
-  struct cs_Scale;  // the parameters of one expand or sample
+  struct cs_Scale;  // where a scaled image goes
+  struct cs_ColumnIndex {
+    double scale = 0;
+    std::int64_t first = 0;
+    long count = 0;
+    long sourceWidth = 0;
+    std::vector<std::int32_t> columns;
+  };
 
   // The display's part, defined with it. The scope of a display that holds a surface locked or its device context.
   static ccWin32UIScope* displayActiveLockedScope_(ccWin32Display*);
@@ -247,6 +254,12 @@ private:
   void abandonPhase_();
   ccDirectDrawSurface* displayedSurface_();
   ccUIRect ownRect_() const { return ccUIRect(ccPair<long>(), rect_.sz()); }
+  void setRect_(ccUIRect const&);
+  void setParent_(ccWin32UIScope& root);
+  void setPartner_(ccWin32UIScope*);
+  void dropClientDC_();
+  void releaseDevice_();
+  long screenDepth_() const;
   static long depthCode_(ccDirectDrawPixelFormat const&);
 
   // Phases and the way to the screen.
@@ -254,46 +267,61 @@ private:
   void win32DrawStop();
   void win32Changed(ccUIRect rect);
   void report_(ccUIRect const&, bool opaque);
-  ccDirectDrawSurface& phaseTarget_() { return dragActive_ && !dragAnimate_ ? backup_ : drawing_; }
+  bool drawsToBackup_() const { return dragActive_ && !dragAnimate_ && backup_.created(); }
+  bool copyToBackup_();
   void setUpPhase_();
+  bool startRoot_(DrawMethod);
+  bool startChild_(DrawMethod);
   bool surfacesLost_() const;
   bool restoreLostSurfaces_();
   bool present_(ccDirectDrawSurface& from, ccUIRect const& source, ccUIRect const& dest);
   bool combine_(ccDirectDrawSurface& below, ccDirectDrawSurface& above, ccDirectDrawSurface& target,
                 ccUIRect const& source, ccUIRect const& dest);
-  bool mergeBackup_();
-  bool updateByMode_(ccUIRect const& source, ccUIRect const& dest);
+  bool mergeBackup_(ccUIRect&);
+  bool updateByMode_(ccUIRect const& client, ccUIRect const& source, ccUIRect const& dest);
   void convertToYuv_();
-  void updateHardwareOverlay_();
+  void updateHardwareOverlay_(ccUIRect const& client);
+  bool attachScreen_();
   plat::Painter* painter_();
 
-  // Pels.
+  // Pels. T is the source pel; key is a pel of that type.
   template <class T> cs_Clip clip_(ccPair<long> size, ccPair<long> pos) const;
-  template <class T> void drawFamily_(ccPelBuffer_const<T> const&, ccPoint const&, bool transparent, std::uint32_t key,
-                                      bool mapped);
-  template <class T> void writePels_(ccPelBuffer_const<T> const&, ccPair<long> pos, bool transparent, std::uint32_t key,
-                                     bool mapped);
-  template <class T> bool writeClipped_(ccPelBuffer_const<T> const&, cs_Clip const&, bool transparent, std::uint32_t key,
-                                        bool mapped);
+  template <class T>
+  void drawFamily_(ccPelBuffer_const<T> const&, ccPoint const&, bool transparent, T key, bool mapped);
+  template <class T>
+  void writePels_(ccPelBuffer_const<T> const&, ccPair<long> pos, bool transparent, T key, bool mapped);
+  template <class T, class Write> void writePhase_(cs_Clip const&, Write&&);
+  template <class T, class Body> void withLookup_(bool raw, bool mapped, Body&&);
   template <class T> ccDirectDrawSurface* cacheImage_(ccPelBuffer_const<T>&, bool mapped);
-  template <class T> bool blitCache_(ccDirectDrawSurface&, cs_Clip const&, bool transparent, std::uint32_t key);
-  template <class T> void expandFamily_(ccPelBuffer_const<T> const&, ccPoint const&, ccPair<double> const& scale,
-                                        bool transparent, std::uint32_t key, bool mapped, InterpolationModes);
-  template <class T> void sampleFamily_(ccPelBuffer_const<T> const&, ccPoint const&, ccPair<double> const& scale,
-                                        bool transparent, std::uint32_t key, bool mapped);
-  template <class T> void scaleToSurface_(cs_Scale const&, ccPelBuffer_const<T> const&, bool transparent,
-                                          std::uint32_t key, bool mapped);
+  bool blitCache_(ccDirectDrawSurface&, cs_Clip const&, bool transparent, std::uint32_t key);
+  template <class T>
+  void expandFamily_(ccPelBuffer_const<T> const&, ccPoint const&, ccPair<double> const& scale, bool transparent, T key,
+                     bool mapped, InterpolationModes);
+  template <class T>
+  void sampleFamily_(ccPelBuffer_const<T> const&, ccPoint const&, ccPair<double> const& scale, bool transparent, T key,
+                     bool mapped);
+  template <class T>
+  void drawScaled_(ccPelBuffer_const<T> const&, cs_Scale const&, bool transparent, T key, bool mapped,
+                   InterpolationModes);
+  template <class T>
+  void drawScaledCache_(ccDirectDrawSurface&, cs_Scale const&, bool transparent, T key, bool mapped, InterpolationModes);
+  template <class T> bool canFuse_(InterpolationModes, double scale) const;
+  std::int32_t const* columns_(double scale, std::int64_t first, long count, long sourceWidth);
   template <class T> void displayedImage_(ccPelBuffer<T>&, cs_GetDisplayedImageInfo*, cc_TabletEnums::Layers);
   cc_CacheMap& pelTable_();
   ccUIRect clipToDisplay_(ccUIRect const& rootRect) const;
 
-  // Colours, points, runs.
+  // Lines and text.
+  void paintLine_(plat::Painter&, ccPair<long> const& from, ccPair<long> const& to, ccGraphicProps const&);
+  HFONT font_(long id) const;
+
+  // Colours, fills, runs.
   std::uint32_t pelOf_(ccColor const&) const;
+  std::uint32_t fillPelOf_(ccColor const&) const;
   COLORREF bgrColor_(ccColor const&) const;
   unsigned char paletteIndex_(ccColor const&) const;
-  ccColor resolved_(ccColor const&, bool indexed) const;
-  void colorFill_(ccUIRect rect, std::uint32_t value);
-  void writeRuns_(ccRLEBuffer const&, ccPair<long> pos, std::vector<unsigned char> const& map, bool transparent,
+  void colorFill_(ccUIRect const& rect, std::uint32_t value);
+  void writeRuns_(ccRLEBuffer const&, cs_Clip const&, std::vector<unsigned char> const& map, bool transparent,
                   unsigned char key);
 
   // Fields of every scope.
@@ -324,10 +352,15 @@ private:
   ccWin32UIScope const* phaseUser_ = nullptr;       // who set up origin, clip and pointer last
   ccDirectDrawSurface* partner_ = nullptr;          // drawing surface of the scope of the other layer
   ccDirectDrawSurface* partnerCombined_ = nullptr;  // and its combined surface, while this isn't the overlay plane
+  ccWin32UIScope* partnerScope_ = nullptr;
+  std::vector<ccWin32UIScope*> partnerOf_;          // whose partner this is
+  long wantedDepth_ = -1;                           // as create was asked
   bool waitForVerticalBlank_ = false;
   bool dragActive_ = false;
   bool dragAnimate_ = false;
   bool restoring_ = false;
+  bool incomplete_ = false;   // a surface could not be made when the size changed
+  bool deviceGone_ = false;   // the device itself could not be made again
   HDC clientDC_ = nullptr;  // handed out by getDC
   COLORREF chromaKey_ = 0;
   std::uint32_t chromaFlags_ = 0;
@@ -335,14 +368,14 @@ private:
   ccUIRect invalid_;      // what must still reach the screen
   ccUIRect backupDirty_;  // drawn to the backup surface in a drag without animation
   ccUIRect dragDirty_;    // drawn to the drawing surface in a drag, or since the last erase
+  ccUIRect eraseFailed_;  // what an erase of this drag could not bring back
   ccFlagStack screenLock_;
   std::uint32_t cachedRoot_ = 0;    // identity of the image in the cache surface
-  std::uintptr_t cachedHandle_ = 0;
-  bool cachedAnything_ = false;     // the surface holds an image
+  void const* cachedHandle_ = nullptr;
+  ccPair<long> cachedSize_;
   cc_CacheMap colorCacheMap_;       // overlay graphics, and 8-bit screens
   cc_CacheMap imageCacheMap_;
-  std::vector<std::int32_t> columns_;      // scratch of scaling: source column of each target column
-  std::vector<unsigned char> rowScratch_;
+  cs_ColumnIndex columnIndex_;  // of the last scaled image: the source column of each target column
   void (*redraw_)(void*) = nullptr;
   void* redrawArgument_ = nullptr;
   std::unique_ptr<ccImageConverter> converter_;  // null on an overlay plane

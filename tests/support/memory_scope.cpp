@@ -2,6 +2,7 @@
 
 #include "canvas/format.h"
 #include "canvas/rle_buffer.h"
+#include "geometry/lines.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -399,9 +400,9 @@ void MemoryScope::draw(ccEllipse2 const&, ccGraphicProps const& props)
   call_("ellipse2", ccUIRect(), props);
 }
 
-void MemoryScope::draw(ccLineSeg const&, ccGraphicProps const& props)
+void MemoryScope::draw(ccLineSeg const& line, ccGraphicProps const& props)
 {
-  call_("lineSeg", ccUIRect(), props);
+  line_(ccPair<long>(xCoord(line.p1()), yCoord(line.p1())), ccPair<long>(xCoord(line.p2()), yCoord(line.p2())), props);
 }
 
 void MemoryScope::draw(ccPoint const& p, ccGraphicProps const& props)

@@ -19,7 +19,7 @@ public:
   static constexpr long kCellHeight = 10;   // but the last column and the first and last row, blanks have no box
 
   struct Call {
-    std::string kind;  // such as "set", "draw8", "expandRGB16", "drawTo", "ellipse", "dragStart"
+    std::string kind;  // such as "set", "draw8", "expandRGB16", "line", "ellipse", "dragStart"
     ccUIRect rect;     // root pels that the call may have touched; null if none
     ccGraphicProps props;
     std::string text;

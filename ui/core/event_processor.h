@@ -39,6 +39,21 @@ public:
   ccKeyboardEvent::VirtualKey panKey() const;
 
 private:
+  friend class ccUIObject;
+  ccUIObject* touched_(ccUIObject* from) const;
+  bool accepts_(ccMouseEvent const&, ccUIObject* hit, std::uint32_t buttons, std::uint32_t which);
+  void hover_(ccUIObject* target);
+  void moveOver_(ccPair<long> const&);
+  void deliver_(ccMouseEvent const&, ccUIObject const* hit, std::uint32_t buttons, bool rightAsLeft);
+  void leftMoved_(ccPair<long> const&, ccUIObject const* hit);
+  void leftPressed_(bool multiSelect);
+  void leftReleased_(ccPair<long> const&);
+  void dropOwner_();
+  void abandonDrag_();               // without a call of hooks
+  void endDragOnScreen_();
+  void forget_(ccUIObject const*);   // this node alone; it leaves the root
+  void nodeLeaves_(ccUIObject*);     // with its kids, while the tree around it still stands
+
   ccUIObject* owner_ = nullptr;
   ccUIObject* keyOwner_ = nullptr;
   ccPair<long> anchor_;

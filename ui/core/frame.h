@@ -4,6 +4,8 @@
 #include "canvas/tablet.h"
 #include "ui/core/object.h"
 
+class ccLock;
+
 class ccUIFrame : public ccUIObject, public ccUITablet {
 public:
   ~ccUIFrame() override;
@@ -43,5 +45,10 @@ protected:
   void newParentTablet(ccUITablet*) override;
 
 private:
+  ccUIFrame(ccUIFrame* parent, ccUIRect const&, ccLock const& parentHeld);
+
   std::uint32_t frameFlags_ = 0;
 };
+
+// The frame around a tablet; null for a null or a plain tablet.
+ccUIFrame* cfFrameOf(ccUITablet const*);

@@ -1,6 +1,7 @@
 // Declares the classes of this folder, and the frame sizer that the root hands out.
 #pragma once
 
+class cc_NodeWalk;
 class ccKeyboardEvent;
 class ccMouseEvent;
 class ccUIClientFrame;

@@ -162,22 +162,33 @@ public:
 protected:
   ccUIObject();
   void newRoot(ccUIRootObject* root, bool recurse);
+  // For destructors of nodes whose tree links go before the last of the node does: holds the root's mutex until the node
+  // has left the registry, and ends a drag that the node or one below it owns.
+  void beginDestruction();
+  void leaveGesture();
 
   ccUIRootObject* root_ = nullptr;  // a root itself keeps null here
   ccMutex* rootMutex_ = nullptr;
   cc_TabletEnums::Layers drawLayer_ = cc_TabletEnums::imageLayer;
 
 private:
+  friend class cc_NodeRef;
   friend class ccUIEventProcessor;
   friend class ccUIRootObject;
+  friend class ccUIShapes;
+  friend class ccUIShapesFrame;
   enum Bits : std::uint32_t {
     kCondVisible = 0x0001, kCondEnabled = 0x0002, kCondSelected = 0x0004, kClickable = 0x0008, kDraggable = 0x0010,
     kDragging = 0x0020, kDontMove = 0x0040, kAutoDelete = 0x0080, kMark = 0x0100, kOpNew = 0x0200, kKeepSel = 0x0400,
     kDwell = 0x0800, kMultiSelectable = 0x1000
   };
 
+  void setBit_(Bits bit, bool on) { flags_ = on ? flags_ | bit : flags_ & ~static_cast<std::uint32_t>(bit); }
   void bit_(Bits, bool);
   bool takeSelection_();
+  void takeSiblingSelections_(long level);
+  void toggleInMultiSelection_();
+  void dragMembers_(cc_NodeWalk&);
   void show_(bool nested);
   void hide_(bool nested);
   void enable_(States, bool nested);
@@ -188,7 +199,9 @@ private:
   std::uint32_t key_;
   RightButtonModes rightButtonMode_ = rightButtonSendsBack;
   std::uint32_t flags_ = kCondEnabled;
+  bool hiding_ = false;          // hide_ is on its way through the node
+  ccMutex* dyingHold_ = nullptr;  // held from beginDestruction to the end of the node
 
   static std::uint32_t nextKey_;
-  static bool setAutoDelete_;
+  static thread_local bool setAutoDelete_;  // operator new has made room for the node that is constructed next
 };

@@ -72,8 +72,17 @@ private:
   friend class ccUIShapesFrame;
   void drawTree_(bool withKids, ccUIRect const* clip, cc_TabletEnums::Layers);
   void eraseTree_(bool withKids, cc_TabletEnums::Layers);
+  void drawSelf_(ccUITablet&);
+  void eraseSelf_(ccUITablet&, cc_TabletEnums::Layers);
+  void unlink_();
+  static std::list<ccUIShapes*>* listOf_(ccUIObject* parent);
+  // For shapes and shapes frames as parents.
+  static void releaseKids_(ccUIObject& parent);
+  static void toFront_(ccUIObject* kid);
+  static void toBack_(ccUIObject* kid);
 
   ccUIObject* parent_ = nullptr;
+  std::list<ccUIShapes*>* siblings_ = nullptr;  // the parent's list, null without a parent
   std::list<ccUIShapes*> kids_;  // back first
   std::list<ccUIShapes*>::iterator sibPos_;
   ccGraphicProps props_{ccColor::cyanColor(), 1, ceSolidPen, false};

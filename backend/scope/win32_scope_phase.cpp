@@ -1,0 +1,505 @@
+// The draw phase around every operation, what changed, the way to the screen, the drag's backup surface, and the recovery of
+// lost surfaces.
+#include "backend/scope/win32_scope.h"
+
+#include "canvas/image_converter.h"
+#include "foundation/rounding.h"
+#include "foundation/thread.h"
+#include "platform/paint.h"
+#include "platform/window.h"
+
+#include <algorithm>
+
+namespace {
+
+plat::Rect toRect(ccUIRect const& r)
+{
+  return plat::Rect{static_cast<plat::i32>(r.left()), static_cast<plat::i32>(r.top()), static_cast<plat::i32>(r.right()),
+                    static_cast<plat::i32>(r.bottom())};
+}
+
+}  // namespace
+
+// --- Draw phase
+
+bool ccWin32UIScope::win32DrawStart(DrawMethod method) { return parent_ ? startChild_(method) : startRoot_(method); }
+
+bool ccWin32UIScope::startRoot_(DrawMethod method)
+{
+  ccWin32UIScope* const active = display_ ? displayActiveLockedScope_(display_) : nullptr;
+  if (active && active != this)
+    active->win32DrawStop_();
+  if (method != kNoPhase && method_ == method && (!display_ || active == this)) {
+    if (phaseUser_ != this)
+      setUpPhase_();
+    return true;
+  }
+  if (method_ != kNoPhase)
+    win32DrawStop_();
+  return win32DrawStart_(method);
+}
+
+// Children of one root share its lock or device context. Only for the one that set it up last does a phase count as running.
+bool ccWin32UIScope::startChild_(DrawMethod method)
+{
+  bool const running = method_ == method && parent_->method_ == method && parent_->phaseUser_ == this;
+  if (running && method != kNoPhase &&
+      (!parent_->display_ || displayActiveLockedScope_(parent_->display_) == parent_))
+    return true;
+  if (method_ != kNoPhase)
+    win32DrawStop_();
+  return win32DrawStart_(method);
+}
+
+bool ccWin32UIScope::win32DrawStart_(DrawMethod method)
+{
+  method_ = kNoPhase;
+  if (parent_) {
+    if (rect_.isNull() || !parent_->win32DrawStart(method))
+      return false;
+    method_ = method;
+    setUpPhase_();
+    return true;
+  }
+  if (rect_.isNull() || (surfacesLost_() && !restoreLostSurfaces_()) || !ddraw_.created())
+    return false;
+  // Without a backup surface nobody could take an animated picture away again.
+  if (dragActive_ && dragAnimate_ && !backup_.created())
+    return false;
+  ccDirectDrawSurface& target = drawsToBackup_() ? backup_ : drawing_;
+  bool started = false;
+  if (method == kBlit) {
+    started = target.created();
+  } else if (method == kPaint) {
+    started = target.getDC(&drawDC_) == ceDDOk && drawDC_;
+  } else if (method == kDirect) {
+    started = target.lock() == ceDDOk && target.description().surface();
+    if (started) {
+      locked_ = target.description().surface();
+      pitch_ = target.description().pitch();
+    }
+  }
+  if (!started)
+    return false;
+  method_ = method;
+  phaseSurface_ = &target;
+  setUpPhase_();
+  if (method != kBlit && display_)
+    displayActiveLockedScope_(display_, this);
+  return true;
+}
+
+void ccWin32UIScope::setUpPhase_()
+{
+  ccWin32UIScope& root = root_();
+  if (method_ == kBlit)
+    bltTarget_ = root.phaseSurface_;
+  if (parent_) {
+    depth_ = root.depth_;
+    bytesPerPel_ = root.bytesPerPel_;
+    pitch_ = root.pitch_;
+    drawDC_ = root.drawDC_;
+    if (method_ == kDirect)
+      locked_ = root.locked_ + rect_.top() * pitch_ + rect_.left() * bytesPerPel_;
+  }
+  root.phaseUser_ = this;
+  if (plat::Painter* painter = painter_()) {
+    painter->viewportOrigin(plat::Point{static_cast<plat::i32>(rect_.left()), static_cast<plat::i32>(rect_.top())});
+    plat::Rect const clip = toRect(clipToDisplay_(rect_));
+    painter->clip(parent_ ? &clip : nullptr);
+  }
+}
+
+plat::Painter* ccWin32UIScope::painter_() { return method_ == kPaint && drawDC_ ? plat::painter(drawDC_) : nullptr; }
+
+ccUIRect ccWin32UIScope::clipToDisplay_(ccUIRect const& rootRect) const
+{
+  ccUIRect const clip = displayClipRect();
+  return clip.isNull() ? rootRect : rootRect & clip;
+}
+
+void ccWin32UIScope::win32DrawStop()
+{
+  if (!root_().optimize_)
+    win32DrawStop_();
+}
+
+void ccWin32UIScope::stopDrawPhase()
+{
+  if (root_().method_ != kNoPhase)
+    root_().win32DrawStop_();
+}
+
+void ccWin32UIScope::win32DrawStop_()
+{
+  if (parent_) {
+    drawDC_ = nullptr;
+    locked_ = nullptr;
+    bltTarget_ = nullptr;
+    method_ = kNoPhase;
+    if (!parent_->optimize_)
+      parent_->win32DrawStop_();
+    return;
+  }
+  abandonPhase_();
+  updateScreen();
+}
+
+// Ends a phase without bringing anything to the screen.
+void ccWin32UIScope::abandonPhase_()
+{
+  if (parent_ || method_ == kNoPhase)
+    return;
+  if (method_ == kPaint && drawDC_)
+    static_cast<void>(phaseSurface_->releaseDC(drawDC_));
+  if (method_ == kDirect && locked_)
+    static_cast<void>(phaseSurface_->unlock());
+  if (method_ != kBlit && display_ && displayActiveLockedScope_(display_) == this)
+    displayActiveLockedScope_(display_, nullptr);
+  drawDC_ = nullptr;
+  locked_ = nullptr;
+  bltTarget_ = nullptr;
+  phaseSurface_ = nullptr;
+  phaseUser_ = nullptr;
+  method_ = kNoPhase;
+}
+
+void ccWin32UIScope::optimizeDrawing(bool on)
+{
+  if (parent_)
+    return parent_->optimizeDrawing(on);
+  optimize_ = on;
+  if (!on && method_ != kNoPhase)
+    win32DrawStop_();
+}
+
+// --- What changed
+
+void ccWin32UIScope::win32Changed(ccUIRect rect)
+{
+  ccWin32UIScope& root = root_();
+  if (parent_)
+    rect += rect_.ul();
+  (root.dragActive_ && !root.dragAnimate_ ? root.backupDirty_ : root.dragDirty_) |= rect;
+  root.invalidateScreen(rect);
+  modified(true);
+}
+
+void ccWin32UIScope::report_(ccUIRect const& rect, bool isOpaque)
+{
+  if ((stateBits() & (kAllChanged | kRecording)) != kAllChanged)
+    change(rect, isOpaque);
+}
+
+void ccWin32UIScope::invalidateScreen(ccUIRect const& rect)
+{
+  root_().invalid_ |= (parent_ ? rect + rect_.ul() : rect) & rect_;
+}
+
+void ccWin32UIScope::lockScreenUpdatesPush(bool on)
+{
+  if (parent_)
+    return parent_->lockScreenUpdatesPush(on);
+  bool const before = screenLock_.top();
+  screenLock_.push(on);
+  if (before && !on)
+    updateScreen();
+}
+
+bool ccWin32UIScope::lockScreenUpdatesPop()
+{
+  if (parent_)
+    return parent_->lockScreenUpdatesPop();
+  bool const before = screenLock_.top();
+  screenLock_.pop();
+  if (before && !screenLock_.top())
+    updateScreen();
+  return before;
+}
+
+bool ccWin32UIScope::screenUpdatesLocked() const { return root_().screenLock_.top(); }
+
+// --- The way to the screen
+
+void ccWin32UIScope::updateScreen()
+{
+  if (parent_)
+    return parent_->updateScreen();
+  if (surfacesLost_() && !restoreLostSurfaces_())
+    return;
+  if (invalid_.isNull() || !ddraw_.created())
+    return;
+  if (dragActive_ && !backupDirty_.isNull() && !mergeBackup_(backupDirty_))
+    return;
+  if (screenLock_.top())
+    return;
+  plat::WindowSystem& windows = plat::platform().windows;
+  plat::Rect const area = windows.clientRect(window_);
+  if (area.empty())
+    return;
+  plat::Point const ul = windows.clientToScreen(window_, plat::Point{area.left, area.top});
+  plat::Point const lr = windows.clientToScreen(window_, plat::Point{area.right, area.bottom});
+  ccUIRect const client = ccUIRect::fromEdges(ul.x, ul.y, lr.x, lr.y);
+  ccUIRect const visible = invalid_ & ccUIRect(scroll_, ccPair<long>(area.width(), area.height()));
+  if (visible.isNull())
+    return;
+  // The components of the scroll stand crossed against the axes, and that is meant.
+  ccUIRect const dest = visible + client.ul() + ccPair<long>(scroll_.y(), scroll_.x());
+  if (updateByMode_(client, visible, dest))
+    invalid_ = ccUIRect();
+}
+
+// True once nothing is left to present.
+bool ccWin32UIScope::updateByMode_(ccUIRect const& client, ccUIRect const& source, ccUIRect const& dest)
+{
+  if (chromaKeyingEnabled()) {
+    if ((chromaFlags_ & kOverlay) == 0)
+      return combine_(drawing_, graphics_, combined_, source, dest);
+    if ((chromaFlags_ & (kOverlayUYVY | kOverlayYUY2)) != 0)
+      convertToYuv_();
+    // Before the overlay's update: when that falls back to other surfaces, what is drawn anew is invalid again.
+    invalid_ = ccUIRect();
+    updateHardwareOverlay_(client);
+    return false;
+  }
+  if (!partner_)
+    return present_(drawing_, source, dest);
+  if (overlayPlane_)
+    return combine_(*partner_, drawing_, combined_, source, dest);
+  return combine_(drawing_, *partner_, *partnerCombined_, source, dest);
+}
+
+bool ccWin32UIScope::combine_(ccDirectDrawSurface& below, ccDirectDrawSurface& above, ccDirectDrawSurface& target,
+                              ccUIRect const& source, ccUIRect const& dest)
+{
+  return target.blt(&below, source, source, ceBltWait) == ceDDOk &&
+         target.blt(&above, source, source, ceBltWait | ceBltKeySource) == ceDDOk && present_(target, source, dest);
+}
+
+bool ccWin32UIScope::present_(ccDirectDrawSurface& from, ccUIRect const& source, ccUIRect const& dest)
+{
+  constexpr std::uint32_t blockBegin = 1;
+  cePriority former = cePriorityNormal;
+  if (waitForVerticalBlank_) {
+    former = cfGetThreadPriority();
+    cfSetThreadPriority(cePriorityTimeCritical);
+    static_cast<void>(ddraw_.WaitForVerticalBlank(blockBegin));
+  }
+  long const result = ddraw_.primary().blt(&from, source, dest, ceBltWait);
+  if (waitForVerticalBlank_)
+    cfSetThreadPriority(former);
+  return result == ceDDOk;
+}
+
+void ccWin32UIScope::convertToYuv_()
+{
+  if (graphics_.lock() != ceDDOk)
+    return;
+  if (drawing_.lock() == ceDDOk) {
+    ccDirectDrawSurfaceDesc const& from = drawing_.description();
+    ccDirectDrawSurfaceDesc const& to = graphics_.description();
+    unsigned short* const pels = static_cast<unsigned short*>(to.record().pels);
+    long const w = static_cast<long>(std::min(from.width(), to.width()));
+    long const h = static_cast<long>(std::min(from.height(), to.height()));
+    if (from.surface() && pels) {
+      if ((chromaFlags_ & kOverlayUYVY) != 0)
+        ccImageConverter::convert8ToUYVY(from.surface(), pels, w, h, from.pitch(), to.pitch());
+      else
+        ccImageConverter::convert8ToYUY2(from.surface(), pels, w, h, from.pitch(), to.pitch());
+    }
+    static_cast<void>(drawing_.unlock());
+  }
+  static_cast<void>(graphics_.unlock());
+}
+
+// Along one axis: what of the scope the overlay shows, and how much of the screen it takes.
+namespace {
+
+struct cs_OverlayAxis {
+  long from = 0;    // first visible pel of the scope
+  long extent = 0;  // stands as the far edge of the source, without `from` added
+  long shown = 0;   // pels on the screen
+};
+
+cs_OverlayAxis overlayAxis(long clientEdge, long scroll, long scopeExtent, long destEdge, long destExtent, long screenEnd)
+{
+  cs_OverlayAxis a;
+  a.from = (clientEdge < 0 ? -clientEdge : 0) - (scroll < 0 ? scroll : 0);
+  a.extent = std::max(scopeExtent - a.from, 0L);
+  if (destExtent < a.extent) {
+    a.extent = ceilTL(static_cast<double>(destExtent));
+    if (destEdge + a.extent > screenEnd)
+      --a.extent;
+  }
+  a.shown = std::min(a.extent, destExtent);
+  return a;
+}
+
+}  // namespace
+
+void ccWin32UIScope::updateHardwareOverlay_(ccUIRect const& client)
+{
+  plat::WindowSystem& windows = plat::platform().windows;
+  plat::Rect const desktop = windows.clientRect(windows.desktop());
+  ccUIRect const screen = ccUIRect::fromEdges(desktop.left, desktop.top, desktop.right, desktop.bottom);
+  ccUIRect const shifted =
+      ccUIRect::fromEdges(client.left() + std::max(scroll_.x(), 0L), client.top() + std::max(scroll_.y(), 0L),
+                          client.right(), client.bottom());
+  ccUIRect const on = shifted & screen;
+  cs_OverlayAxis const x =
+      overlayAxis(client.left(), scroll_.x(), rect_.width(), on.left(), on.width(), screen.right());
+  cs_OverlayAxis const y = overlayAxis(client.top(), scroll_.y(), rect_.height(), on.top(), on.height(), screen.bottom());
+  ccUIRect const source = ccUIRect::fromEdges(x.from, y.from, x.extent, y.extent);
+  ccUIRect const dest(on.left(), on.top(), x.shown, y.shown);
+  constexpr std::uint32_t showByDestKey = 0x4400;
+  bool const yuv = (chromaFlags_ & (kOverlayUYVY | kOverlayYUY2)) != 0;
+  long const result = ddraw_.primary().updateOverlay(yuv ? graphics_ : drawing_, source, dest, showByDestKey);
+  if (result != ceDDOutOfCaps && result != ceDDNoOverlayHW)
+    return;
+  chromaFlags_ |= kOverlayUnusable;
+  static_cast<void>(resize(rect_.sz(), -1));
+  if (redraw_)
+    redraw_(redrawArgument_);
+}
+
+// --- Drag
+
+// From the backup to the drawing surface; clears the rectangle.
+bool ccWin32UIScope::mergeBackup_(ccUIRect& dirty)
+{
+  ccUIRect const r = dirty & rect_;
+  if (!r.isNull() && drawing_.blt(&backup_, r, r, ceBltWait) != ceDDOk)
+    return false;
+  dirty = ccUIRect();
+  return true;
+}
+
+bool ccWin32UIScope::copyToBackup_() { return backup_.blt(&drawing_, rect_, rect_, ceBltWait) == ceDDOk; }
+
+void ccWin32UIScope::dragStart()
+{
+  if (parent_)
+    return parent_->dragStart();
+  stopDrawPhase();
+  dragActive_ = true;
+  if (!drawing_.created())
+    return;
+  // Without a true copy there is nothing to bring back, so the picture is then not touched by the drag.
+  if (createSurface_(backup_, rect_.sz(), depth_, false) != ceDDOk || !copyToBackup_())
+    static_cast<void>(backup_.release());
+  backupDirty_ = dragDirty_ = eraseFailed_ = ccUIRect();
+}
+
+void ccWin32UIScope::dragErase()
+{
+  if (parent_)
+    return parent_->dragErase();
+  stopDrawPhase();
+  ccUIRect const r = (dragDirty_ | invalid_ | eraseFailed_) & rect_;
+  if (r.isNull())
+    return;
+  if (backup_.created()) {
+    eraseFailed_ = r;
+    static_cast<void>(mergeBackup_(eraseFailed_));
+  }
+  invalidateScreen(r);
+  dragDirty_ = ccUIRect();
+}
+
+void ccWin32UIScope::dragStop()
+{
+  if (parent_) {
+    parent_->dragStop();
+    pitch_ = parent_->pitch_;
+    return;
+  }
+  stopDrawPhase();
+  dragActive_ = false;
+  if (backup_.created()) {
+    // What a blit could not do before, before the true picture goes.
+    eraseFailed_ |= backupDirty_;
+    ccUIRect const late = eraseFailed_;
+    static_cast<void>(mergeBackup_(eraseFailed_));
+    invalidateScreen(late);
+    static_cast<void>(backup_.release());
+  }
+  backupDirty_ = eraseFailed_ = ccUIRect();
+  if (drawing_.created())
+    pitch_ = drawing_.description().pitch();
+  invalidateScreen(dragDirty_);
+  dragDirty_ = ccUIRect();
+  updateScreen();
+}
+
+void ccWin32UIScope::dragAnimate(bool on)
+{
+  ccWin32UIScope& root = root_();
+  if (root.dragActive_ && root.dragAnimate_ != on)
+    root.stopDrawPhase();  // it draws to the other surface
+  root.dragAnimate_ = on;
+}
+
+// --- Lost surfaces
+
+bool ccWin32UIScope::surfacesLost_() const
+{
+  if (parent_)
+    return parent_->surfacesLost_();
+  return deviceGone_ || incomplete_ || ddraw_.primary().isLost() || drawing_.isLost() || cache_.isLost() ||
+         backup_.isLost() || graphics_.isLost() || combined_.isLost();
+}
+
+bool ccWin32UIScope::attachScreen_()
+{
+  if (ddraw_.primary().restore() == ceDDOk || ddraw_.primary().recreate() == ceDDOk)
+    return true;
+  return restoreAll(nullptr) == ceDDOk;
+}
+
+bool ccWin32UIScope::restoreLostSurfaces_()
+{
+  if (restoring_)
+    return false;
+  if (deviceGone_) {
+    if (restoreAll(nullptr) != ceDDOk)
+      return false;
+  } else if (!ddraw_.created()) {
+    return false;
+  } else if (!surfacesLost_()) {
+    return true;
+  }
+  if (ddraw_.testCooperativeLevel() == ceDDExclusiveMode)
+    return false;
+  struct cs_Restoring {
+    bool& flag;
+    explicit cs_Restoring(bool& f) : flag(f) { flag = true; }
+    ~cs_Restoring() { flag = false; }
+  };
+  {
+    cs_Restoring const restoring(restoring_);
+    abandonPhase_();
+    if (!attachScreen_())
+      return false;
+    static_cast<void>(ddraw_.primary().attach(&clipper_));
+    if (ddPalette_.created())
+      static_cast<void>(ddPalette_.release());
+    attachPalette_();
+    static_cast<void>(resize(rect_.sz(), wantedDepth_));
+    if (!chromaKeyingEnabled() && overlayPlane_)
+      static_cast<void>(drawing_.bltColorFill(rect_, colorKey_.low(), ceBltWait));
+    if (dragActive_)
+      static_cast<void>(backup_.recreate());
+    cachedRoot_ = 0;
+    cachedHandle_ = nullptr;
+    if (cache_.created())
+      static_cast<void>(cache_.release());
+    if (surfacesLost_())
+      return false;
+    readFormat_();
+  }
+  if (redraw_)
+    redraw_(redrawArgument_);
+  if (dragActive_)
+    static_cast<void>(copyToBackup_());
+  return !surfacesLost_();
+}

@@ -1,0 +1,242 @@
+// What stands behind tablets: the state of each tablet, and what the top of a tree holds for the tree. The top owns the
+// marks of what must be repainted, the windows of its scopes, and the passes that run redraw_.
+#pragma once
+
+#include "canvas/graphic_props.h"
+#include "canvas/region.h"
+#include "canvas/scope.h"
+#include "canvas/tablet.h"
+
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+inline bool cf_hasLayer(cc_TabletEnums::Layers l, int layer)
+{
+  return l == cc_TabletEnums::bothLayers || static_cast<int>(l) == layer;
+}
+
+// The layers in both; -1 for none.
+inline int cf_commonLayers(cc_TabletEnums::Layers a, cc_TabletEnums::Layers b)
+{
+  if (a == cc_TabletEnums::bothLayers)
+    return b;
+  return b == cc_TabletEnums::bothLayers || a == b ? static_cast<int>(a) : -1;
+}
+
+// Where a tablet's pels of one layer can be seen, in top pels. Valid for one version of the tree.
+struct cs_Region {
+  std::uint64_t version = 0;
+  bool shown = false;
+  cc_RectList rects;
+};
+
+// Outside any redraw_ whatever is opaque in front hides; inside one only what surely repaints all of its pels does; a drag's
+// ghost crosses the tablet's own kids.
+enum class ce_RegionKind { direct, pass, ghost };
+
+class cc_Watch;
+
+class cc_TabletLayers {
+public:
+  struct cs_Layer {
+    bool opaque = false;
+    bool covered = false;       // a redraw_ reaches each pel
+    bool clipped = false;       // drawClip holds
+    ccUIRect drawClip;          // local pels
+    ccUIRect modified;          // local pels: drawn since last wiped
+    ccUIRect record;            // local pels: drawn since recordChanges(true)
+    ccPair<long> pen;           // top pels
+    cc_RectList* open = nullptr;  // in the tablet's own redraw_: local pels that no fill has reached yet
+    cs_Region regions[3];
+  };
+
+  cs_Layer layer[2];
+  cc_TabletTop* top = nullptr;  // null for orphans and recording tablets
+  bool recorder = false;        // made by the default constructor
+  bool recordsChanges = false;
+  bool clipChanged = false;     // clipped_ is due
+  bool followsScope = false;    // at the top or with an endless edge: its extent counts within the scope only
+  ccUIRect clip;                // top pels: the tablet's rectangle cut with all ancestors
+  ccUIRect seen;                // the same in local pels
+  ccUIRect extent;              // top pels: endless edges taken from the parent's extent
+  ccUIRect area;                // top pels: what is being painted while the tablet's inAreaUpdate_ is true
+  ccXform<2> inverse;           // of screenMap_
+  bool regular = true;          // screenMap_ has an inverse
+  double hitScale = 1;
+  ccPair<long> dragDel;
+  std::uint64_t dragEpoch = 0;
+  ccPoint sketchOffset;         // tablet coordinates, while a sketch is replayed
+  cc_Watch* watches = nullptr;
+
+  // What a fill of the whole tablet reaches, in local pels.
+  ccUIRect whole(ccUITablet const&) const;
+};
+
+// Looks after a tablet across a call of its hooks: tablet() is null once it has been destroyed.
+class cc_Watch {
+public:
+  explicit cc_Watch(ccUITablet&);
+  ~cc_Watch();
+  cc_Watch(cc_Watch const&) = delete;
+  cc_Watch& operator=(cc_Watch const&) = delete;
+  ccUITablet* tablet() const { return tablet_; }
+  bool isIn(cc_TabletTop const*) const;  // alive and part of that tree
+  static void destroyed(cc_TabletLayers&);
+
+private:
+  ccUITablet* tablet_;
+  cc_Watch* next_;
+};
+
+class cc_TabletTop {
+public:
+  using Layers = cc_TabletEnums::Layers;
+
+  explicit cc_TabletTop(ccUITablet& owner) : owner_(owner) {}
+  ~cc_TabletTop();
+  cc_TabletTop(cc_TabletTop const&) = delete;
+  cc_TabletTop& operator=(cc_TabletTop const&) = delete;
+
+  // Ways through a tree in paint order: a tablet, then its kids back to front. A limit keeps within its subtree.
+  static ccUITablet* next(ccUITablet*, ccUITablet const* limit = nullptr);
+  static ccUITablet* afterSubtree(ccUITablet*, ccUITablet const* limit = nullptr);
+  static bool inSubtree(ccUITablet const*, ccUITablet const* root);
+  static bool before(ccUITablet const*, ccUITablet const*);  // strictly, in paint order
+
+  // Scopes and locks.
+  ccUIScope* scope(int layer) const { return layers_[layer].scope; }
+  ccUIRect scopeRect(int layer) const { return layers_[layer].scope ? layers_[layer].scopeRect : ccUIRect::inf; }
+  // A tree without any scope keeps the marks of both layers, one with a single scope those of its layer only.
+  bool isUsed(int layer) const { return layers_[layer].scope || !layers_[1 - layer].scope; }
+  void setScope(int layer, ccUIScope*, bool owned);
+  ccUIScope* window(int layer, ccUIRect const&);  // the scope cut to a rectangle; null if there is none
+  void lockPush(int layer, bool);
+  void lockPop(int layer);
+  void optimizeDrawing(int layer, bool);
+  static bool overlaySupported();
+
+  // Regions. Any change of geometry, order, visibility, opaque or covered state outdates them.
+  void changed() { ++version_; }
+  cs_Region const& region(ccUITablet&, int layer, ce_RegionKind);
+  static bool isSolid(ccUITablet const&, int layer);
+
+  // Marks.
+  void mark(int layer, ccUIRect area, ccUITablet* from, bool above = false);
+  void forget(ccUITablet const& subtree);  // its marks become repaints from the bottom
+  ccUIRect modifiedOf(ccUITablet&, int layer) const;  // top pels, over the subtree
+  bool anyChanged(int layer) const { return layers_[layer].drawn || !layers_[layer].pending.empty(); }
+  void clearDrawn(int layer) { layers_[layer].drawn = false; }
+  void setDrawn(int layer) { layers_[layer].drawn = true; }
+
+  // Repainting.
+  void redraw(ccUITablet&, Layers);
+  void fullDraw(ccUITablet&, Layers);
+  void update(Layers);
+  void update(ccUIRect const&, Layers, bool now);
+  bool isPainting(ccUITablet const&) const;
+  bool inPass() const { return pass_ != nullptr; }
+  Layers passLayer() const { return pass_->layer; }
+  ccUIRect const& passArea() const { return pass_->area; }
+
+  // Drags.
+  void dragStart(int layer);
+  void dragErase(int layer);
+  void dragAnimate(int layer, bool);
+  void dragStop(int layer);
+  bool isAnimating(int layer) const { return layers_[layer].animating; }
+  std::uint64_t dragEpoch() const { return dragEpoch_; }
+
+  // Brackets whatever draws. When the outermost ends, a full drawing asked for meanwhile takes place.
+  class cc_Busy {
+  public:
+    explicit cc_Busy(cc_TabletTop* top) : top_(top)
+    {
+      if (top_)
+        ++top_->busy_;
+    }
+    ~cc_Busy() noexcept(false)
+    {
+      if (top_ && --top_->busy_ == 0 && top_->deferred_)
+        top_->runDeferred_();
+    }
+    cc_Busy(cc_Busy const&) = delete;
+    cc_Busy& operator=(cc_Busy const&) = delete;
+
+  private:
+    cc_TabletTop* top_;
+  };
+
+  // The pen of the overloads that take a colour.
+  ccGraphicProps& pen(ccColor const&);
+
+private:
+  // One entry of what is owed: repaint area from the bottom if from is null, else from that tablet on, or from what lies
+  // in front of it.
+  struct cs_Mark {
+    ccUIRect area;
+    ccUITablet* from = nullptr;
+    bool above = false;
+    bool mixed = false;  // it stands for another entry, too, that began outside the subtree of from
+  };
+  struct cs_Window {
+    std::unique_ptr<ccUIScope> scope;
+    ccUIRect rect;
+    std::uint64_t used = 0;
+  };
+  struct cs_Layer {
+    ccUIScope* scope = nullptr;
+    bool owned = false;
+    ccUIRect scopeRect;
+    ccFlagStack locks;
+    std::vector<cs_Window> windows;
+    std::vector<cs_Mark> pending;
+    std::vector<cs_Mark> taken;  // being worked off, or held back by a full drawing
+    bool drawn = false;
+    long optimized = 0;
+    long drags = 0;
+    bool animating = false;
+    bool fresh = false;
+  };
+  struct cs_Pass {
+    cc_Watch* tablet;
+    Layers layer;
+    ccUIRect area;
+    cs_Pass* outer;
+  };
+  // Takes a pass off again, and gives the tablet its state back, however redraw_ ends.
+  class cc_PassScope;
+  // The screen lock of the layers of an operation.
+  class cc_Locked;
+  struct cs_Open {
+    cc_RectList rects[2];
+  };
+
+  static bool startsAtOrBehind(cs_Mark const&, cs_Mark const&);
+  void addMark_(int layer, cs_Mark const&);
+  void release_(int layer);
+  void runDeferred_();
+  ccUITablet* frontmostSolid_(int layer, ccUIRect const& area);
+  static ccUITablet* start_(ccUITablet*);
+  bool paint_(ccUITablet&, Layers, ccUIRect const& area, bool wiped);
+  void commitCovered_(ccUITablet&, int layer, cc_RectList const& open, ccUIRect const& whole);
+  void walk_(ccUITablet* from, ccUITablet const* limit, ccUIRect const& area, Layers, bool wiped);
+  void front_(ccUITablet&, Layers, bool skipKids);
+  void repaint_(ccUIRect area, int layer);
+  void wipe_(ccUIRect const& area, int layer);
+  void workOff_(int layer);
+  bool meetsLeftOut_(ccUITablet&, int layer, ccUIRect const& area) const;
+  void settle_(ccUITablet&, int layer);
+
+  ccUITablet& owner_;
+  cs_Layer layers_[2];
+  cs_Pass* pass_ = nullptr;
+  std::vector<std::unique_ptr<cs_Open>> open_;  // by depth of passes
+  std::size_t passDepth_ = 0;
+  std::uint64_t version_ = 1;
+  std::uint64_t windowUse_ = 0;
+  std::uint64_t dragEpoch_ = 1;
+  long busy_ = 0;
+  bool deferred_ = false;
+  ccGraphicProps pen_;
+};

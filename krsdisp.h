@@ -1,0 +1,14 @@
+// krsdisp: everything an application needs, in one header.
+#pragma once
+
+#include "acquisition/all.h"
+#include "backend/win32/win32_display.h"
+#include "backend/win32/win32_root.h"
+#include "canvas/all.h"
+#include "foundation/all.h"
+#include "geometry/all.h"
+#include "platform/app.h"
+#include "platform/window.h"
+#include "ui/core/all.h"
+#include "ui/display/display.h"
+#include "ui/display/image_format.h"

@@ -1,0 +1,46 @@
+// Glyphs of fonts, kept by face, height and character. Characters are Latin-1. Any thread.
+#pragma once
+
+#include "platform/paint.h"
+
+#include <array>
+#include <atomic>
+#include <memory>
+#include <vector>
+
+namespace plat::portable {
+
+// Offsets from the pen's place on the base line, y downward.
+struct Glyph {
+  struct Run {
+    i32 x, y, count;
+  };
+  i32 advance = 0;
+  Rect ink;
+  std::vector<Run> runs;     // one-bit form
+  std::vector<u8> coverage;  // grey form: 0 to 255 for each pel of the ink, row by row
+};
+
+class FontFace {
+public:
+  virtual ~FontFace() = default;
+  i32 ascent() const { return ascent_; }
+  i32 descent() const { return descent_; }  // the line's height is the sum
+  // Stays where it is as long as the face. The advance is that of the one-bit form in both forms.
+  Glyph const& glyph(u8 character, bool grey)
+  {
+    Glyph const* const known = glyphs_[grey ? 1 : 0][character].load(std::memory_order_acquire);
+    return known ? *known : load(character, grey);
+  }
+
+protected:
+  virtual Glyph const& load(u8 character, bool grey) = 0;
+
+  i32 ascent_ = 0, descent_ = 0;
+  std::array<std::atomic<Glyph const*>, 256> glyphs_[2] = {};  // each set once, owned by the face
+};
+
+// The face of a font; of the same font, the same face.
+std::shared_ptr<FontFace> fontFace(FontDesc const&);
+
+}  // namespace plat::portable

@@ -1,0 +1,95 @@
+#include "platform/portable/graphics_objects.h"
+
+#include "platform/portable/handle_table.h"
+#include "platform/portable/pel_format.h"
+#include "platform/portable/screen.h"
+
+#include <mutex>
+
+namespace plat::portable {
+
+namespace {
+
+class MemGraphicsObjects final : public GraphicsObjects {
+public:
+  HPALETTE createPalette(std::span<PaletteEntry const> entries) override
+  {
+    if (entries.empty() || entries.size() > 256)
+      return nullptr;
+    std::lock_guard const guard(mutex_);
+    return palettes_.add({entries.begin(), entries.end()});
+  }
+
+  void deletePalette(HPALETTE handle) override
+  {
+    std::lock_guard const guard(mutex_);
+    palettes_.remove(handle);
+  }
+
+  std::vector<PaletteEntry> entries(HPALETTE handle) override
+  {
+    std::lock_guard const guard(mutex_);
+    auto const* const found = palettes_.find(handle);
+    return found ? *found : std::vector<PaletteEntry>();
+  }
+
+  unsigned nearest(HPALETTE handle, COLORREF color) override
+  {
+    std::lock_guard const guard(mutex_);
+    auto const* const found = palettes_.find(handle);
+    return found ? nearestEntry(*found, rgbOf(color)) : 0;
+  }
+
+  std::vector<PaletteEntry> systemEntries() override
+  {
+    auto const screen = screenPalette();
+    return {screen.begin(), screen.end()};
+  }
+
+  // The lock is gone before the screen is told.
+  unsigned realize(HWND window, HPALETTE handle) override
+  {
+    std::vector<PaletteEntry> const wanted = entries(handle);
+    return wanted.empty() ? 0 : writeScreenPalette(window, wanted);
+  }
+
+  HFONT createFont(FontDesc const& desc) override
+  {
+    std::lock_guard const guard(mutex_);
+    return fonts_.add(desc);
+  }
+
+  void deleteFont(HFONT handle) override
+  {
+    std::lock_guard const guard(mutex_);
+    fonts_.remove(handle);
+  }
+
+  bool font(HFONT handle, FontDesc& out)
+  {
+    std::lock_guard const guard(mutex_);
+    FontDesc const* const found = fonts_.find(handle);
+    if (found)
+      out = *found;
+    return found != nullptr;
+  }
+
+private:
+  std::mutex mutex_;
+  HandleTable<HPALETTE, std::vector<PaletteEntry>> palettes_;
+  HandleTable<HFONT, FontDesc> fonts_;
+};
+
+MemGraphicsObjects& objects()
+{
+  static MemGraphicsObjects* const one = new MemGraphicsObjects;  // objects of static lifetime may use it later
+  return *one;
+}
+
+}  // namespace
+
+GraphicsObjects& graphicsObjects() { return objects(); }
+
+bool fontOf(HFONT handle, FontDesc& out) { return objects().font(handle, out); }
+
+}  // namespace plat::portable

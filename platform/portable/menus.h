@@ -1,0 +1,61 @@
+// Menus by handle, tracked popups, and message boxes. Popups and boxes are windows of the core, in front of all others
+// of their top-level window.
+#pragma once
+
+#include "platform/portable/handle_table.h"
+#include "platform/window.h"
+
+#include <deque>
+#include <mutex>
+
+namespace plat::portable {
+
+struct MenuItem {
+  unsigned id = 0;  // 0 without popup: a line
+  std::string text;
+  bool enabled = true, checked = false, radio = false;
+  HMENU popup = {};
+};
+
+struct Menu {
+  std::vector<MenuItem> items;
+};
+
+class Menus final : public MenuSystem {
+public:
+  HMENU load(int id) override;
+  void destroy(HMENU) override;
+  HMENU sub(HMENU, int index) override;
+  HMENU system(HWND) override;
+  int count(HMENU) override;
+  unsigned itemId(HMENU, int index) override;
+  void enable(HMENU, unsigned id, bool) override;
+  void check(HMENU, unsigned id, bool) override;
+  void radio(HMENU, unsigned first, unsigned last, unsigned id) override;
+  void track(HMENU, Point screen, HWND owner) override;
+  int messageBox(HWND owner, std::string const& text, std::string const& caption, unsigned flags) override;
+
+  std::vector<MenuItem> items(HMENU);    // a copy; empty for a stale handle
+  bool enabled(HMENU, unsigned itemId);  // false for an item that does not exist
+
+  void answerBox(int result, std::function<void()> meanwhile);
+  void answerMenu(unsigned id);
+
+private:
+  struct Answer {
+    int result = 0;
+    std::function<void()> meanwhile;
+  };
+
+  HMENU build(std::vector<MenuEntry> const&);
+  void change(HMENU, unsigned first, unsigned last, std::function<void(MenuItem&)> const&);
+
+  std::mutex mutex_;
+  HandleTable<HMENU, Menu> menus_;
+  std::deque<Answer> boxAnswers_;
+  std::deque<unsigned> menuAnswers_;
+};
+
+Menus& menus();
+
+}  // namespace plat::portable

@@ -1,0 +1,44 @@
+#include "platform/portable/null_video.h"
+
+#include "platform/portable/region.h"
+
+#include <algorithm>
+#include <chrono>
+
+namespace plat::portable {
+
+void NullVideoWindow::send(std::span<Rect const> rects)
+{
+  ++sends_;
+  lastBounds_ = rects.empty() ? Rect{} : rects.front();
+  for (Rect const& r : rects)
+    lastBounds_ = {std::min(lastBounds_.left, r.left), std::min(lastBounds_.top, r.top),
+                   std::max(lastBounds_.right, r.right), std::max(lastBounds_.bottom, r.bottom)};
+}
+
+Ptr<VideoWindow> NullVideo::createWindow(HWND, std::string const&, Rect const&, u32)
+{
+  return std::make_unique<NullVideoWindow>();
+}
+
+void NullVideo::wait(int milliseconds)
+{
+  std::unique_lock<std::mutex> lock(mutex_);
+  auto const woken = [this] { return awake_; };
+  if (milliseconds < 0)
+    woken_.wait(lock, woken);
+  else
+    woken_.wait_for(lock, std::chrono::milliseconds(milliseconds), woken);
+  awake_ = false;
+}
+
+void NullVideo::wake()
+{
+  {
+    std::lock_guard<std::mutex> lock(mutex_);
+    awake_ = true;
+  }
+  woken_.notify_one();
+}
+
+}  // namespace plat::portable

@@ -1,0 +1,311 @@
+#include "platform/portable/painter.h"
+
+#include "platform/portable/glyphs.h"
+#include "platform/portable/handle_table.h"
+#include "platform/portable/pel_row.h"
+#include "platform/portable/span_filler.h"
+#include "platform/portable/stroke.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace plat {
+
+namespace portable {
+
+namespace {
+
+using i64 = std::int64_t;
+
+constexpr unsigned boundsReset = 1, boundsAdd = 2, boundsEnable = 4, boundsDisable = 8, boundsSet = 3;
+constexpr Rect everything{-farthestPel, -farthestPel, farthestPel, farthestPel};
+
+struct Handles {
+  std::mutex mutex;
+  HandleTable<HDC, MemPainter*> table;
+};
+
+Handles& handles()
+{
+  static Handles* const one = new Handles;  // surfaces of static lifetime may close later
+  return *one;
+}
+
+i32 nearPel(i64 v) { return static_cast<i32>(std::clamp<i64>(v, -farthestPel, farthestPel)); }
+
+i32 roundedPel(double v)
+{
+  return static_cast<i32>(std::clamp(std::floor(v + 0.5), -1.0 * farthestPel, 1.0 * farthestPel));
+}
+
+}  // namespace
+
+Rect unionOf(Rect const& a, Rect const& b)
+{
+  if (a.empty())
+    return b;
+  if (b.empty())
+    return a;
+  return {std::min(a.left, b.left), std::min(a.top, b.top), std::max(a.right, b.right), std::max(a.bottom, b.bottom)};
+}
+
+MemPainter::MemPainter() = default;
+
+MemPainter::~MemPainter() { close(); }
+
+void MemPainter::clean()
+{
+  viewport_ = origin_ = shift_ = current_ = {};
+  clipOn_ = boundsOn_ = brushOn_ = false;
+  world_ = {};
+  shiftOnly_ = penOn_ = textOpaque_ = true;
+  bounds_ = dirty_ = {};
+  pen_ = {};
+  textColor_ = 0;
+  textBack_ = 0xFFFFFF;
+  font_ = nullptr;
+  face_ = nullptr;
+  for (KnownColor& one : colors_)
+    one.known = false;
+}
+
+HDC MemPainter::openOn(PelBlock const& block, std::shared_ptr<PaletteData const> palette, bool keyed)
+{
+  close();
+  clean();
+  block_ = block;
+  palette_ = std::move(palette);
+  keyed_ = keyed;
+  std::lock_guard const guard(handles().mutex);
+  return handle_ = handles().table.add(this);
+}
+
+HDC MemPainter::openOn(HWND window)
+{
+  close();
+  clean();
+  window_ = window;
+  keyed_ = false;
+  std::lock_guard const guard(handles().mutex);
+  return handle_ = handles().table.add(this);
+}
+
+void MemPainter::close()
+{
+  if (!handle_)
+    return;
+  {
+    std::lock_guard const guard(handles().mutex);
+    handles().table.remove(handle_);
+  }
+  handle_ = nullptr;
+  palette_ = nullptr;
+  if (window_ && !dirty_.empty()) {
+    // The window may have moved meanwhile, so its place is asked for now.
+    Point place;
+    paintVisible(window_, &place,
+                 [](void* context, VisiblePart const& part) { *static_cast<Point*>(context) = part.clientOnScreen; },
+                 Rect{});
+    Rect const screen{nearPel(i64{dirty_.left} + place.x), nearPel(i64{dirty_.top} + place.y),
+                      nearPel(i64{dirty_.right} + place.x), nearPel(i64{dirty_.bottom} + place.y)};
+    paintVisible(window_, nullptr, [](void*, VisiblePart const&) {}, screen);
+  }
+  window_ = nullptr;
+}
+
+void MemPainter::viewportOrigin(Point p) { viewport_ = p; }
+
+Point MemPainter::windowOrigin(Point p)
+{
+  Point const former = origin_;
+  origin_ = p;
+  return former;
+}
+
+void MemPainter::clip(Rect const* rect)
+{
+  clipOn_ = rect != nullptr;
+  if (rect)
+    clip_ = intersection(*rect, everything);
+}
+
+bool MemPainter::worldTransform(Xform const* xform)
+{
+  world_ = xform ? *xform : Xform();
+  shiftOnly_ = world_.m11 == 1 && world_.m12 == 0 && world_.m21 == 0 && world_.m22 == 1;
+  shift_ = {roundedPel(world_.dx), roundedPel(world_.dy)};
+  return true;
+}
+
+Point MemPainter::device(Point p) const
+{
+  i64 const dx = i64{viewport_.x} - origin_.x, dy = i64{viewport_.y} - origin_.y;
+  if (shiftOnly_)
+    return {nearPel(p.x + shift_.x + dx), nearPel(p.y + shift_.y + dy)};
+  PointF const f = deviceF(p.x, p.y);
+  return {roundedPel(f.x), roundedPel(f.y)};
+}
+
+PointF MemPainter::deviceF(double x, double y) const
+{
+  return {x * double{world_.m11} + y * double{world_.m21} + double{world_.dx} - origin_.x + viewport_.x,
+          x * double{world_.m12} + y * double{world_.m22} + double{world_.dy} - origin_.y + viewport_.y};
+}
+
+Rect MemPainter::deviceRect(Rect const& r) const
+{
+  Point const a = device({r.left, r.top}), b = device({r.right, r.bottom});
+  return {std::min(a.x, b.x), std::min(a.y, b.y), std::max(a.x, b.x), std::max(a.y, b.y)};
+}
+
+Rect MemPainter::clipBox() const
+{
+  if (window_)
+    return clipOn_ ? clip_ : everything;
+  Rect const all{0, 0, block_.width, block_.height};
+  return clipOn_ ? intersection(clip_, all) : all;
+}
+
+void MemPainter::touch(Rect const& painted)
+{
+  if (!boundsOn_ && !window_)
+    return;
+  Rect const seen = intersection(painted, clipBox());
+  if (seen.empty())
+    return;
+  if (boundsOn_)
+    bounds_ = unionOf(bounds_, seen);
+  if (window_)
+    dirty_ = unionOf(dirty_, seen);
+}
+
+unsigned MemPainter::setBounds(Rect const* rect, unsigned flags)
+{
+  unsigned const former = (boundsOn_ ? boundsEnable : boundsDisable) | (bounds_.empty() ? boundsReset : boundsSet);
+  if (flags & boundsReset)
+    bounds_ = {};
+  if ((flags & boundsAdd) && rect)
+    bounds_ = unionOf(bounds_, deviceRect(*rect));
+  if (flags & boundsEnable)
+    boundsOn_ = true;
+  if (flags & boundsDisable)
+    boundsOn_ = false;
+  return former;
+}
+
+unsigned MemPainter::getBounds(Rect& out, unsigned flags)
+{
+  Rect const cut = bounds_.empty() ? Rect{} : intersection(bounds_, clipBox());
+  unsigned const state = bounds_.empty() ? boundsReset : boundsSet;
+  i64 const x = i64{viewport_.x} - origin_.x + (shiftOnly_ ? shift_.x : 0);
+  i64 const y = i64{viewport_.y} - origin_.y + (shiftOnly_ ? shift_.y : 0);
+  out = cut.empty() ? Rect{}
+                    : Rect{nearPel(cut.left - x), nearPel(cut.top - y), nearPel(cut.right - x), nearPel(cut.bottom - y)};
+  if (flags & boundsReset)
+    bounds_ = {};
+  return state;
+}
+
+void MemPainter::pen(Pen const& pen)
+{
+  pen_ = pen;
+  penOn_ = true;
+}
+
+void MemPainter::noPen() { penOn_ = false; }
+
+void MemPainter::brush(COLORREF color)
+{
+  brush_ = color;
+  brushOn_ = true;
+}
+
+void MemPainter::noBrush() { brushOn_ = false; }
+
+void MemPainter::moveTo(Point p) { current_ = p; }
+
+void MemPainter::textColors(COLORREF text, COLORREF back, bool opaque)
+{
+  textColor_ = text;
+  textBack_ = back;
+  textOpaque_ = opaque;
+}
+
+void MemPainter::font(HFONT font)
+{
+  font_ = font;
+  face_ = nullptr;
+}
+
+// The nearest entry is searched once for a colour while a surface's handle is out.
+u32 MemPainter::pelValueOf(COLORREF color, Part const& part)
+{
+  if (part.block.depth != 8 || window_)
+    return pelOf(color, part.block.depth, part.palette);
+  for (KnownColor const& one : colors_)
+    if (one.known && one.color == color)
+      return one.pel;
+  KnownColor& slot = colors_[nextColor_++ % 4];
+  slot = {color, pelOf(color, 8, part.palette), true};
+  return slot.pel;
+}
+
+void MemPainter::fillRect(Rect const& rect, COLORREF color)
+{
+  if (!shiftOnly_) {
+    points_ = {device({rect.left, rect.top}), device({rect.right, rect.top}), device({rect.right, rect.bottom}),
+               device({rect.left, rect.bottom})};
+    fillFigure(color, FillRule::alternate);
+    return;
+  }
+  Rect const target = deviceRect(rect);
+  touch(target);
+  paint([&](Part const& part) {
+    Rect const shifted{target.left + part.shift.x, target.top + part.shift.y, target.right + part.shift.x,
+                       target.bottom + part.shift.y};
+    fillPels(part.block, intersection(shifted, part.clip), pelValueOf(color, part));
+  });
+}
+
+COLORREF MemPainter::pel(Point p)
+{
+  Point const at = device(p);
+  COLORREF color = 0xFFFFFFFFu;
+  paint([&](Part const& part) {
+    i32 const x = at.x + part.shift.x, y = at.y + part.shift.y;
+    if (x < part.clip.left || x >= part.clip.right || y < part.clip.top || y >= part.clip.bottom)
+      return;
+    withPel(part.block.depth, [&](auto sample) {
+      auto const value = *reinterpret_cast<decltype(sample) const*>(pelAddress(part.block, x, y));
+      color = colorOf(pelValue(value), part.block.depth, part.palette);
+    });
+  });
+  return color;
+}
+
+HDC openWindowDC(HWND window)
+{
+  auto painter = std::make_unique<MemPainter>();
+  HDC const dc = painter->openOn(window);
+  if (dc)
+    static_cast<void>(painter.release());  // lives until closeWindowDC
+  return dc;
+}
+
+void closeWindowDC(HDC dc)
+{
+  auto* const one = dynamic_cast<MemPainter*>(painter(dc));
+  if (one && one->onWindow())
+    delete one;
+}
+
+}  // namespace portable
+
+Painter* painter(HDC dc)
+{
+  std::lock_guard const guard(portable::handles().mutex);
+  portable::MemPainter** const found = portable::handles().table.find(dc);
+  return found ? *found : nullptr;
+}
+
+}  // namespace plat

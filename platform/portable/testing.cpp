@@ -1,0 +1,69 @@
+#include "platform/testing.h"
+
+#include "platform/portable/core.h"
+#include "platform/portable/menus.h"
+
+namespace plat::testing {
+namespace {
+
+constexpr unsigned timerMessage = 275;
+
+portable::Core& core() { return portable::Core::instance(); }
+
+}  // namespace
+
+LResult send(HWND window, unsigned message, WParam wParam, LParam lParam)
+{
+  return core().send(window, message, wParam, lParam);
+}
+
+void mouse(HWND window, unsigned message, Point client, WParam wParam)
+{
+  u32 const at = u32(static_cast<u16>(client.y)) << 16 | static_cast<u16>(client.x);
+  core().send(window, message, wParam, static_cast<LParam>(at));
+}
+
+void fireTimer(HWND window, uptr id) { core().send(window, timerMessage, id, 0); }
+
+void drain() { core().drain(); }
+
+u32 pel(HWND window, Point client) { return core().shownPel(window, client); }
+
+std::vector<u32> shot(HWND window, Size& size) { return core().shownPels(window, size); }
+
+void answerBox(int result, std::function<void()> meanwhile)
+{
+  portable::menus().answerBox(result, std::move(meanwhile));
+}
+
+void answerMenu(unsigned id) { portable::menus().answerMenu(id); }
+
+void pointer(Point screen, unsigned buttons, unsigned mods)
+{
+  core().pointer({}, screen, buttons, mods, 0);
+  core().drain();
+}
+
+void wheel(Point screen, int turn, unsigned mods)
+{
+  core().wheel({}, screen, turn, mods);
+  core().drain();
+}
+
+void key(unsigned virtualKey, bool down, unsigned mods, bool repeat)
+{
+  core().key(virtualKey, down, repeat, mods);
+  core().drain();
+}
+
+void character(u8 value)
+{
+  core().character(value);
+  core().drain();
+}
+
+void advance(unsigned ms) { core().advance(ms); }
+
+void screen(Size size, int depth) { core().changeScreen(size, depth); }
+
+}  // namespace plat::testing

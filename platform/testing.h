@@ -1,0 +1,37 @@
+// Hands and eyes for tests: messages as the system would send them, and the pels as shown. On the windows' thread.
+#pragma once
+
+#include "platform/types.h"
+#ifndef _WIN32
+#include "platform/portable/device_testing.h"  // lose, exclusive, overlays, failNext
+#endif
+
+#include <functional>
+#include <string_view>
+#include <vector>
+
+namespace plat::testing {
+
+LResult send(HWND, unsigned message, WParam, LParam);
+void mouse(HWND, unsigned message, Point client, WParam);
+void fireTimer(HWND, uptr id);
+void drain();                          // pumps until nothing is left to do
+u32 pel(HWND, Point client);           // 0x00RRGGBB as shown; 0 outside
+std::vector<u32> shot(HWND, Size&);    // the client area, row by row
+// The next message box answers with result, after meanwhile has run while the box stands. Answers queue up.
+void answerBox(int result, std::function<void()> meanwhile = {});
+// The next tracked menu chooses id, as far as it has such an item and the item is enabled; 0 dismisses it.
+void answerMenu(unsigned id);
+void debugSink(std::function<void(std::string_view)>);  // empty: none
+
+#ifndef _WIN32
+// Buttons: 1 left, 2 right, 16 middle; mods: 4 Shift, 8 Control, 32 Alt. Goes through hit test, capture and clip.
+void pointer(Point screen, unsigned buttons, unsigned mods);
+void wheel(Point screen, int turn, unsigned mods);  // 120 a notch
+void key(unsigned virtualKey, bool down, unsigned mods, bool repeat = false);
+void character(u8);
+void advance(unsigned ms);        // turns the virtual clock, firing what falls due on the way, in order
+void screen(Size, int depth);     // a change of the display mode
+#endif
+
+}  // namespace plat::testing

@@ -1,0 +1,194 @@
+// Input entries of nodes, and the fan-out of a drag over a multi-selection.
+#include "ui/core/object.h"
+
+#include "foundation/resource.h"
+#include "ui/core/node_walk.h"
+
+namespace {
+
+using Layers = ccUITablet::Layers;
+constexpr Layers bothInOrder[] = {ccUITablet::imageLayer, ccUITablet::overlayLayer};
+
+}  // namespace
+
+void ccUIObject::mouseDown()
+{
+  ccLock lock(rootMutex());
+  mouseDown_();
+}
+
+void ccUIObject::mouseUp()
+{
+  ccLock lock(rootMutex());
+  mouseUp_();
+}
+
+void ccUIObject::mouseEnter()
+{
+  ccLock lock(rootMutex());
+  mouseEnter_();
+}
+
+void ccUIObject::idleMouseEnter()
+{
+  ccLock lock(rootMutex());
+  idleMouseEnter_();
+}
+
+void ccUIObject::mouseLeave()
+{
+  ccLock lock(rootMutex());
+  mouseLeave_();
+}
+
+void ccUIObject::mouseMove(ccPair<long> const& pos)
+{
+  ccLock lock(rootMutex());
+  mouseMove_(pos);
+}
+
+void ccUIObject::click()
+{
+  ccLock lock(rootMutex());
+  click_();
+}
+
+void ccUIObject::dblClick()
+{
+  ccLock lock(rootMutex());
+  dblClick_();
+}
+
+void ccUIObject::keyboard(ccKeyboardEvent const& event)
+{
+  ccLock lock(rootMutex());
+  keyboard_(event);
+}
+
+void ccUIObject::mouseMiddle(ccPair<long> const& pos, ccMouseEvent::Event event, unsigned long keys)
+{
+  mouseMiddle_(pos, event, keys);
+}
+
+void ccUIObject::mouseRight(ccPair<long> const& pos, ccMouseEvent::Event event, unsigned long keys)
+{
+  ccLock lock(rootMutex());
+  if (rightButtonMode_ == rightButtonToObject) {
+    mouseRight_(pos, event, keys);
+    return;
+  }
+  if (rightButtonMode_ != rightButtonSendsBack || event != ccMouseEvent::mousePressed)
+    return;
+  ccUIObject* node = this;
+  while (node && node->dontMove())
+    node = node->parent();
+  if (!node)
+    return;
+  cc_NodeRef const ref(node);
+  node->takeSelection_();
+  if (ref.alive())
+    node->back();
+}
+
+// Members are fixed before the first hook, so that one that ends the selection in its hook strands no other in the drag.
+void ccUIObject::dragMembers_(cc_NodeWalk& walk)
+{
+  ccUIObject* const up = parent();
+  for (ccUIObject* sib = up ? up->backKid() : this; sib; sib = sib->closerSib())
+    if (multiSelected(sib))
+      walk.add(sib);
+}
+
+void ccUIObject::dragStart(ccPair<long> const& position)
+{
+  ccLock lock(rootMutex());
+  ccPair<long> const at = position;
+  cc_NodeRef const self(this);
+  dragging(true);  // first, so that whoever ends the node in a hook finds a drag to end
+  if (ccUITablet* const canvas = tablet())
+    for (Layers layer : bothInOrder)
+      canvas->dragStart(layer);
+  {
+    cc_NodeWalk members;
+    dragMembers_(members);
+    while (ccUIObject* const member = members.next()) {
+      member->dragging(true);
+      member->dragStart_(at);
+    }
+  }
+  if (self.alive())
+    dragAnimate(at, at);
+}
+
+void ccUIObject::dragAnimate(ccPair<long> const& start, ccPair<long> const& end)
+{
+  ccLock lock(rootMutex());
+  ccPair<long> const from = start, to = end;
+  cc_TabletRef const canvas(tablet());
+  cc_ScreenLock const screen(canvas.get());
+  if (ccUITablet* const before = canvas.get())
+    for (Layers layer : bothInOrder) {
+      before->dragErase(layer);
+      before->dragAnimate(true, layer);
+    }
+  if (selected()) {
+    if (multiSelectable()) {
+      cc_NodeWalk members;
+      dragMembers_(members);
+      while (ccUIObject* const member = members.next())
+        member->dragAnimate_(from, to);
+    } else {
+      dragAnimate_(from, to);
+    }
+  }
+  if (ccUITablet* const after = canvas.getOrTop())
+    for (Layers layer : bothInOrder)
+      after->dragAnimate(false, layer);
+}
+
+void ccUIObject::dragStop(ccPair<long> const& start, ccPair<long> const& end)
+{
+  ccLock lock(rootMutex());
+  ccPair<long> const from = start, to = end;
+  cc_TabletRef const canvas(tablet());
+  cc_ScreenLock const screen(canvas.get());
+  if (ccUITablet* const before = canvas.get())
+    for (Layers layer : bothInOrder) {
+      before->dragErase(layer);
+      before->dragStop(layer);
+    }
+  cc_NodeWalk members;
+  dragMembers_(members);
+  while (ccUIObject* const member = members.next()) {
+    member->dragging(false);
+    member->dragStop_(from, to);
+  }
+}
+
+void ccUIObject::mouseDown_() {}
+
+void ccUIObject::mouseUp_() {}
+
+void ccUIObject::mouseEnter_() {}
+
+void ccUIObject::idleMouseEnter_() {}
+
+void ccUIObject::mouseLeave_() {}
+
+void ccUIObject::mouseMove_(ccPair<long> const&) {}
+
+void ccUIObject::click_() {}
+
+void ccUIObject::dblClick_() {}
+
+void ccUIObject::dragStart_(ccPair<long> const&) {}
+
+void ccUIObject::dragStop_(ccPair<long> const&, ccPair<long> const&) {}
+
+void ccUIObject::dragAnimate_(ccPair<long> const&, ccPair<long> const&) {}
+
+void ccUIObject::mouseMiddle_(ccPair<long> const&, ccMouseEvent::Event, unsigned long) {}
+
+void ccUIObject::mouseRight_(ccPair<long> const&, ccMouseEvent::Event, unsigned long) {}
+
+void ccUIObject::keyboard_(ccKeyboardEvent const&) {}

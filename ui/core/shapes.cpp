@@ -1,0 +1,271 @@
+#include "ui/core/shapes.h"
+
+#include "canvas/ui_error.h"
+#include "foundation/resource.h"
+#include "ui/core/event_processor.h"
+#include "ui/core/node_walk.h"
+#include "ui/core/root.h"
+#include "ui/core/shapes_frame.h"
+
+#include <cmath>
+
+namespace {
+
+ccUIRootObject* cf_rootOf(ccUIObject* node)
+{
+  if (!node)
+    return nullptr;
+  ccUIRootObject* const self = node->rootObject(true);
+  return self ? self : node->root();
+}
+
+}  // namespace
+
+ccUIShapes::ccUIShapes(ccUIObject* parentNode)
+{
+  draggable(true);
+  clickable(true);
+  if (parentNode)
+    parent(parentNode);
+}
+
+ccUIShapes::~ccUIShapes()
+{
+  beginDestruction();
+  leaveGesture();
+  parent(nullptr);
+  releaseKids_(*this);
+}
+
+// The autoDelete ones die, the others lose their parent.
+void ccUIShapes::releaseKids_(ccUIObject& parent)
+{
+  cc_NodeWalk walk;
+  walk.addKidsFrontToBack(parent);
+  while (ccUIObject* const kid = walk.next()) {
+    if (kid->parent() != &parent)
+      continue;
+    if (kid->autoDelete()) {
+      delete kid;
+      continue;
+    }
+    ccUIShapes* const shape = kid->shapes(true);
+    shape->unlink_();
+    shape->newRoot(nullptr, /*recurse=*/true);
+  }
+}
+
+ccUIObject* ccUIShapes::closerSib() const
+{
+  if (!siblings_)
+    return nullptr;
+  auto const next = std::next(sibPos_);
+  return next == siblings_->end() ? nullptr : *next;
+}
+
+ccUIObject* ccUIShapes::fartherSib() const
+{
+  return siblings_ && sibPos_ != siblings_->begin() ? *std::prev(sibPos_) : nullptr;
+}
+
+ccUIObject* ccUIShapes::frontKid() const { return kids_.empty() ? nullptr : kids_.back(); }
+
+ccUIObject* ccUIShapes::backKid() const { return kids_.empty() ? nullptr : kids_.front(); }
+
+long ccUIShapes::numKids() const { return static_cast<long>(kids_.size()); }
+
+ccUITablet* ccUIShapes::tablet() const { return parent_ ? parent_->tablet() : nullptr; }
+
+std::list<ccUIShapes*>* ccUIShapes::listOf_(ccUIObject* node)
+{
+  if (ccUIShapes* const shape = node->shapes(true))
+    return &shape->kids_;
+  ccUIShapesFrame* const frame = node->shapesFrame(false);
+  return frame ? &frame->shapes_ : nullptr;
+}
+
+void ccUIShapes::unlink_()
+{
+  if (siblings_)
+    siblings_->erase(sibPos_);
+  siblings_ = nullptr;
+  parent_ = nullptr;
+}
+
+void ccUIShapes::parent(ccUIObject* above)
+{
+  for (ccUIObject const* node = above; node; node = node->parent())
+    if (node == this)  // nor below itself
+      throw ccUIError::BadParams();
+  if (above && !listOf_(above))
+    throw ccUIError::BadParams();
+
+  // A root's mutex comes before the orphans' one, and the former root's before the new one's.
+  ccLock outer(root_ || !above ? rootMutex() : above->rootMutex());
+  ccLock lock(rootMutex());
+  cc_NodeRef const self(this), target(above);
+  bool const wanted = condVisible();
+  ccUIRootObject* const former = root_;
+  if (parent_) {
+    if (former && former != cf_rootOf(above))
+      leaveGesture();
+    condVisible(false);
+    if (!self.alive())
+      return;
+    unlink_();
+  }
+  if (!target.alive())
+    above = nullptr;
+  ccLock aboveLock(above ? above->rootMutex() : rootMutex());
+  parent_ = above;
+  newRoot(cf_rootOf(above), /*recurse=*/true);
+  if (above) {
+    siblings_ = listOf_(above);
+    sibPos_ = siblings_->insert(siblings_->end(), this);
+  } else {
+    drawnRects_[0] = drawnRects_[1] = ccUIRect::null;
+  }
+  cc_NodeRef const settled(this);
+  if (wanted)
+    condVisible(true);
+  if (former && settled.alive() && former != root_ && former->eventProcessor())
+    former->eventProcessor()->invalidateObject(this);
+}
+
+ccUIObject* ccUIShapes::whoIsTouched(ccPair<long> const& pos)
+{
+  ccLock lock(rootMutex());
+  ccUITablet const* const canvas = tablet();
+  return canvas ? whoIsTouched(canvas->tabletCoords(pos), canvas->hitScale(), enabled()) : nullptr;
+}
+
+ccUIObject* ccUIShapes::whoIsTouched(ccVector<2> const& v, double scale, bool parentEnabled)
+{
+  if (!parentEnabled || !condVisAndEnab())
+    return nullptr;
+  for (auto kid = kids_.rbegin(); kid != kids_.rend(); ++kid)
+    if (ccUIObject* const touched = (*kid)->whoIsTouched(v, scale, true))
+      return touched;
+  return isTouched(v, scale) ? this : nullptr;
+}
+
+bool ccUIShapes::isTouched(ccVector<2> const&, double) { return false; }
+
+void ccUIShapes::show(bool) { update(/*withKids=*/false, /*erase=*/false, nullptr, cc_TabletEnums::bothLayers); }
+
+void ccUIShapes::hide(bool)
+{
+  ccLock lock(rootMutex());
+  ccUIObject* holder = parent_;
+  while (holder && holder->shapes(true))
+    holder = holder->parent();
+  ccUITablet* const canvas = holder ? holder->tablet() : nullptr;
+  if (!canvas)
+    return;
+  // On a hidden frame only what shows through must go.
+  if (holder->visible() || !canvas->opaque(ccUITablet::imageLayer) || !canvas->opaque(ccUITablet::overlayLayer))
+    eraseSelf_(*canvas, ccUITablet::bothLayers);
+}
+
+void ccUIShapes::select(States state, bool)
+{
+  if (state != visibleState)
+    update(/*withKids=*/false, /*erase=*/false, nullptr, cc_TabletEnums::bothLayers);
+}
+
+void ccUIShapes::deselect(States state, bool)
+{
+  if (state != visibleState)
+    update(/*withKids=*/false, /*erase=*/false, nullptr, cc_TabletEnums::bothLayers);
+}
+
+ccGraphicProps ccUIShapes::getGraphicProps()
+{
+  ccGraphicProps look = drawnProps_;
+  look.penColor(getColor());
+  return look;
+}
+
+ccColor ccUIShapes::getColor() { return selected() ? selectColor() : props_.penColor(); }
+
+void ccUIShapes::draw_(ccUITablet&, ccColor const&, DrawMode) {}
+
+void ccUIShapes::move_(ccVector<2> const&) {}
+
+void ccUIShapes::redim_() {}
+
+ccVector<2> ccUIShapes::pos()
+{
+  ccLock lock(rootMutex());
+  return pos_();
+}
+
+void ccUIShapes::pos(ccVector<2> const& to)
+{
+  ccLock lock(rootMutex());
+  ccVector<2> const v = to;
+  if (v == pos_())
+    return;
+  cc_NodeRef const self(this);
+  move_(v);
+  if (self.alive())
+    pos_(v);
+  if (self.alive())
+    redim_();
+  if (self.alive())
+    update(/*withKids=*/true, /*erase=*/true, nullptr, cc_TabletEnums::bothLayers);
+}
+
+ccVector<2> ccUIShapes::absPos()
+{
+  ccLock lock(rootMutex());
+  ccUIShapes* const above = parent_ ? parent_->shapes(true) : nullptr;
+  return above ? above->absPos() + pos_() : pos_();
+}
+
+void ccUIShapes::move(ccVector<2> const& by)
+{
+  ccLock lock(rootMutex());
+  pos(pos_() + by);
+}
+
+ccVector<2> ccUIShapes::mapMove(ccPair<long> const& delta) const
+{
+  ccUITablet const* const canvas = tablet();
+  if (!canvas)
+    return ccVector<2>();
+  double const det = canvas->screenMap_.matrix().determinant();
+  if (!std::isfinite(det) || det == 0)
+    return ccVector<2>();  // nothing moves on a singular map
+  return canvas->screenMap_.inverse().mapVector(ccVector<2>(delta));
+}
+
+void ccUIShapes::mouseEnter_()
+{
+  if (root_)
+    root_->cursor(ccUIRootObject::handCursor);
+}
+
+void ccUIShapes::idleMouseEnter_() { mouseEnter_(); }
+
+void ccUIShapes::mouseLeave_()
+{
+  if (root_ && root_->cursor() == ccUIRootObject::handCursor)
+    root_->cursor(ccUIRootObject::arrowCursor);
+}
+
+void ccUIShapes::dragAnimate_(ccPair<long> const& from, ccPair<long> const& to)
+{
+  ccUITablet* const canvas = tablet();
+  if (!canvas)
+    return;
+  canvas->dragDel(to - from);
+  draw_(*canvas, dragColor(), drawDrag);
+}
+
+void ccUIShapes::dragStop_(ccPair<long> const& from, ccPair<long> const& to)
+{
+  if (ccUITablet* const canvas = tablet())
+    canvas->dragDel(ccPair<long>(0, 0));
+  pos(pos_() + mapMove(to - from));
+}
