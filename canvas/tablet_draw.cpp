@@ -28,8 +28,8 @@ ccUIRect cf_scaledBox(ccPair<long> const& at, long w, long h, ccPair<double> con
 
 // ---- What a drawing call owes
 
-cc_Pieces::cc_Pieces(ccUITablet& t, int layer, ccUIRect const& box)
-    : top_(t.top_()), busy_(top_), layer_(layer), box_(box)
+cc_Pieces::cc_Pieces(ccUITablet& t, int layer, ccUIRect const& box, Box kind)
+    : top_(t.top_()), busy_(top_), layer_(layer), holds_(kind == Box::holds), box_(box)
 {
   if (!top_)
     return;
@@ -48,8 +48,8 @@ cc_Pieces::cc_Pieces(ccUITablet& t, int layer, ccUIRect const& box)
   if (!top_->isUsed(layer))
     return;
   bool const asGhost = !inPass && top_->isAnimating(layer);
-  ce_RegionKind const kind = inPass ? ce_RegionKind::pass : asGhost ? ce_RegionKind::ghost : ce_RegionKind::direct;
-  cs_Region const& region = top_->region(t, layer, kind);
+  ce_RegionKind const regionKind = inPass ? ce_RegionKind::pass : asGhost ? ce_RegionKind::ghost : ce_RegionKind::direct;
+  cs_Region const& region = top_->region(t, layer, regionKind);
   drawn &= own.clip;
   if (!region.shown || drawn.isNull())
     return;

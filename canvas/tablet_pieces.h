@@ -7,17 +7,26 @@
 #pragma once
 
 #include "canvas/tablet_top.h"
+#include "foundation/vector.h"
+
+#include <cstddef>
+
+// How far a pen of so many pels may reach past its path.
+long cf_penMargin(ccGraphicProps const&);
+// The pels that a path through these points, in top pels, may touch.
+ccUIRect cf_penBox(ccPoint const* points, std::size_t count, long margin);
 
 class cc_Pieces {
 public:
-  cc_Pieces(ccUITablet&, int layer, ccUIRect const& box);
+  enum class Box { holds, cutsShort };  // the primitive may reach past the box
+  cc_Pieces(ccUITablet&, int layer, ccUIRect const& box, Box = Box::holds);
 
   // A scope that cuts at the next piece; null at the end.
   ccUIScope* next()
   {
     while (step_()) {
       // A box inside its piece needs no cut, so the surface's open drawing phase goes on.
-      ccUIScope* const scope = part_ == box_ ? top_->scope(layer_) : top_->window(layer_, piece_);
+      ccUIScope* const scope = holds_ && part_ == box_ ? top_->scope(layer_) : top_->window(layer_, piece_);
       if (scope)
         return scope;
     }
@@ -46,6 +55,7 @@ private:
   cc_TabletTop::cc_Busy busy_;
   cs_Region const* region_ = nullptr;  // null: nothing to draw
   int layer_;
+  bool holds_;
   std::size_t at_ = 0;
   ccUIRect box_;
   ccUIRect limits_;

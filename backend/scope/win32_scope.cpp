@@ -109,7 +109,7 @@ void ccWin32UIScope::releaseDevice_()
     static_cast<void>(ddraw_.release());
   deviceGone_ = incomplete_ = false;
   cachedRoot_ = 0;
-  cachedHandle_ = 0;
+  cachedHandle_ = nullptr;
 }
 
 // The pel value test is as it stands: it asks for system memory, not for a palette mode.

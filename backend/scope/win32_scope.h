@@ -190,7 +190,7 @@ public:
 
   void set(ccUIRect const&, ccColor const&) override;
   void set(ccColor const&) override;
-  void fill(ccPoint const&, ccColor const& fill, ccColor const& border, bool surface) override;
+  void fill(ccPoint const&, ccColor const& fill, ccColor const& border, bool toBorder) override;
   void drawTo(ccPoint const&, ccGraphicProps const&) override;
   void drawToRel(long dx, long dy, ccGraphicProps const&) override;
   bool isNull() const override;
@@ -217,7 +217,14 @@ private:
     kChroma = 1, kYuvWanted = 2, kOverlay = 4, kOverlayUYVY = 8, kOverlayYUY2 = 16, kOverlayUnusable = 32,
   };
   struct cs_Clip;   // what of an image lies inside the scope
-  struct cs_Scale;  // the parameters of one expand or sample
+  struct cs_Scale;  // where a scaled image goes
+  struct cs_ColumnIndex {
+    double scale = 0;
+    std::int64_t first = 0;
+    long count = 0;
+    long sourceWidth = 0;
+    std::vector<std::int32_t> columns;
+  };
 
   // The display's part, defined with it. The scope of a display that holds a surface locked or its device context.
   static ccWin32UIScope* displayActiveLockedScope_(ccWin32Display*);
@@ -277,33 +284,44 @@ private:
   bool attachScreen_();
   plat::Painter* painter_();
 
-  // Pels.
+  // Pels. T is the source pel; key is a pel of that type.
   template <class T> cs_Clip clip_(ccPair<long> size, ccPair<long> pos) const;
-  template <class T> void drawFamily_(ccPelBuffer_const<T> const&, ccPoint const&, bool transparent, std::uint32_t key,
-                                      bool mapped);
-  template <class T> void writePels_(ccPelBuffer_const<T> const&, ccPair<long> pos, bool transparent, std::uint32_t key,
-                                     bool mapped);
-  template <class T> bool writeClipped_(ccPelBuffer_const<T> const&, cs_Clip const&, bool transparent, std::uint32_t key,
-                                        bool mapped);
+  template <class T>
+  void drawFamily_(ccPelBuffer_const<T> const&, ccPoint const&, bool transparent, T key, bool mapped);
+  template <class T>
+  void writePels_(ccPelBuffer_const<T> const&, ccPair<long> pos, bool transparent, T key, bool mapped);
+  template <class T, class Write> void writePhase_(cs_Clip const&, Write&&);
+  template <class T, class Body> void withLookup_(bool raw, bool mapped, Body&&);
   template <class T> ccDirectDrawSurface* cacheImage_(ccPelBuffer_const<T>&, bool mapped);
-  template <class T> bool blitCache_(ccDirectDrawSurface&, cs_Clip const&, bool transparent, std::uint32_t key);
-  template <class T> void expandFamily_(ccPelBuffer_const<T> const&, ccPoint const&, ccPair<double> const& scale,
-                                        bool transparent, std::uint32_t key, bool mapped, InterpolationModes);
-  template <class T> void sampleFamily_(ccPelBuffer_const<T> const&, ccPoint const&, ccPair<double> const& scale,
-                                        bool transparent, std::uint32_t key, bool mapped);
-  template <class T> void scaleToSurface_(cs_Scale const&, ccPelBuffer_const<T> const&, bool transparent,
-                                          std::uint32_t key, bool mapped);
+  bool blitCache_(ccDirectDrawSurface&, cs_Clip const&, bool transparent, std::uint32_t key);
+  template <class T>
+  void expandFamily_(ccPelBuffer_const<T> const&, ccPoint const&, ccPair<double> const& scale, bool transparent, T key,
+                     bool mapped, InterpolationModes);
+  template <class T>
+  void sampleFamily_(ccPelBuffer_const<T> const&, ccPoint const&, ccPair<double> const& scale, bool transparent, T key,
+                     bool mapped);
+  template <class T>
+  void drawScaled_(ccPelBuffer_const<T> const&, cs_Scale const&, bool transparent, T key, bool mapped,
+                   InterpolationModes);
+  template <class T>
+  void drawScaledCache_(ccDirectDrawSurface&, cs_Scale const&, bool transparent, T key, bool mapped, InterpolationModes);
+  template <class T> bool canFuse_(InterpolationModes, double scale) const;
+  std::int32_t const* columns_(double scale, std::int64_t first, long count, long sourceWidth);
   template <class T> void displayedImage_(ccPelBuffer<T>&, cs_GetDisplayedImageInfo*, cc_TabletEnums::Layers);
   cc_CacheMap& pelTable_();
   ccUIRect clipToDisplay_(ccUIRect const& rootRect) const;
 
-  // Colours, points, runs.
+  // Lines and text.
+  void paintLine_(plat::Painter&, ccPair<long> const& from, ccPair<long> const& to, ccGraphicProps const&);
+  HFONT font_(long id) const;
+
+  // Colours, fills, runs.
   std::uint32_t pelOf_(ccColor const&) const;
+  std::uint32_t fillPelOf_(ccColor const&) const;
   COLORREF bgrColor_(ccColor const&) const;
   unsigned char paletteIndex_(ccColor const&) const;
-  ccColor resolved_(ccColor const&, bool indexed) const;
-  void colorFill_(ccUIRect rect, std::uint32_t value);
-  void writeRuns_(ccRLEBuffer const&, ccPair<long> pos, std::vector<unsigned char> const& map, bool transparent,
+  void colorFill_(ccUIRect const& rect, std::uint32_t value);
+  void writeRuns_(ccRLEBuffer const&, cs_Clip const&, std::vector<unsigned char> const& map, bool transparent,
                   unsigned char key);
 
   // Fields of every scope.
@@ -353,12 +371,11 @@ private:
   ccUIRect eraseFailed_;  // what an erase of this drag could not bring back
   ccFlagStack screenLock_;
   std::uint32_t cachedRoot_ = 0;    // identity of the image in the cache surface
-  std::uintptr_t cachedHandle_ = 0;
+  void const* cachedHandle_ = nullptr;
   ccPair<long> cachedSize_;
   cc_CacheMap colorCacheMap_;       // overlay graphics, and 8-bit screens
   cc_CacheMap imageCacheMap_;
-  std::vector<std::int32_t> columns_;      // scratch of scaling: source column of each target column
-  std::vector<unsigned char> rowScratch_;
+  cs_ColumnIndex columnIndex_;  // of the last scaled image: the source column of each target column
   void (*redraw_)(void*) = nullptr;
   void* redrawArgument_ = nullptr;
   std::unique_ptr<ccImageConverter> converter_;  // null on an overlay plane

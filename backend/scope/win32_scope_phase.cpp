@@ -490,7 +490,7 @@ bool ccWin32UIScope::restoreLostSurfaces_()
     if (dragActive_)
       static_cast<void>(backup_.recreate());
     cachedRoot_ = 0;
-    cachedHandle_ = 0;
+    cachedHandle_ = nullptr;
     if (cache_.created())
       static_cast<void>(cache_.release());
     if (surfacesLost_())

@@ -39,14 +39,13 @@ template <class Visit> void walkQuarter(i32 diameterX, i32 diameterY, Visit&& vi
       x -= 2;
     } else if (x == leastX) {
       y += 2;
-    } else if (bb * (x - 1) > aa * (y + 1)) {
-      y += 2;
-      if (bb * (x - 1) * (x - 1) + aa * y * y > aabb)
-        x -= 2;
     } else {
-      x -= 2;
-      if (bb * x * x + aa * (y + 1) * (y + 1) <= aabb)
-        y += 2;
+      // Left when the middle between here and there, one row on, lies outside; up when the middle one column on lies
+      // inside. One of them always holds.
+      bool const goesLeft = bb * (x - 1) * (x - 1) + aa * (y + 2) * (y + 2) > aabb;
+      bool const goesUp = bb * (x - 2) * (x - 2) + aa * (y + 1) * (y + 1) <= aabb;
+      x -= goesLeft ? 2 : 0;
+      y += goesUp ? 2 : 0;
     }
   }
 }

@@ -170,6 +170,9 @@ Glyph FreeTypeFace::make(u8 character, bool grey)
     takeCoverage(glyph, bitmap);
   else
     takeRuns(glyph, bitmap);
+  // A blank comes as one empty pel.
+  if (std::all_of(glyph.coverage.begin(), glyph.coverage.end(), [](u8 a) { return a == 0; }) && glyph.runs.empty())
+    glyph.ink = {};
   return glyph;
 }
 

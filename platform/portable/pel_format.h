@@ -28,9 +28,9 @@ template <> inline Pel24 pelFrom<Pel24>(u32 value)
   return {static_cast<u8>(value), static_cast<u8>(value >> 8), static_cast<u8>(value >> 16)};
 }
 
-// Widens 5 or 6 bits so that full stays full.
-inline u32 widen5(u32 v) { return v << 3 | v >> 2; }
-inline u32 widen6(u32 v) { return v << 2 | v >> 4; }
+// Channels widen with low bits zero, as everywhere in the library.
+inline u32 widen5(u32 v) { return v << 3; }
+inline u32 widen6(u32 v) { return v << 2; }
 
 // rgb is 0x00RRGGBB here. Depth 8 goes through a table or a search and has no arithmetic of its own.
 template <int Depth> struct PelFormat;

@@ -5,7 +5,14 @@ using namespace plat;
 namespace {
 
 FakeScreen* current = nullptr;
-PaletteEntry const noPalette[256] = {};
+std::vector<PaletteEntry> greyRamp()
+{
+  std::vector<PaletteEntry> entries;
+  for (unsigned i = 0; i < 256; ++i)
+    entries.push_back({static_cast<u8>(i), static_cast<u8>(i), static_cast<u8>(i), 0});
+  return entries;
+}
+std::vector<PaletteEntry> const withoutScreen = greyRamp();
 
 }  // namespace
 
@@ -20,8 +27,7 @@ FakeScreen::FakeScreen(Size wanted, int wantedDepth, Point onScreen, Point inBac
   pels.assign(static_cast<std::size_t>(backing.pitch) * static_cast<std::size_t>(size.h), 0);
   backing.pels = pels.data();
   visible = {{0, 0, size.w, size.h}};
-  for (unsigned i = 0; i < 256; ++i)
-    palette.push_back({static_cast<u8>(i), static_cast<u8>(i), static_cast<u8>(i), 0});
+  palette = greyRamp();
   current = this;
 }
 
@@ -48,7 +54,7 @@ bool headless() { return current ? current->headless : true; }
 
 std::span<PaletteEntry const, 256> screenPalette()
 {
-  return std::span<PaletteEntry const, 256>(current ? current->palette.data() : noPalette, 256);
+  return std::span<PaletteEntry const, 256>(current ? current->palette.data() : withoutScreen.data(), 256);
 }
 
 unsigned writeScreenPalette(HWND, std::span<PaletteEntry const> entries)
