@@ -518,7 +518,6 @@ public:
   void show(bool, bool) override {}
   void minimize(bool) override {}
   void raise() override {}
-  void title(std::string const&) override {}
   void place(Rect const&) override {}
   portable::PelBlock lend(Size size, int depth) override
   {
