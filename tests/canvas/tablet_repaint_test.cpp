@@ -247,6 +247,7 @@ TEST(TabletMarks, frontStartsAtTheTabletAndBackAtTheBottom)
   tree.top.update(kImage);
   EXPECT_EQ(Rows({"part 4,4 10x10"}), areas(tree.behind));
   EXPECT_EQ(Rows({"part 0,0 6x6"}), areas(tree.ahead));
+  EXPECT_TRUE(tree.t.passes.empty());  // a solid tablet hides all of it now
 }
 
 TEST(TabletMarks, mapSetterStartsAtASolidTabletElseAtTheBottom)
@@ -403,16 +404,59 @@ TEST(TabletMarks, dyingTabletsMarksStartAtTheBottom)
   MarkTree tree;
   {
     TestTablet pane(tree.top, {20, 20, 6, 6});
-    pane.face = plainFace(ccColor::yellowColor());
-    pane.redraw(kImage);
+    TestTablet kid(pane, {0, 0, 6, 6});
+    TestTablet other(tree.top, {0, 0, 1, 1});
+    kid.face = plainFace(ccColor::yellowColor());
+    kid.redraw(kImage);
     tree.flushAll();
     ASSERT_EQ(Rows({"yyyyyy"}), tree.imagePicture({20, 23, 6, 1}));
-    pane.visible(false);
-    pane.visible(true);
+    kid.baseMap(ccXform<2>::I);  // names the kid
+    pane.front();                // names the pane
   }
   tree.top.update(kImage);
 
   EXPECT_EQ(Rows({"rrrr.."}), tree.imagePicture({20, 23, 6, 1}));
+}
+
+TEST(TabletMarks, markOfATabletHiddenOrDisabledSinceIsSkipped)
+{
+  MarkTree tree;
+  TestTablet kid(tree.t, {0, 0, 5, 5});
+  kid.front();
+  kid.visible(false);
+  kid.visible(true);
+  tree.t.drawEnabled_.push(false);
+  tree.top.update(kImage);
+  EXPECT_TRUE(kid.passes.empty());
+  EXPECT_TRUE(tree.t.passes.empty());
+  EXPECT_EQ(1u, tree.ahead.passes.size());  // but what lies in front returns
+}
+
+TEST(TabletMarks, hidingForgetsThePels)
+{
+  MarkTree tree;
+  tree.t.visible(false);
+  tree.flushAll();
+  tree.t.face = [](TestTablet&) {};
+  tree.t.visible(true);
+  tree.flushAll();
+
+  tree.t.visible(false);
+
+  EXPECT_FALSE(tree.top.anyChanged(kImage));
+}
+
+TEST(TabletMarks, repaintFromTheBottomForgetsFormerPels)
+{
+  MarkTree tree;
+  tree.t.face = spotFace({7, 7, 2, 1}, ccColor::greenColor());
+  tree.top.update(ccUIRect::inf, kImage, true);
+  tree.flushAll();
+
+  tree.t.visible(false);
+  tree.top.update(kImage);
+
+  EXPECT_EQ(Rows({"part 11,11 2x1"}), areas(tree.behind));
 }
 
 // ---- Coverage
@@ -491,6 +535,56 @@ TEST(TabletCoverage, partialPassThatPaintsItsAreaKeepsTheProof)
   tree.top.update(ccUIRect(4, 4, 2, 2), kImage, true);
 
   EXPECT_TRUE(tree.top.passes.empty());
+}
+
+TEST(TabletCoverage, proofLostInARepaintBringsTheGroundBack)
+{
+  TestTree tree;
+  TestTablet kid(tree.top, {2, 2, 6, 4});
+  kid.face = plainFace(ccColor::redColor());
+  kid.redraw(kImage);
+  tree.flush();
+
+  kid.face = spotFace({0, 0, 1, 1}, ccColor::greenColor());
+  tree.top.update(ccUIRect::inf, kImage, true);
+  tree.top.update(kImage);
+
+  EXPECT_EQ(Rows({".g......"}), tree.imagePicture({1, 2, 8, 1}));
+}
+
+TEST(TabletCoverage, proofLostInAFullDrawBringsTheGroundBack)
+{
+  TestTree tree;
+  TestTablet display(tree.top, {0, 0, 12, 8});
+  TestTablet kid(display, {2, 2, 6, 4});
+  display.face = plainFace(ccColor::redColor());
+  kid.face = plainFace(ccColor::greenColor());
+  display.fullDraw(kImage);
+  tree.flush();
+  display.fullDraw(kImage);
+  EXPECT_FALSE(tree.top.passes.size());
+
+  kid.face = spotFace({0, 0, 1, 1}, ccColor::whiteColor());
+  display.fullDraw(kImage);
+  tree.top.update(kImage);
+
+  EXPECT_EQ(Rows({"rrwrrrrr"}), tree.imagePicture({0, 2, 8, 1}));
+}
+
+TEST(TabletCoverage, grownTabletIsUnproven)
+{
+  TestTree tree;
+  TestTablet kid(tree.top, {2, 2, 4, 2});
+  kid.face = spotFace({0, 0, 4, 2}, ccColor::redColor());
+  kid.opaque(kImage, true);
+  kid.redraw(kImage);
+  tree.flush();
+
+  kid.size({8, 2});
+  tree.top.face = plainFace(ccColor::yellowColor());
+  tree.top.redraw(kImage);
+
+  EXPECT_EQ(Rows({"yyrrrryyyyyy"}), tree.imagePicture({0, 2, 12, 1}));
 }
 
 // ---- Regions
@@ -738,6 +832,43 @@ TEST(TabletRepaint, markOfASolidFormSurvivesAFullDrawBehindIt)
   EXPECT_EQ(Rows({"rrrrryyyyy"}), tree.imagePicture({0, 7, 10, 1}));
 }
 
+TEST(TabletRepaint, markFromTheBottomUnderASolidFormSurvivesAFullDrawBehindIt)
+{
+  TestTree tree;
+  TestTablet display(tree.top, {0, 0, 30, 20});
+  TestTablet form(tree.top, {5, 5, 10, 10});
+  display.face = plainFace(ccColor::redColor());
+  form.face = plainFace(ccColor::whiteColor());
+  tree.top.update(ccUIRect::inf, kImage, false);
+  tree.flush();
+
+  form.face = plainFace(ccColor::yellowColor());
+  tree.top.update(ccUIRect(7, 7, 2, 1), kImage, false);
+  tree.top.update(ccUIRect(20, 7, 2, 1), kImage, false);  // done by the full drawing
+  display.fullDraw(kImage);
+  display.passes.clear();
+  tree.top.update(kImage);
+
+  EXPECT_EQ(Rows({"rrrrrwwyyw"}), tree.imagePicture({0, 7, 10, 1}));
+  EXPECT_TRUE(display.passes.empty());
+}
+
+TEST(TabletRepaint, fullDrawOfAnUnsolidTabletWipesItsFormerPelsAtTheNextUpdate)
+{
+  TestTree tree;
+  TestTablet shapes(tree.top, {5, 5, 10, 10});
+  shapes.face = spotFace({0, 0, 5, 1}, ccColor::whiteColor());
+  shapes.fullDraw(kBoth);
+  tree.flush();
+  EXPECT_EQ(Rows({"wwwww."}), tree.imagePicture({5, 5, 6, 1}));
+
+  shapes.face = spotFace({1, 0, 2, 1}, ccColor::redColor());
+  shapes.fullDraw(kBoth);
+  tree.top.update(kBoth);
+
+  EXPECT_EQ(Rows({".rr..."}), tree.imagePicture({5, 5, 6, 1}));
+}
+
 TEST(TabletRepaint, unsolidTabletsInFrontOfAFullDrawReturnAtOnce)
 {
   TestTree tree;
@@ -903,6 +1034,7 @@ TEST(TabletRepaint, formHiddenMovedAndShownIsThereAfterAFullDrawBehindIt)
   form.moveAbs({8, 5});
   form.visible(true);
   display.fullDraw(kImage);
+  EXPECT_EQ(Rows({"rrrrrrrrwwwwwwrr"}), tree.imagePicture({0, 6, 16, 1}));
   tree.top.update(kImage);
 
   EXPECT_EQ(Rows({"rrrrrrrrwwwwwwrr"}), tree.imagePicture({0, 6, 16, 1}));
