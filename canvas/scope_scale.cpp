@@ -68,13 +68,13 @@ template <class T> T blendPel(T a, T b, T c, T d, std::uint32_t wx, std::uint32_
 {
   if constexpr (std::is_same_v<T, ccPackedRGB16Pel> || std::is_same_v<T, ccPackedRGB32Pel>) {
     constexpr int bits[2][3] = {{5, 6, 5}, {8, 8, 8}};
+    std::uint32_t const corners[4] = {a.word(), b.word(), c.word(), d.word()};
     std::uint32_t word = 0;
     int shift = 0;
     for (int const n : bits[std::is_same_v<T, ccPackedRGB32Pel>]) {
       std::uint32_t const mask = (1u << n) - 1;
-      word |= blend(a.word() >> shift & mask, b.word() >> shift & mask, c.word() >> shift & mask, d.word() >> shift & mask,
-                    wx, wy)
-              << shift;
+      auto const channel = [&](int corner) { return corners[corner] >> shift & mask; };
+      word |= blend(channel(0), channel(1), channel(2), channel(3), wx, wy) << shift;
       shift += n;
     }
     return T(static_cast<decltype(T().word())>(word));

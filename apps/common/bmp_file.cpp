@@ -28,7 +28,7 @@ public:
   unsigned char of(std::uint32_t pel) const
   {
     std::uint64_t const value = (pel & mask_) >> shift_;
-    return white_ ? static_cast<unsigned char>((value * 255 + white_ / 2) / white_) : 0;
+    return static_cast<unsigned char>(white_ ? (value * 255 + white_ / 2) / white_ : 0);
   }
 
 private:

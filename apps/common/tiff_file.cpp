@@ -194,7 +194,7 @@ std::uint32_t TiffReader::sampleAt(unsigned char const* row, std::size_t index) 
   }
   std::uint32_t value = 0;
   for (std::size_t bit = index * depth_, end = bit + depth_; bit < end; ++bit)
-    value = value << 1 | (row[bit / 8] >> (7 - bit % 8) & 1u);
+    value = value << 1 | (std::uint32_t{row[bit / 8]} >> (7 - bit % 8) & 1);
   return value;
 }
 

@@ -1,5 +1,6 @@
 #include "platform/portable/backing.h"
 
+#include "platform/portable/blit.h"
 #include "platform/portable/pel_format.h"
 #include "platform/portable/region.h"
 
@@ -9,19 +10,7 @@
 namespace plat::portable {
 namespace {
 
-u8* address(PelBlock const& block, i32 x, i32 y)
-{
-  return block.pels + std::ptrdiff_t(y) * block.pitch + std::ptrdiff_t(x) * bytesPerPel(block.depth);
-}
-
 Rect extent(PelBlock const& block) { return {0, 0, block.width, block.height}; }
-
-template <class Pel> void fillRow(u8* row, i32 count, u32 pel)
-{
-  Pel const value = static_cast<Pel>(pel);
-  for (i32 i = 0; i < count; ++i)
-    std::memcpy(row + std::ptrdiff_t(i) * std::ptrdiff_t(sizeof(Pel)), &value, sizeof(Pel));
-}
 
 }  // namespace
 
@@ -29,7 +18,7 @@ u32 readPel(PelBlock const& block, Point at)
 {
   if (!contains(extent(block), at))
     return 0;
-  u8 const* const from = address(block, at.x, at.y);
+  u8 const* const from = pelAddress(block, at.x, at.y);
   u32 pel = 0;
   for (int i = 0; i < bytesPerPel(block.depth); ++i)
     pel |= u32(from[i]) << (8 * i);
@@ -38,36 +27,16 @@ u32 readPel(PelBlock const& block, Point at)
 
 void fillBlock(PelBlock const& block, Rect const& wanted, u32 pel)
 {
-  Rect const r = intersect(wanted, extent(block));
-  for (i32 y = r.top; y < r.bottom; ++y) {
-    u8* const row = address(block, r.left, y);
-    switch (bytesPerPel(block.depth)) {
-    case 1:
-      std::memset(row, static_cast<int>(pel & 0xff), static_cast<std::size_t>(r.width()));
-      break;
-    case 2:
-      fillRow<u16>(row, r.width(), pel);
-      break;
-    case 3:
-      for (i32 i = 0; i < 3 * r.width(); i += 3) {
-        row[i] = static_cast<u8>(pel);
-        row[i + 1] = static_cast<u8>(pel >> 8);
-        row[i + 2] = static_cast<u8>(pel >> 16);
-      }
-      break;
-    default:
-      fillRow<u32>(row, r.width(), pel);
-    }
-  }
+  fillPels(block, intersect(wanted, extent(block)), pel);
 }
 
-void copyPels(PelBlock const& to, PelBlock const& from)
+void copyBlock(PelBlock const& to, PelBlock const& from)
 {
   i32 const width = std::min(to.width, from.width), height = std::min(to.height, from.height);
   if (to.depth != from.depth || width <= 0)
     return;
   for (i32 y = 0; y < height; ++y)
-    std::memcpy(address(to, 0, y), address(from, 0, y), static_cast<std::size_t>(width * bytesPerPel(to.depth)));
+    std::memcpy(pelAddress(to, 0, y), pelAddress(from, 0, y), static_cast<std::size_t>(width * bytesPerPel(to.depth)));
 }
 
 Backing::Backing(Size size, int depth, PelBlock const& lent, VideoWindow* video) : block_(lent), video_(video)

@@ -13,8 +13,8 @@ namespace plat::portable {
 class VideoWindow;
 
 u32 readPel(PelBlock const&, Point);
-void fillBlock(PelBlock const&, Rect const&, u32 pel);   // cut by the block
-void copyPels(PelBlock const& to, PelBlock const& from);  // the common upper left part, equal depths
+void fillBlock(PelBlock const&, Rect const&, u32 pel);     // cut by the block
+void copyBlock(PelBlock const& to, PelBlock const& from);  // the common upper left part, equal depths
 
 class Backing {
 public:

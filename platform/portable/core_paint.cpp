@@ -64,12 +64,12 @@ void Core::renewBacking(HWND handle)
     if (old->lent()) {
       kept = std::make_shared<Backing>(Size{old->block().width, old->block().height}, old->block().depth, PelBlock{},
                                        nullptr);
-      copyPels(kept->block(), old->block());
+      copyBlock(kept->block(), old->block());
     }
   }
   auto const fresh = std::make_shared<Backing>(size, depth(), video->lend(size, depth()), video);
   if (kept)
-    copyPels(fresh->block(), kept->block());
+    copyBlock(fresh->block(), kept->block());
   fresh->markDirty({0, 0, size.w, size.h});
   {
     Lock lock(mutex_);

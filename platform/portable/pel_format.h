@@ -28,7 +28,6 @@ template <> inline Pel24 pelFrom<Pel24>(u32 value)
   return {static_cast<u8>(value), static_cast<u8>(value >> 8), static_cast<u8>(value >> 16)};
 }
 
-// Widens 5 or 6 bits so that full stays full.
 // Channels widen with low bits zero, as everywhere in the library.
 inline u32 widen5(u32 v) { return v << 3; }
 inline u32 widen6(u32 v) { return v << 2; }

@@ -453,6 +453,34 @@ TEST(PelScale, changingOnlyTheModeRebuildsTheColumns)
   EXPECT_EQ(out.getPel(4, 0), 80);
 }
 
+TEST(PelScale, anotherPlaceWithAsManyColumnsRebuildsThem)
+{
+  ccPelBuffer<unsigned char> image(10, 1);
+  for (long x = 0; x < 10; ++x)
+    image.setPel(x, 0, static_cast<unsigned char>(x));
+  Scaler scope;
+  ccUIRect clip(0, 0, 4, 1);
+  ccPelBuffer<unsigned char> out;
+  scope.pelScale<unsigned char>(image, out, 2, clip, ccPair<long>(0, 0), kNearest);
+  EXPECT_EQ(out.getPel(2, 0), 1);
+  scope.pelScale<unsigned char>(image, out, 2, clip, ccPair<long>(-4, 0), kNearest);
+  EXPECT_EQ(out.getPel(2, 0), 3);
+}
+
+TEST(PelScale, anotherImageWidthWithAsManyColumnsRebuildsThem)
+{
+  ccPelBuffer<unsigned char> narrow(1, 1);
+  ccPelBuffer<unsigned char> wide(2, 1);
+  wide.setPel(1, 0, 80);
+  Scaler scope;
+  ccUIRect clip(0, 0, 4, 1);
+  ccPelBuffer<unsigned char> out;
+  scope.pelScale<unsigned char>(narrow, out, 4, clip, ccPair<long>(0, 0), kBilinear);
+  EXPECT_EQ(out.getPel(3, 0), 0);
+  scope.pelScale<unsigned char>(wide, out, 4, clip, ccPair<long>(0, 0), kBilinear);
+  EXPECT_EQ(out.getPel(3, 0), 30);
+}
+
 TEST(RleScale, agreesWithThePlainRuleInBothAxesApart)
 {
   std::mt19937 random(14);

@@ -131,12 +131,6 @@ TEST_F(MenuTest, thePressThatOpenedTheMenuMayBeDraggedToAnItem)
       menus().track(tools(), {static_cast<i32>(m.lParam & 0xffff), static_cast<i32>(m.lParam >> 16)}, window_);
     return m.number == 516;
   };
-  windows().post(window_, [&] {
-    windows().post(window_, [&] {
-      pointer({100, 100}, right, 0);
-      windows().post(window_, [] {});
-    });
-  });
   auto& core = Core::instance();
   core.pointer({}, {100, 100}, right, 0, 0);
   core.pointer({}, {110, 105}, right, 0, 0);
@@ -213,7 +207,6 @@ TEST_F(MenuTest, theMenuIsAChildInFrontOfTheOwnersWindowAndIsMovedIntoIt)
   HWND const inner = kid(window_, {0, 0, 600, 500});
   settle();
   Point const at{590, 490};
-  std::vector<HWND> before;
   meanwhile([&] {
     // A popup that would leave the window covers its lower right corner instead.
     EXPECT_FALSE(Core::instance().visibleAt(inner, {595, 495}));

@@ -424,11 +424,11 @@ struct DepthCase {
   u32 pelValue, rgb;
 };
 
-// Five and six bits are widened by repeating their upper bits.
+// Five and six bits are widened by zeros below.
 TEST(WindowDepth, backingsStandInTheScreensDepthAndReadBackAsColours)
 {
   DepthCase const cases[] = {
-      {15, 0x7C00 | 0x0200 | 0x0001, 0xFF8408}, {16, 0xF800 | 0x0400 | 0x0001, 0xFF8208},
+      {15, 0x7C00 | 0x0200 | 0x0001, 0xF88008}, {16, 0xF800 | 0x0400 | 0x0001, 0xF88008},
       {24, 0x123456, 0x123456},                 {32, 0xAA123456, 0x123456},
       {8, 251, 0xFFFF00},                       {8, 1, 0x800000},
   };
@@ -518,7 +518,6 @@ public:
   void show(bool, bool) override {}
   void minimize(bool) override {}
   void raise() override {}
-  void title(std::string const&) override {}
   void place(Rect const&) override {}
   portable::PelBlock lend(Size size, int depth) override
   {
