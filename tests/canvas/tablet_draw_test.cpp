@@ -359,6 +359,15 @@ TEST(TabletDraw, redrawStartsWithoutAClipAndReturnsTheFormerOne)
   EXPECT_EQ(Rows({"ggrrg."}), tree.seen(6, 1));
 }
 
+TEST(TabletDraw, clipSetInsideARedrawEndsWithIt)
+{
+  DrawTree tree;
+  tree.t.face = [](TestTablet& t) { t.drawClipRect(ccRect(ccPoint(0, 0), ccVector<2>(1, 1)), kImage); };
+  tree.t.redraw(kImage);
+  tree.t.set(ccUIRect(0, 0, 3, 1), ccColor::redColor(), kImage);
+  EXPECT_EQ(Rows({"rrr."}), tree.seen(4, 1));
+}
+
 // ---- Records
 
 TEST(TabletRecord, unitesTheBoxesOfWhatIsDrawn)
