@@ -65,7 +65,7 @@ ccUIObject::~ccUIObject()
 
 void ccUIObject::beginDestruction()
 {
-  if (dyingHold_)
+  if (dyingHold_ || rootObject(true))  // a root's own mutex doesn't outlive it
     return;
   ccMutex& mutex = rootMutex();
   ccLock lock(mutex, /*lockNow=*/false);
