@@ -179,7 +179,10 @@ long ccDirectDrawSurface::unlock(RECT const* r)
     return ceDDInvalidObject;
   if (!desc_.surface())
     return ceDDNotLocked;
-  long const result = surface_->unlock(cs_RectArgument(r).get());
+  cs_RectArgument const rect(r);
+  long result = surface_->unlock(rect.get());
+  if (result != ceDDOk)
+    result = surface_->unlock(rect.get());  // left locked, it could never be used again
   desc_.surface(nullptr);
   return result;
 }
@@ -197,7 +200,13 @@ long ccDirectDrawSurface::getDC(HDC* dc)
   return result;
 }
 
-long ccDirectDrawSurface::releaseDC(HDC dc) { return surface_ ? surface_->releaseDC(dc) : ceDDInvalidObject; }
+long ccDirectDrawSurface::releaseDC(HDC dc)
+{
+  if (!surface_)
+    return ceDDInvalidObject;
+  long const result = surface_->releaseDC(dc);
+  return result == ceDDOk || !dc ? result : surface_->releaseDC(dc);  // as for unlock
+}
 
 long ccDirectDrawSurface::blt(ccDirectDrawSurface const* source, RECT const* sourceRect, RECT const* destRect,
                               std::uint32_t flags)
