@@ -5,6 +5,7 @@
 #include "backend/win32/win32_display.h"
 #include "backend/win32/win32_root.h"
 #include "platform/app.h"
+#include "platform/paint.h"
 #include "platform/testing.h"
 #include "platform/window.h"
 #include "ui/core/event_processor.h"
