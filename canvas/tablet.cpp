@@ -256,7 +256,7 @@ ccUITablet& ccUITablet::moveAbs(ccPair<long> const& ul)
 
 ccUITablet& ccUITablet::moveRel(ccPair<long> const& delta)
 {
-  return moveAbs(frameRect_.ul() + delta);
+  return moveAbs(cf_nearSum(frameRect_.ul(), delta));
 }
 
 ccUITablet& ccUITablet::size(ccPair<long> const& sz)
@@ -457,8 +457,7 @@ ccPair<long> ccUITablet::scale() const
 
 ccPair<long> ccUITablet::scopeCoords(ccPoint const& p) const
 {
-  ccPoint const q = screenMap_ * p;
-  return ccPair<long>(cfPelOf(q.x()), cfPelOf(q.y()));
+  return cf_nearPel(screenMap_ * p);
 }
 
 ccPair<long> ccUITablet::screenCoords(ccPoint const& p) const

@@ -81,13 +81,13 @@ ccPair<long> ccUITablet::dragShift_(int layer) const
 
 ccPair<long> ccUITablet::pelShift_(int layer) const
 {
-  ccVector<2> const sketch = screenMap_.mapVector(layers_->sketchOffset);
-  return screenOrigin_ + dragShift_(layer) + ccPair<long>(cfPelOf(sketch.x()), cfPelOf(sketch.y()));
+  ccPair<long> const sketch = cf_nearPel(ccPoint(screenMap_.mapVector(layers_->sketchOffset)));
+  return cf_nearSum(cf_nearSum(screenOrigin_, dragShift_(layer)), sketch);
 }
 
 ccPair<long> ccUITablet::topPel_(ccPoint const& p, int layer) const
 {
-  return scopeCoords(p + layers_->sketchOffset) + screenOrigin_ + dragShift_(layer);
+  return cf_nearSum(scopeCoords(p + layers_->sketchOffset), cf_nearSum(screenOrigin_, dragShift_(layer)));
 }
 
 ccXform<2> ccUITablet::drawMap_(int layer) const
@@ -281,7 +281,7 @@ void ccUITablet::drawToRelPels(long dx, long dy, ccColor const& c, Layers l)
   }
   for (int layer = 0; layer < 2; ++layer)
     if (cf_hasLayer(l, layer))
-      penLine_(layers_->layer[layer].pen + ccPair<long>(dx, dy), c, layer);
+      penLine_(cf_nearSum(layers_->layer[layer].pen, ccPair<long>(dx, dy)), c, layer);
 }
 
 // ---- The draw clip

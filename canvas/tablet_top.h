@@ -7,6 +7,7 @@
 #include "canvas/scope.h"
 #include "canvas/tablet.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <memory>
 #include <vector>
@@ -22,6 +23,23 @@ inline int cf_commonLayers(cc_TabletEnums::Layers a, cc_TabletEnums::Layers b)
   if (a == cc_TabletEnums::bothLayers)
     return b;
   return b == cc_TabletEnums::bothLayers || a == b ? static_cast<int>(a) : -1;
+}
+
+// A pel far outside any tablet stays where sums with other pels fit a 32-bit long.
+inline ccPair<long> cf_nearPel(std::int64_t x, std::int64_t y)
+{
+  constexpr std::int64_t far = ccUIRect::kFar;
+  return ccPair<long>(static_cast<long>(std::clamp(x, -far, far)), static_cast<long>(std::clamp(y, -far, far)));
+}
+
+inline ccPair<long> cf_nearPel(ccPoint const& p)
+{
+  return cf_nearPel(cfPelOf(p.x()), cfPelOf(p.y()));
+}
+
+inline ccPair<long> cf_nearSum(ccPair<long> const& a, ccPair<long> const& b)
+{
+  return cf_nearPel(std::int64_t{a.x()} + b.x(), std::int64_t{a.y()} + b.y());
 }
 
 // Where a tablet's pels of one layer can be seen, in top pels. Valid for one version of the tree.

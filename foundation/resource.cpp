@@ -6,6 +6,13 @@
 #include <algorithm>
 #include <exception>
 
+namespace {
+
+// Without a call for a thread that the library knows already: locks ask for it all the time.
+inline ccThreadID cf_me() { return tc_threadID ? tc_threadID : cfCurrentThreadID(); }
+
+}  // namespace
+
 KRS_DEFINE_EXCEPTION(cc_Resource::BrokenLock, ccException, 0x10000120)
 
 cc_Resource::~cc_Resource() = default;
@@ -76,7 +83,7 @@ ccMutex& ccMutex::global()
   return mutex;
 }
 
-bool ccMutex::lockedByMe() const { return owner_.load(std::memory_order_relaxed) == cfCurrentThreadID(); }
+bool ccMutex::lockedByMe() const { return owner_.load(std::memory_order_relaxed) == cf_me(); }
 
 bool ccMutex::relock_()
 {
@@ -90,7 +97,7 @@ bool ccMutex::take_()
 {
   if (!available_())
     return false;
-  owner_.store(cfCurrentThreadID(), std::memory_order_relaxed);
+  owner_.store(cf_me(), std::memory_order_relaxed);
   count_ = 1;
   return true;
 }

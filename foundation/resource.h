@@ -73,7 +73,7 @@ private:
 
 // A recursive mutex. unlock() by a thread that doesn't own it does nothing. A wait while an exception unwinds the stack
 // is not broken.
-class ccMutex : public cc_Resource {
+class ccMutex final : public cc_Resource {
 public:
   static ccMutex& global();  // one for the process, never destroyed
 

@@ -1,5 +1,6 @@
 #include "apps/common/image_file.h"
 
+#include "apps/common/error_line.h"
 #include "apps/common/image_decoders.h"
 
 #include <algorithm>
@@ -36,14 +37,10 @@ Format const* formatOf(cc_Bytes bytes)
   return nullptr;
 }
 
-// File names may hold line breaks; error texts are one line.
 ccImageFile failure(std::string const& name, std::string const& why)
 {
   ccImageFile none;
-  none.error = name + ": " + why;
-  for (char& c : none.error)
-    if (static_cast<unsigned char>(c) < ' ' || c == '\x7f')
-      c = '?';
+  none.error = cf_errorLine(name, why);
   return none;
 }
 
@@ -106,7 +103,7 @@ long ccImageFile::height() const
 
 ccImageFile cfReadImageFile(fs::path const& path)
 {
-  std::string const name = path.string();
+  std::string const name = cf_pathText(path);
   if (std::string const why = unreadable(path); !why.empty())
     return failure(name, why);
   try {
@@ -154,7 +151,7 @@ ccImageFolder cfListImageFiles(fs::path const& folder)
   }
   if (error) {
     result.files.clear();
-    result.error = failure(folder.string(), "the folder cannot be read: " + error.message()).error;
+    result.error = cf_errorLine(cf_pathText(folder), "the folder cannot be read: " + error.message());
   }
   std::sort(result.files.begin(), result.files.end(),
             [](fs::path const& a, fs::path const& b) { return a.filename().native() < b.filename().native(); });

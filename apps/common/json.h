@@ -13,6 +13,7 @@ public:
   enum class Kind { Null, Bool, Number, String, Array, Object };
 
   ccJson() = default;  // null
+  ccJson(std::nullptr_t) {}
   template <class N, class = std::enable_if_t<std::is_arithmetic_v<N>>>
   ccJson(N value)
       : kind_(std::is_same_v<N, bool> ? Kind::Bool : Kind::Number), number_(static_cast<double>(value))

@@ -1,5 +1,7 @@
 #include "apps/common/picture_file.h"
 
+#include "apps/common/error_line.h"
+
 #include <png.h>
 
 #include <algorithm>
@@ -60,12 +62,11 @@ public:
 
   std::FILE* file() const { return file_; }
   int error() const { return error_; }
-  bool close()  // false: not all bytes reached the file
+  int close()  // errno where the last bytes did not reach the file, else 0
   {
-    bool const whole = !std::ferror(file_);
-    bool const closed = std::fclose(file_) == 0;
+    int const result = std::fclose(file_) == 0 ? 0 : errno;
     file_ = nullptr;
-    return whole && closed;
+    return result;
   }
   std::error_code rename(fs::path const& target)
   {
@@ -185,8 +186,8 @@ std::string writeFile(fs::path const& target, Picture const& picture)
   PngWriter writer(picture, temporary.file());
   if (!writer.run())
     return "cannot be written: " + (writer.error ? std::generic_category().message(writer.error) : writer.message);
-  if (!temporary.close())
-    return "cannot be written to its end";
+  if (int const error = temporary.close())
+    return "cannot be written: " + std::generic_category().message(error);
   if (std::error_code const error = temporary.rename(target))
     return "cannot be written: " + error.message();
   return {};
@@ -200,13 +201,7 @@ std::string write(fs::path const& target, Picture const& picture)
   } catch (std::bad_alloc const&) {
     text = "not enough memory";
   }
-  if (text.empty())
-    return text;
-  text = target.string() + ": " + text;
-  for (char& c : text)
-    if (static_cast<unsigned char>(c) < ' ' || c == '\x7f')
-      c = '?';
-  return text;
+  return text.empty() ? text : cf_errorLine(cf_pathText(target), text);
 }
 
 void putRGB(std::uint32_t word, png_bytep& to)

@@ -18,7 +18,7 @@ cc_Vec plateFromImage(double x, double y)
   double const stretch = 1 + 0.035 * (u * u + v * v);
   u *= stretch;
   v *= stretch;
-  double const c = cf_cosine(0.018), s = cf_sine(0.018);
+  static double const c = cf_cosine(0.018), s = cf_sine(0.018);
   double const a = c * u + s * v, b = c * v - s * u;
   double const depth = 1 + 0.07 * a + 0.13 * b;
   return {(124 * a) / depth, (131 * b + 4) / depth};
@@ -62,12 +62,13 @@ double pattern(double x, double y)
   return mark;
 }
 
-double bench(double x, double y)
+double bench(cc_Vec p)
 {
+  double const x = p.x, y = p.y;
   return 58 + 11 * cf_noise(x / 9, y / 9, 3, 4) + 5 * cf_noise(x * 1.1, y / 30, 4);
 }
 
-double brightness(double px, double py)
+double brightness(double px, double py, double ground)
 {
   cc_Vec const p = plateFromImage(px, py);
   double const edge = cf_boxDistance(p.x, p.y, halfWidth, halfHeight, 4);
@@ -84,7 +85,7 @@ double brightness(double px, double py)
   if (side < 0)
     return 150 - 40 * cf_step(0, thickness * 0.6, edge);
   double const shadow = cf_boxDistance(p.x - 5, p.y - 7, halfWidth, halfHeight, 6);
-  return bench(p.x, p.y) * (1 - 0.66 * cf_step(7, -5, shadow));
+  return ground * (1 - 0.66 * cf_step(7, -5, shadow));
 }
 
 }  // namespace
@@ -96,10 +97,12 @@ ccPelBuffer<unsigned char> cf_plateSample()
   constexpr int grid = 4;  // samples a pel and direction
   for (long y = 0; y < height; ++y)
     for (long x = 0; x < width; ++x) {
+      // The bench is smooth within a pel.
+      double const ground = bench(plateFromImage(static_cast<double>(x), static_cast<double>(y)));
       double sum = 0;
       for (int i = 0; i < grid * grid; ++i)
         sum += brightness(static_cast<double>(x) + (i % grid + 0.5) / grid - 0.5,
-                          static_cast<double>(y) + (i / grid + 0.5) / grid - 0.5);
+                          static_cast<double>(y) + (i / grid + 0.5) / grid - 0.5, ground);
       double const dx = static_cast<double>(x) / width - 0.4, dy = static_cast<double>(y) / height - 0.35;
       plane.at(x, y) = sum / (grid * grid) * (1.06 - 0.5 * (dx * dx + dy * dy));
     }

@@ -1,5 +1,6 @@
 #include "platform/portable/core.h"
 
+#include "platform/portable/menus.h"
 #include "platform/portable/null_video.h"
 
 #include <algorithm>
@@ -110,6 +111,7 @@ void Core::take(Ptr<Video> video)
   started_ = true;
   lock.unlock();
   arrow_ = loadCursor(600);
+  menus().forgetAnswers();
 }
 
 bool Core::onUi() const

@@ -85,6 +85,7 @@ public:
   void minimized(HWND top, bool) override;
   void focused(HWND top, bool) override;
   void exposed(HWND top) override;
+  void screenChanged(Size, int depth) override;
 
   bool pump(int timeoutMs);
   int run();

@@ -154,6 +154,11 @@ void Core::exposed(HWND top)
   present(*backing);
 }
 
+void Core::screenChanged(Size screen, int bits)
+{
+  enqueue({{}, 0, 0, 0, [=, this] { changeScreen(screen, bits); }, true});
+}
+
 void Core::handle(Input const& input)
 {
   switch (input.kind) {

@@ -233,8 +233,11 @@ void Core::changeBar(HWND window, int bar, bool redraw, std::function<void(Scrol
     if (!w || window == tree_.desktop())
       return;
     Rect const former = WindowTree::clientRect(*w);
-    bool const wasShown = w->bars[bar].shown();
+    ScrollBar const before = w->bars[bar];
+    bool const wasShown = before.shown();
     change(w->bars[bar]);
+    if (w->bars[bar] == before)
+      return;
     bool const shown = w->bars[bar].shown();
     resized = wasShown != shown;
     if (resized) {

@@ -147,6 +147,13 @@ void Menus::answerBox(int result, std::function<void()> meanwhile)
   boxAnswers_.push_back({result, std::move(meanwhile)});
 }
 
+void Menus::forgetAnswers()
+{
+  std::lock_guard<std::mutex> lock(mutex_);
+  boxAnswers_.clear();
+  menuAnswers_.clear();
+}
+
 void Menus::answerMenu(unsigned id)
 {
   std::lock_guard<std::mutex> lock(mutex_);

@@ -40,6 +40,7 @@ public:
 
   void answerBox(int result, std::function<void()> meanwhile);
   void answerMenu(unsigned id);
+  void forgetAnswers();
 
 private:
   struct Answer {

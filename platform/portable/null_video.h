@@ -14,7 +14,6 @@ public:
   void show(bool visible, bool) override { visible_ = visible; }
   void minimize(bool) override {}
   void raise() override {}
-  void title(std::string const&) override {}
   void place(Rect const&) override {}
   PelBlock lend(Size, int) override { return {}; }
   void copy(PelBlock const&, std::span<Rect const>) override {}

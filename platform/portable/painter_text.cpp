@@ -67,10 +67,11 @@ template <class Pel> void plotGrey(PelBlock const& block, Rect const& clip, Glyp
       u32 const a = cover[x], old = pelValue(row[x]);
       if (a == 0)
         continue;
-      u32 mixed = 0;
-      for (unsigned shift = 0; shift < 24; shift += 8)
-        mixed |= (((rgb >> shift & 255u) * a + (old >> shift & 255u) * (255u - a) + 127u) / 255u) << shift;
-      row[x] = pelFrom<Pel>(mixed);
+      // Red and blue share a word; v / 255 rounded is (v + 128 + (v + 128) / 256) / 256 for v up to 255 * 255.
+      u32 const redBlue = (rgb & 0xFF00FFu) * a + (old & 0xFF00FFu) * (255u - a) + 0x800080u;
+      u32 const green = (rgb >> 8 & 0xFFu) * a + (old >> 8 & 0xFFu) * (255u - a) + 0x80u;
+      row[x] = pelFrom<Pel>(((redBlue + (redBlue >> 8 & 0xFF00FFu)) >> 8 & 0xFF00FFu) |
+                            ((green + (green >> 8)) & 0xFF00u));
     }
   }
 }

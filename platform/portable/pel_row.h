@@ -33,7 +33,15 @@ template <class Pel> inline void fillRow(Pel* to, std::size_t count, Pel pel)
 
 inline void fillRow(Pel24* to, std::size_t count, Pel24 pel)
 {
-  for (std::size_t i = 0; i < count; ++i)
+  std::size_t i = 0;
+  if (count >= 16) {
+    Pel24 block[16];
+    for (Pel24& one : block)
+      one = pel;
+    for (; i + 16 <= count; i += 16)
+      std::memcpy(static_cast<void*>(to + i), block, sizeof block);
+  }
+  for (; i < count; ++i)
     to[i] = pel;
 }
 

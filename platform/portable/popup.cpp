@@ -35,7 +35,7 @@ HWND openPopup(HWND host, Rect const& screen, MessageProc proc)
   desc.proc = proc;
   HWND const window = core.create(desc);
   core.raiseTopmost(window);
-  core.place(window, nullptr, 5);
+  core.place(window, nullptr, 4);
   return window;
 }
 

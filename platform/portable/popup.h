@@ -15,7 +15,8 @@ struct PopupColors {
 // none or the popup does not fit.
 HWND popupHost(HWND owner, Size popup);
 
-// A window of the core for a popup, in front of all others of the host; without host one of its own. Shown.
+// A window of the core for a popup, in front of all others of the host; without host one of its own. Shown, not
+// activated.
 HWND openPopup(HWND host, Rect const& screen, MessageProc);
 
 // Moved so that it lies in the frame, if it is not larger.

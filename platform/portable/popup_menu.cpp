@@ -13,7 +13,10 @@ constexpr i32 border = 2, itemHeight = 20, lineHeight = 8, markWidth = 22, right
 
 class MenuTracker final : public InputGrab {
 public:
-  MenuTracker(HMENU menu, Point screen, HWND owner) : owner_(owner) { open(menu, screen); }
+  MenuTracker(HMENU menu, Point screen, HWND owner) : owner_(owner), start_(Core::instance().cursorPos())
+  {
+    open(menu, screen);
+  }
 
   // The chosen id, 0 when dismissed.
   unsigned run()
@@ -34,9 +37,7 @@ public:
   void pointer(Point screen, unsigned pressed, unsigned released) override
   {
     buttons_ = (buttons_ | pressed) & ~released;
-    armed_ = armed_ || pressed || (last_ != screen && seen_);
-    seen_ = true;
-    last_ = screen;
+    armed_ = armed_ || pressed || screen != start_;
     if (dismissed_) {
       done_ = buttons_ == 0;
       return;
@@ -283,9 +284,9 @@ private:
   HWND owner_;
   std::vector<Level> levels_;
   bool done_ = false, dismissed_ = false;
-  bool armed_ = false, seen_ = false;  // a release counts once the pointer was pressed or moved here
+  bool armed_ = false;  // a release counts once the pointer was pressed or moved
   unsigned buttons_ = 0;
-  Point last_;
+  Point start_;
   unsigned chosen_ = 0;
 };
 

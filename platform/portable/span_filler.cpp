@@ -61,6 +61,7 @@ bool SpanFiller::begin(Rect const& clip, i32& y)
   order_.clear();
   active_.clear();
   next_ = 0;
+  changeAt_ = std::numeric_limits<i32>::min();
   for (Edge& edge : edges_)
     if (edge.end > clip.top && edge.first < clip.bottom)
       order_.push_back(&edge);
@@ -71,19 +72,31 @@ bool SpanFiller::begin(Rect const& clip, i32& y)
   return true;
 }
 
-void SpanFiller::advance(i32 y, i32 clipTop)
+void SpanFiller::change(i32 y, i32 clipTop)
 {
   std::size_t kept = 0;
+  changeAt_ = std::numeric_limits<i32>::max();
+  auto const keep = [&](Edge* edge) {
+    active_[kept++] = edge;
+    changeAt_ = std::min(changeAt_, edge->end);
+  };
   for (Edge* edge : active_)
     if (edge->end > y)
-      active_[kept++] = edge;
+      keep(edge);
   active_.resize(kept);
   for (; next_ < order_.size() && order_[next_]->first <= y; ++next_)
     if (order_[next_]->end > y) {
       order_[next_]->startAt(std::max(y, clipTop));
-      active_.push_back(order_[next_]);
+      active_.push_back(nullptr);
+      keep(order_[next_]);
     }
-  // Nearly in order from the row before.
+  if (next_ < order_.size())
+    changeAt_ = std::min(changeAt_, order_[next_]->first);
+}
+
+// Nearly in order from the row before.
+void SpanFiller::sort()
+{
   for (std::size_t i = 1; i < active_.size(); ++i) {
     Edge* const edge = active_[i];
     std::size_t at = i;

@@ -6,6 +6,7 @@
 #include "platform/types.h"
 
 #include <algorithm>
+#include <limits>
 #include <span>
 #include <vector>
 
@@ -49,12 +50,14 @@ private:
 
   void addEdge(Point from, Point to, i32 scale);
   bool begin(Rect const& clip, i32& y);  // sorts; false when no row is in the clip
-  void advance(i32 y, i32 clipTop);      // active_ becomes the edges that cross row y, in order of x
+  void change(i32 y, i32 clipTop);       // active_ becomes the edges that cross row y
+  void sort();                           // active_ by crossing
 
   std::vector<Edge> edges_;
   std::vector<Edge*> order_;   // by first row
   std::vector<Edge*> active_;
   std::size_t next_ = 0;
+  i32 changeAt_ = 0;  // the next row in which an edge comes or goes
 };
 
 template <class Span> void SpanFiller::fill(FillRule rule, Rect const& clip, Span&& span)
@@ -62,19 +65,25 @@ template <class Span> void SpanFiller::fill(FillRule rule, Rect const& clip, Spa
   i32 y = 0;
   if (!begin(clip, y))
     return;
+  auto const emit = [&](i64 from, i64 to) {
+    i32 const x0 = static_cast<i32>(std::max<i64>(from, clip.left)), x1 = static_cast<i32>(std::min<i64>(to, clip.right));
+    if (x0 < x1)
+      span(y, x0, x1);
+  };
+  bool sorted = true;
   for (; y < clip.bottom; ++y) {
-    advance(y, clip.top);
-    if (active_.empty()) {
-      if (next_ == order_.size())
-        return;
-      y = std::max(y, order_[next_]->first - 1);
-      continue;
+    if (y >= changeAt_) {
+      change(y, clip.top);
+      sorted = false;
+      if (active_.empty()) {
+        if (next_ == order_.size())
+          return;
+        y = order_[next_]->first - 1;
+        continue;
+      }
     }
-    auto const emit = [&](i64 from, i64 to) {
-      i32 const x0 = static_cast<i32>(std::max<i64>(from, clip.left)), x1 = static_cast<i32>(std::min<i64>(to, clip.right));
-      if (x0 < x1)
-        span(y, x0, x1);
-    };
+    if (!sorted)
+      sort();
     if (rule == FillRule::alternate) {
       for (std::size_t i = 0; i + 1 < active_.size(); i += 2)
         emit(active_[i]->q, active_[i + 1]->q);
@@ -89,8 +98,13 @@ template <class Span> void SpanFiller::fill(FillRule rule, Rect const& clip, Spa
           emit(from, edge->q);
       }
     }
-    for (Edge* edge : active_)
+    sorted = true;
+    i64 before = std::numeric_limits<i64>::min();
+    for (Edge* edge : active_) {
       edge->step();
+      sorted = sorted && before <= edge->q;
+      before = edge->q;
+    }
   }
 }
 

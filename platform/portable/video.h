@@ -25,7 +25,6 @@ public:
   virtual void show(bool visible, bool activate) = 0;
   virtual void minimize(bool) = 0;
   virtual void raise() = 0;
-  virtual void title(std::string const&) = 0;
   virtual void place(Rect const& screen) = 0;
 
   // Memory of this size and depth that is itself what send() shows; a block without pels when there is none. It stays
@@ -54,6 +53,7 @@ public:
   virtual void minimized(HWND top, bool) = 0;
   virtual void focused(HWND top, bool) = 0;
   virtual void exposed(HWND top) = 0;  // its pels are lost and are shown again
+  virtual void screenChanged(Size, int depth) = 0;
 };
 
 class Video {

@@ -30,6 +30,7 @@ struct ScrollBar {
 
   bool shown() const { return wanted && !unneeded; }
   i32 lastPos() const;  // the largest position
+  friend bool operator==(ScrollBar const&, ScrollBar const&) = default;
 };
 
 struct Window {

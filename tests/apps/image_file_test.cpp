@@ -3,8 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include <sys/stat.h>
-
 namespace fs = std::filesystem;
 
 namespace {
@@ -60,15 +58,6 @@ TEST(ImageFile, errorsBeginWithThePathAndTellWhatIsWrong)
     EXPECT_FALSE(image) << c.name;
     EXPECT_EQ(image.error, folder.file(c.name).string() + c.error);
   }
-}
-
-TEST(ImageFile, pipesAndDevicesAreRefusedWithoutWaiting)
-{
-  TestFolder folder;
-  ASSERT_EQ(mkfifo(folder.file("pipe.png").c_str(), 0600), 0);
-
-  EXPECT_EQ(cfReadImageFile(folder.file("pipe.png")).error, folder.file("pipe.png").string() + ": is not a plain file");
-  EXPECT_EQ(cfReadImageFile("/dev/zero").error, "/dev/zero: is not a plain file");
 }
 
 TEST(ImageFile, errorIsOneLineWhateverTheFilesName)

@@ -3,9 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include <sys/resource.h>
-#include <csignal>
-
 namespace fs = std::filesystem;
 
 using Rows = std::vector<std::vector<unsigned>>;
@@ -125,12 +122,6 @@ TEST(PictureFile, symbolicLinkIsRefusedAndItsTargetUntouched)
   EXPECT_EQ(namesIn(folder.path()), (std::vector<std::string>{"dangling.png", "link.png", "real.png"}));
 }
 
-TEST(PictureFile, deviceIsRefused)
-{
-  EXPECT_EQ(cfWritePng("/dev/full", 2, 2, twoByTwo), "/dev/full: is not a plain file; pictures replace plain files only");
-  EXPECT_TRUE(fs::is_character_file("/dev/full"));
-}
-
 TEST(PictureFile, targetsThatCannotBeAreNamed)
 {
   TestFolder folder;
@@ -164,28 +155,4 @@ TEST(PictureFile, sizesThatCannotBeAreRefused)
   EXPECT_EQ(cfWritePng(folder.file("a.png"), ccPelBuffer<unsigned char>()),
             folder.file("a.png").string() + ": the picture has no pels");
   EXPECT_TRUE(fs::is_empty(folder.path()));
-}
-
-// A file size limit stands for the full disk.
-TEST(PictureFile, fullDiskLeavesTheOlderFileAndNoPart)
-{
-  TestFolder folder;
-  folder.file("out.png", bytesOf("old"));
-  std::vector<std::uint32_t> noise(300 * 300);
-  std::uint32_t seed = 1;
-  for (std::uint32_t& word : noise)
-    word = (seed = seed * 1664525 + 1013904223) >> 8;
-  rlimit former;
-  ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &former), 0);
-  auto const formerSignal = std::signal(SIGXFSZ, SIG_IGN);
-  rlimit const small{20'000, former.rlim_max};
-  ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &small), 0);
-
-  std::string const error = cfWritePng(folder.file("out.png"), 300, 300, noise.data());
-
-  setrlimit(RLIMIT_FSIZE, &former);
-  std::signal(SIGXFSZ, formerSignal);
-  EXPECT_EQ(error, folder.file("out.png").string() + ": cannot be written: File too large");
-  EXPECT_EQ(fileBytes(folder.file("out.png")), bytesOf("old"));
-  EXPECT_EQ(namesIn(folder.path()), std::vector<std::string>{"out.png"});
 }

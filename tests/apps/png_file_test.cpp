@@ -71,9 +71,9 @@ TEST(PngFile, colourOfEightAndSixteenBits)
   EXPECT_EQ(eight.format, ceImageFormatRGB32);
   EXPECT_EQ(words(eight), (Words{{0x010203, 0xFF8000}}));
 
-  // 0x80FF / 257 = 128.49, 0x8101 / 257 = 128.5
-  Bytes const sixteen{0xFF, 0xFF, 0x80, 0xFF, 0x81, 0x01};
-  EXPECT_EQ(words(read(encode(png(1, 1, Colour, 16, sixteen)))), (Words{{0xFF8081}}));
+  // 65535 / 257 = 255, 0x00FF / 257 = 0.99, 0xFF00 / 257 = 254.01
+  Bytes const sixteen{0xFF, 0xFF, 0x00, 0xFF, 0xFF, 0x00};
+  EXPECT_EQ(words(read(encode(png(1, 1, Colour, 16, sixteen)))), (Words{{0xFF01FE}}));
 }
 
 TEST(PngFile, alphaIsDroppedAndTheStoredColourShown)

@@ -142,8 +142,8 @@ TEST(TiffFile, colourOfEightAndSixteenBitsWithAndWithoutAlpha)
 {
   EXPECT_EQ(words(read(encode(TestTiff{2, 1, 8, 3, PHOTOMETRIC_RGB, {1, 2, 3, 255, 128, 0}}))), (Words{{0x010203, 0xFF8000}}));
   EXPECT_EQ(words(read(encode(TestTiff{1, 1, 8, 4, PHOTOMETRIC_RGB, {1, 2, 3, 0}}))), (Words{{0x010203}}));
-  // 0x80FF / 257 = 128.49, 0x8101 / 257 = 128.5
-  EXPECT_EQ(words(read(encode(TestTiff{1, 1, 16, 3, PHOTOMETRIC_RGB, halves({0xFFFF, 0x80FF, 0x8101})}))), (Words{{0xFF8081}}));
+  // 65535 / 257 = 255, 0x00FF / 257 = 0.99, 0xFF00 / 257 = 254.01
+  EXPECT_EQ(words(read(encode(TestTiff{1, 1, 16, 3, PHOTOMETRIC_RGB, halves({0xFFFF, 0x00FF, 0xFF00})}))), (Words{{0xFF01FE}}));
 }
 
 TEST(TiffFile, channelsInPlanes)

@@ -122,3 +122,15 @@ struct TestTree {
 };
 
 using Rows = std::vector<std::string>;
+
+// The passes of a tablet: all of it or a part, and the rectangle on the image layer.
+inline Rows areas(TestTablet const& t)
+{
+  Rows all;
+  for (Pass const& p : t.passes) {
+    ccUIRect const& r = p.active[0];
+    all.push_back((p.inArea ? "part " : "all ") + std::to_string(r.left()) + "," + std::to_string(r.top()) + " " +
+                  std::to_string(r.width()) + "x" + std::to_string(r.height()));
+  }
+  return all;
+}

@@ -132,12 +132,21 @@ private:
     default: return [](TestTablet&) {};
     }
   }
+  // New looks are announced, or come while the tablet is hidden.
   void recolour(TestTablet& t)
   {
+    long const way = number(0, 3);
+    if (way == 0)
+      t.visible(false);
     t.face = looks();
-    for (ccUITablet::Layers l : {kImage, kOverlay})
-      t.opaque(l, false);
-    t.redraw(kBoth);
+    if (number(0, 1))
+      t.opaque(number(0, 1) ? kImage : kOverlay, false);
+    if (way == 0)
+      t.visible(true);
+    else if (way == 1)
+      t.fullDraw(kBoth);
+    else
+      t.redraw(kBoth);
   }
   void add()
   {
@@ -155,11 +164,12 @@ private:
 
 void runRandom(bool withOverlay)
 {
-  for (unsigned seed = 1; seed <= 150; ++seed) {
+  for (unsigned seed = 1; seed <= 200; ++seed) {
     RandomTree tree(seed, withOverlay);
+    std::mt19937 pauses(seed);
     for (int step = 0; step < 60; ++step) {
       tree.step();
-      if (step % 7 == 6) {
+      if (pauses() % 9 == 0) {
         ASSERT_EQ("", tree.staleness()) << "seed " << seed << " step " << step;
       }
     }

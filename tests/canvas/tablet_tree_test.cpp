@@ -300,6 +300,16 @@ TEST(TabletMap, halvesRoundUpwardAtNegativePositionsToo)
   EXPECT_EQ(ccPair<long>(3, 3), t.scopeCoords({2.5 - 5e-7, 3.4}));
 }
 
+TEST(TabletMap, farPositionsStayWhereSumsFit)
+{
+  TestTree tree;
+  TestTablet t(tree.top, {30, 20, 5, 5});
+  EXPECT_EQ((ccPair<long>(ccUIRect::kFar, -ccUIRect::kFar)), t.scopeCoords({1e300, -1e300}));
+  t.drawStart(ccPoint(1e300, -1e300), kImage);
+  t.drawToRelPels(ccUIRect::kFar, -ccUIRect::kFar, ccColor::redColor(), kImage);
+  EXPECT_EQ(Rows({"....."}), tree.imagePicture({30, 20, 5, 1}));
+}
+
 TEST(TabletMap, singularMapGivesTheOrigin)
 {
   TestTablet t{ccUIRect(0, 0, 10, 10)};

@@ -202,6 +202,26 @@ TEST(PolyXform, highOrderIsRecoveredFarFromTheOrigin)
   expectNear(near.mapPoint(V(1000640, 2000240)), bent(V(1000640, 2000240)), 1e-8);
 }
 
+TEST(PolyXform, highPowersOfALargeImageKeepTheLowOnes)
+{
+  // Around the middle of 16,000 pels, where the fifth power is some 10^19 times the constant term.
+  auto const bent = [](V const& p) {
+    double const u = p.x() / 8000 - 1, v = p.y() / 8000 - 1;
+    return V(p.x() + 7 + u * u * u * u * u, p.y() - 5 + u * v + v * v * v * v);
+  };
+  std::vector<V> from, to;
+  for (int y = 0; y <= 8; ++y)
+    for (int x = 0; x <= 8; ++x) {
+      from.emplace_back(2000.0 * x, 2000.0 * y);
+      to.push_back(bent(from.back()));
+    }
+
+  cc2XformPoly const poly(from, to, 5);
+
+  for (double x : {0.0, 777.0, 8000.0, 15999.0})
+    expectNear(poly.mapPoint(V(x, 4321)), bent(V(x, 4321)), 1e-10);
+}
+
 TEST(PolyXform, onePointGivesAShift)
 {
   cc2XformPoly const poly({V(3, 4)}, {V(13, 24)}, 1);
@@ -226,6 +246,22 @@ TEST(PolyXform, collinearPointsDeviateAlongTheirLineOnly)
 
   expectNear(poly.linearXform(V()).matrix(), 2, 1, 0, 1, 1e-14);
   expectNear(poly.mapPoint(V(1, -1)), V(1, -1), 1e-14);  // straight across the line: as it was
+}
+
+TEST(PolyXform, roundingNoiseDoesNotCountAsADirection)
+{
+  // On one line but for the last bits of the coordinates. Across the line the shift must not change, however far out.
+  std::vector<V> from, to;
+  for (int k = 0; k < 10; ++k) {
+    from.emplace_back(0.1 * k, 0.3 * k + 0.7);
+    to.push_back(from.back() + V(k % 2 ? 1 : -1, 0.25 * k));
+  }
+
+  cc2XformPoly const poly(from, to, 1);
+
+  V const shift = poly.mapPoint(from[4]) - from[4];
+  V const across(300, -100);
+  expectNear(poly.mapPoint(from[4] + across) - (from[4] + across), shift, 1e-9);
 }
 
 TEST(PolyXform, repeatedPointsGiveTheMeanShift)

@@ -93,7 +93,7 @@ TEST(Painter, colorsAreTruncatedAtFifteenAndSixteenBitsAndDirectAbove)
     int depth;
     u32 pel;
     COLORREF back;
-  } const rows[] = {{15, 0x5AB9, 0xCEADB5}, {16, 0xB579, 0xCEAEB5}, {24, 0xB5AFC9, 0xC9AFB5}, {32, 0x00B5AFC9, 0xC9AFB5}};
+  } const rows[] = {{15, 0x5AB9, 0xC8A8B0}, {16, 0xB579, 0xC8ACB0}, {24, 0xB5AFC9, 0xC9AFB5}, {32, 0x00B5AFC9, 0xC9AFB5}};
   for (Row const& row : rows) {
     Canvas canvas(3, 1, row.depth);
     canvas.painter().fillRect({1, 0, 2, 1}, 0xC9AFB5);
@@ -219,7 +219,7 @@ TEST(WindowPainter, paintsClientCoordinatesInWhatCanBeSeenAndPresentsAtTheEnd)
 
   p->fillRect({1, 0, 7, 4}, 0xFFFFFF);
   p->fillRect({1, 3, 7, 4}, 0x0000FF);
-  EXPECT_EQ(p->pel({1, 0}), 0xFFFFFFu);
+  EXPECT_EQ(p->pel({1, 0}), 0xF8FCF8u);    // white in 5, 6 and 5 bits
   EXPECT_EQ(p->pel({3, 0}), 0xFFFFFFFFu);  // covered
   EXPECT_TRUE(screen.presented.empty());
   closeWindowDC(dc);

@@ -494,7 +494,7 @@ TEST_F(SurfaceTest, stretchedBlitToThePrimaryIsCutWithoutMovingPels)
         for (int x = r.left; x < r.right; ++x) {
           u32 const value = static_cast<u32>(1 + ((y + 2) * 6 / 35) * 7 + (x + 3) * 7 / 48);
           u32 const green6 = value >> 5, blue5 = value & 31;
-          u32 const wide = (green6 << 2 | green6 >> 4) << 8 | (blue5 << 3 | blue5 >> 2);
+          u32 const wide = green6 << 2 << 8 | blue5 << 3;
           ASSERT_EQ(screen.at(x, y), depth == 32 ? value : wide) << depth << ' ' << x << ' ' << y;
         }
   }
@@ -564,20 +564,19 @@ TEST(PrimarySurface, convertsFromEveryDepthToEveryDepth)
       Rect const target{2, 1, 5, 3};
       ASSERT_EQ(p->blt(&target, s.get(), nullptr, waitFlag, 0), 0);
 
-      // 5 and 6 bits widen by repeating their top bits: B5 AF C9 from 10110 10101 11001 is B5 AD CE,
-      // and from 10110 101011 11001 it is B5 AE CE.
+      // 5 and 6 bits widen with zeros: B5 AF C9 from 10110 10101 11001 is B0 A8 C8, from 10110 101011 11001 B0 AC C8.
       u32 rgb = 0xB5AFC9;
       if (from.depth == 15)
-        rgb = 0xB5ADCE;
+        rgb = 0xB0A8C8;
       if (from.depth == 16)
-        rgb = 0xB5AECE;
+        rgb = 0xB0ACC8;
       u32 expected = rgb;
       if (to.depth == 8)
         expected = 0xB7;
       if (to.depth == 15)
         expected = 0x5AB9;
       if (to.depth == 16)
-        expected = from.depth == 15 ? 0xB579u : 0xB579u;
+        expected = from.depth == 15 ? 0xB559u : 0xB579u;  // the sixth bit of green was not there
       EXPECT_EQ(screen.at(3, 2), expected) << from.depth << " to " << to.depth;
       EXPECT_EQ(screen.at(5, 2), 0u);
     }

@@ -565,6 +565,19 @@ TEST_F(Window, aChangedDisplayModeIsToldToTopLevelWindows)
   EXPECT_EQ(windows().windowRect(windows().desktop()), (Rect{0, 0, 1024, 768}));
 }
 
+TEST_F(Window, aModeThatTheMachineChangesIsTakenInTurn)
+{
+  HWND const window = top({0, 0, 10, 10});
+  settle();
+
+  portable::Core::instance().screenChanged({640, 480}, 24);
+  EXPECT_EQ(windows().desktopDepth(), 32);
+  drain();
+
+  EXPECT_EQ(windows().desktopDepth(), 24);
+  EXPECT_EQ(recorder.numbersOf(window), (Numbers{126, 20, 15}));
+}
+
 TEST_F(Window, debugTextGoesToTheSinkOfTheTests)
 {
   std::string seen;

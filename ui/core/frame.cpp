@@ -38,8 +38,13 @@ ccUIFrame::~ccUIFrame()
   if (root_ && root_->frameSizerAttachedTo_() == this)
     root_->attachFrameSizer_(nullptr);
   leaveGesture();
-  ccUITablet::visible(false);
   enclosing_ = nullptr;
+}
+
+void ccUIFrame::beginDestruction()
+{
+  ccUIObject::beginDestruction();
+  ccUITablet::visible(false);
 }
 
 ccUIObject* ccUIFrame::parent() const { return cfFrameOf(parentTablet()); }

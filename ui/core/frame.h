@@ -31,12 +31,22 @@ public:
   void resizable(bool);
   void front() { ccUIObject::front(); }
   void back() { ccUIObject::back(); }
+  // The node's drag of positions and the tablet's drag drawing of layers.
+  using ccUIObject::dragAnimate;
+  using ccUIObject::dragStart;
+  using ccUIObject::dragStop;
+  using ccUITablet::dragAnimate;
+  using ccUITablet::dragStart;
+  using ccUITablet::dragStop;
   using ccUIObject::operator new;
   using ccUIObject::operator delete;
 
 protected:
   ccUIFrame(ccUIScope* image, ccUIScope* overlay);
   ccUIFrame(ccUIFrame* parent, ccUIRect const&);
+
+  // First in the destructor of a frame whose own members redraw_ uses: from here on nothing paints it any more.
+  void beginDestruction();
 
   void front_(ccUIObject* kid) override;
   void back_(ccUIObject* kid) override;

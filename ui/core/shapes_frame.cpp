@@ -7,7 +7,7 @@
 
 namespace {
 
-// Both drawing layers on while it lives.
+// Tells the scopes that many drawings follow each other.
 class cc_OptimizedDrawing {
 public:
   cc_OptimizedDrawing(ccUITablet& canvas, ccUITablet::Layers layer) : canvas_(canvas), layer_(layer)
@@ -31,8 +31,7 @@ ccUIShapesFrame::~ccUIShapesFrame()
 {
   beginDestruction();
   leaveGesture();
-  // Gone from the screen as a whole, so that no shape need erase itself.
-  ccUITablet::visible(false);
+  // The frame is off the screen, so no shape need erase itself.
   setBit_(kCondVisible, false);
   ccUIShapes::releaseKids_(*this);
 }

@@ -1,0 +1,400 @@
+// krsview as its users see it: the program is run, and its pictures, texts and exit status are read.
+#include "apps/common/image_file.h"
+#include "apps/common/json.h"
+#include "apps/common/picture_file.h"
+#include "tests/apps/file_kit.h"
+#include "tests/support/plain_painter.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstdlib>
+#include <fstream>
+#include <sys/wait.h>
+
+namespace fs = std::filesystem;
+
+namespace {
+
+struct Outcome {
+  int status = -1;
+  std::string out, err;
+};
+
+std::string textOf(fs::path const& file)
+{
+  std::ifstream in(file, std::ios::binary);
+  return {std::istreambuf_iterator<char>(in), {}};
+}
+
+std::string quoted(std::string const& s) { return "'" + s + "'"; }
+
+Outcome view(TestFolder const& folder, std::vector<std::string> const& arguments)
+{
+  std::string command = quoted(KRSVIEW_PROGRAM) + " --headless";
+  for (std::string const& a : arguments)
+    command += " " + quoted(a);
+  fs::path const out = folder.file("stdout.txt"), err = folder.file("stderr.txt");
+  command += " >" + quoted(out.string()) + " 2>" + quoted(err.string()) + " </dev/null";
+  int const raw = std::system(command.c_str());
+  return {WIFEXITED(raw) ? WEXITSTATUS(raw) : -1, textOf(out), textOf(err)};
+}
+
+long lines(std::string const& text) { return std::count(text.begin(), text.end(), '\n'); }
+
+std::vector<std::uint32_t> pelsOf(fs::path const& picture, long& w, long& h)
+{
+  ccImageFile const file = cfReadImageFile(picture);
+  w = file.width();
+  h = file.height();
+  std::vector<std::uint32_t> pels;
+  for (long y = 0; y < h; ++y)
+    for (long x = 0; x < w; ++x) {
+      if (file.format == ceImageFormatGrey8) {
+        std::uint32_t const v = file.grey8.getPel(x, y);
+        pels.push_back(v << 16 | v << 8 | v);
+      } else
+        pels.push_back(file.rgb.getPel(x, y).word());
+    }
+  return pels;
+}
+
+struct Random {
+  std::uint64_t state;
+  std::uint64_t next()
+  {
+    std::uint64_t z = (state += 0x9E3779B97F4A7C15ull);
+    z = (z ^ (z >> 30)) * 0xBF58476D1CE4E5B9ull;
+    z = (z ^ (z >> 27)) * 0x94D049BB133111EBull;
+    return z ^ (z >> 31);
+  }
+  long below(long n) { return static_cast<long>(next() % static_cast<std::uint64_t>(n)); }
+};
+
+std::uint32_t word(plain::Rgb const& c)
+{
+  return static_cast<std::uint32_t>(c.r) << 16 | static_cast<std::uint32_t>(c.g) << 8 | static_cast<std::uint32_t>(c.b);
+}
+
+// A colour as a screen of so many bits shows it: its low bits are zero.
+std::uint32_t shown(plain::Rgb c, int depth)
+{
+  if (depth == 15 || depth == 16) {
+    c.r &= 0xF8;
+    c.g &= depth == 15 ? 0xF8 : 0xFC;
+    c.b &= 0xF8;
+  }
+  return word(c);
+}
+
+plain::Rgb grey(int v) { return {v, v, v}; }
+
+// What krsview makes of one pel of a file before it is scaled.
+struct Pels {
+  enum Kind { grey8, grey12, rgb } kind;
+  long w, h;
+  std::vector<std::uint32_t> values;
+  std::uint32_t lowest = 0, highest = 0;
+
+  std::uint32_t seen(std::size_t i, int depth) const
+  {
+    std::uint32_t const v = values[i];
+    if (kind == rgb) {
+      plain::Rgb const c{static_cast<int>(v >> 16 & 255), static_cast<int>(v >> 8 & 255), static_cast<int>(v & 255)};
+      if (depth == 32 || depth == 16)
+        return shown(c, depth);
+      return seen8((c.r + 2 * c.g + c.b) / 4, depth);
+    }
+    if (kind == grey8)
+      return seen8(static_cast<int>(v), depth);
+    return seen8(static_cast<int>((v - lowest) / ((highest - lowest) / 256 + 1)), depth);
+  }
+  static std::uint32_t seen8(int v, int depth)
+  {
+    return depth == 8 ? word(grey(std::clamp(v, 10, 240))) : shown(grey(v), depth);
+  }
+};
+
+Pels randomPels(Random& random, Pels::Kind kind, long w, long h)
+{
+  Pels pels{kind, w, h, {}, 0, 0};
+  for (long i = 0; i < w * h; ++i)
+    pels.values.push_back(static_cast<std::uint32_t>(
+        kind == Pels::grey8 ? random.below(256) : kind == Pels::grey12 ? 300 + random.below(3000) : random.below(1 << 24)));
+  pels.lowest = *std::min_element(pels.values.begin(), pels.values.end());
+  pels.highest = *std::max_element(pels.values.begin(), pels.values.end());
+  return pels;
+}
+
+void writeNetpbm(fs::path const& file, Pels const& pels)
+{
+  std::ofstream out(file, std::ios::binary);
+  out << (pels.kind == Pels::rgb ? "P6" : "P5") << "\n" << pels.w << " " << pels.h << "\n"
+      << (pels.kind == Pels::grey12 ? 4095 : 255) << "\n";
+  for (std::uint32_t v : pels.values) {
+    if (pels.kind == Pels::rgb)
+      out << static_cast<char>(v >> 16);
+    if (pels.kind != Pels::grey8)
+      out << static_cast<char>(v >> 8 & 255);
+    out << static_cast<char>(v & 255);
+  }
+}
+
+constexpr std::uint32_t kSurround = 0x808080;
+
+}  // namespace
+
+TEST(Krsview, showsRandomImagesExactlyAtEveryDepthZoomAndPan)
+{
+  TestFolder const folder;
+  Random random{2};
+  struct {
+    char const* option;
+    double magnification;
+  } const zooms[] = {{"1", 1}, {"2", 2}, {"3", 3}, {"7", 7}, {"32", 32}, {"-2", 0.5}, {"-3", 1.0 / 3}, {"-5", 0.2}};
+  long const sizes[][2] = {{1, 1}, {1, 90}, {130, 1}, {40, 30}, {61, 47}, {200, 150}, {333, 77}};
+  int checked = 0;
+  for (int depth : {8, 15, 16, 24, 32})
+    for (auto const& size : sizes) {
+      auto const kind = static_cast<Pels::Kind>(random.below(3));
+      Pels const pels = randomPels(random, kind, size[0], size[1]);
+      fs::path const image = folder.file("image.pnm"), picture = folder.file("shot.png");
+      writeNetpbm(image, pels);
+      auto const& zoom = zooms[random.below(8)];
+      plain::View v;
+      v.displayW = 60 + random.below(80);
+      v.displayH = 40 + random.below(60);
+      v.imageW = pels.w;
+      v.imageH = pels.h;
+      // The shorter edge keeps 8 pels, unless the image is smaller already.
+      double const limit = std::min(std::max(8.0 / static_cast<double>(pels.w), 8.0 / static_cast<double>(pels.h)), 1.0);
+      v.magnification = std::max(zoom.magnification, limit);
+      long const wishX = random.below(800) - 400, wishY = random.below(800) - 400;
+      long const reachX = std::max(v.displayW, v.imageW), reachY = std::max(v.displayH, v.imageH);
+      v.panX = static_cast<double>(std::clamp(wishX, -reachX, reachX));
+      v.panY = static_cast<double>(std::clamp(wishY, -reachY, reachY));
+      if (random.below(2)) {
+        v.panX = v.panY = 0;
+      }
+      Outcome const outcome =
+          view(folder, {"--window", std::to_string(v.displayW) + "x" + std::to_string(v.displayH), "--depth",
+                        std::to_string(depth), "--mag", zoom.option, "--pan",
+                        (v.panX == 0 && v.panY == 0) ? "0,0" : std::to_string(wishX) + "," + std::to_string(wishY),
+                        "--shot", picture.string(), image.string()});
+      ASSERT_EQ(outcome.status, 0) << outcome.err;
+
+      std::vector<std::uint32_t> seen;
+      for (std::size_t i = 0; i < pels.values.size(); ++i)
+        seen.push_back(pels.seen(i, depth));
+      plain::Picture const expected = plain::displayPicture(v, seen, kSurround);
+      long w = 0, h = 0;
+      std::vector<std::uint32_t> const actual = pelsOf(picture, w, h);
+      ASSERT_EQ(w, v.displayW);
+      ASSERT_EQ(h, v.displayH);
+      EXPECT_EQ(plain::firstDifference(expected, actual), "")
+          << "kind " << kind << " " << pels.w << "x" << pels.h << " mag " << zoom.option << " depth " << depth << " pan "
+          << v.panX << "," << v.panY << " window " << v.displayW << "x" << v.displayH;
+      ++checked;
+    }
+  EXPECT_EQ(checked, 35);
+}
+
+TEST(Krsview, fitLandsOnAWholeReductionAndFitExactOnTheRatio)
+{
+  TestFolder const folder;
+  Random random{3};
+  writeNetpbm(folder.file("a.pgm"), randomPels(random, Pels::grey8, 1000, 1000));
+  std::string const image = folder.file("a.pgm").string();
+
+  // 400 / 1000: 1/2.5 becomes -3.5, truncated to -3.
+  Outcome const fit = view(folder, {"--window", "400x400", "--fit", "--info", image});
+  Outcome const exact = view(folder, {"--window", "400x400", "--fit-exact", "--info", image});
+
+  EXPECT_EQ(cfReadJson(fit.out).value["mag"].number(), -3);
+  EXPECT_NEAR(cfReadJson(fit.out).value["magExact"].number(), 1.0 / 3, 1e-12);
+  EXPECT_EQ(cfReadJson(exact.out).value["magExact"].number(), 0.4);
+}
+
+TEST(Krsview, infoTellsOfFileAndView)
+{
+  TestFolder const folder;
+  Random random{4};
+  writeNetpbm(folder.file("part.pgm"), randomPels(random, Pels::grey12, 100, 40));
+  std::string const image = folder.file("part.pgm").string();
+
+  Outcome const outcome =
+      view(folder, {"--window", "80x60", "--depth", "16", "--mag", "4", "--pan", "10,-5", "--info", image});
+
+  ASSERT_EQ(outcome.status, 0) << outcome.err;
+  ccJsonText const json = cfReadJson(outcome.out);
+  ASSERT_TRUE(json) << json.error;
+  ccJson const& info = json.value;
+  char const* const keys[] = {"file", "width", "height", "type",    "bits",   "depth",
+                              "mag",  "magExact", "pan", "overlay", "visible"};
+  ASSERT_EQ(info.size(), 11u);
+  for (std::size_t i = 0; i < 11; ++i)
+    EXPECT_EQ(info.name(i), keys[i]);
+  EXPECT_EQ(info["file"].text(), image);
+  EXPECT_EQ(info["width"].number(), 100);
+  EXPECT_EQ(info["height"].number(), 40);
+  EXPECT_EQ(info["type"].text(), "grey16");
+  EXPECT_EQ(info["bits"].number(), 12);
+  EXPECT_EQ(info["depth"].number(), 16);
+  EXPECT_EQ(info["mag"].number(), 4);
+  EXPECT_EQ(info["magExact"].number(), 4);
+  EXPECT_EQ(info["pan"], ccJson::array().push(10).push(-5));
+  EXPECT_EQ(info["overlay"].text(), "none");
+  // 80 by 60 pels are 20 by 15 image pels. The display's middle shows (50, 20) less the pan: columns 30 to 50, and rows
+  // 17.5 to 32.5, which the window cuts in half.
+  EXPECT_EQ(info["visible"], ccJson::array().push(30).push(17).push(20).push(16));
+}
+
+TEST(Krsview, typesAreNamedByTheFile)
+{
+  TestFolder const folder;
+  Random random{5};
+  char const* const names[] = {"grey8", "grey16", "rgb"};
+  for (int kind = 0; kind < 3; ++kind) {
+    writeNetpbm(folder.file("x.pnm"), randomPels(random, static_cast<Pels::Kind>(kind), 9, 9));
+    Outcome const outcome = view(folder, {"--info", folder.file("x.pnm").string()});
+    EXPECT_EQ(cfReadJson(outcome.out).value["type"].text(), names[kind]);
+  }
+}
+
+TEST(Krsview, badFilesGetOneLineEachAndTheOthersStillShow)
+{
+  TestFolder const folder;
+  Random random{6};
+  writeNetpbm(folder.file("good.pgm"), randomPels(random, Pels::grey8, 20, 20));
+  folder.file("cut.pgm", bytesOf("P5\n20 20\n255\nabc"));
+  folder.file("big.pgm", bytesOf("P5\n16385 1\n255\n"));
+  folder.file("text.png", bytesOf("this is no picture"));
+  fs::create_directory(folder.file("empty"));
+
+  Outcome const outcome = view(folder, {folder.file("missing.png").string(), folder.file("cut.pgm").string(),
+                                        folder.file("good.pgm").string(), folder.file("big.pgm").string(),
+                                        folder.file("text.png").string(), folder.file("empty").string(), "--shot",
+                                        folder.file("shot.png").string(), "--info"});
+
+  EXPECT_EQ(outcome.status, 2);
+  EXPECT_EQ(lines(outcome.err), 5) << outcome.err;
+  for (char const* const name : {"missing.png", "cut.pgm", "big.pgm", "text.png", "empty"})
+    EXPECT_NE(outcome.err.find(name), std::string::npos) << name;
+  EXPECT_EQ(cfReadJson(outcome.out).value["file"].text(), folder.file("good.pgm").string());
+  EXPECT_TRUE(cfReadImageFile(folder.file("shot.png")));
+}
+
+TEST(Krsview, aDirectoryShowsItsFirstGoodImageByName)
+{
+  TestFolder const folder;
+  Random random{7};
+  fs::path const images = folder.file("images");
+  fs::create_directory(images);
+  writeNetpbm(images / "b.pgm", randomPels(random, Pels::grey8, 12, 12));
+  writeNetpbm(images / "c.pgm", randomPels(random, Pels::grey8, 13, 13));
+  std::ofstream(images / "a.pgm") << "broken";
+  std::ofstream(images / "notes.txt") << "no image";
+
+  Outcome const outcome = view(folder, {images.string(), "--info"});
+
+  EXPECT_EQ(outcome.status, 2);
+  EXPECT_EQ(lines(outcome.err), 1) << outcome.err;
+  EXPECT_EQ(cfReadJson(outcome.out).value["width"].number(), 12);
+}
+
+TEST(Krsview, withoutImagesItTakesTheBundledSamples)
+{
+  TestFolder const folder;
+
+  Outcome const outcome = view(folder, {"--info"});
+
+  EXPECT_EQ(outcome.status, 0) << outcome.err;
+  EXPECT_NE(cfReadJson(outcome.out).value["file"].text().find("samples"), std::string::npos);
+}
+
+TEST(Krsview, badOptionsEndWithStatusOneAndOneLine)
+{
+  TestFolder const folder;
+  std::vector<std::vector<std::string>> const wrong = {
+      {"--nonsense"}, {"--window"},        {"--window", "0x10"},  {"--window", "10x"},   {"--window", "20000x5"},
+      {"--depth"},    {"--depth", "12"},   {"--depth", "32x"},    {"--mag", "2.5"},      {"--mag", ""},
+      {"--pan", "1"}, {"--pan", "1,nan"},  {"--pan", "1,2,3"},    {"--shot"},            {"--shot", ""},
+      {"--fit=3"},    {"--headless=yes"},
+  };
+  for (auto const& arguments : wrong) {
+    Outcome const outcome = view(folder, arguments);
+    EXPECT_EQ(outcome.status, 1) << arguments[0];
+    EXPECT_EQ(lines(outcome.err), 1) << arguments[0] << ": " << outcome.err;
+    EXPECT_EQ(outcome.out, "") << arguments[0];
+  }
+}
+
+TEST(Krsview, anUnwritableOutputEndsWithStatusOneAndLeavesNothing)
+{
+  TestFolder const folder;
+  Random random{8};
+  writeNetpbm(folder.file("a.pgm"), randomPels(random, Pels::grey8, 20, 20));
+  std::string const image = folder.file("a.pgm").string();
+
+  Outcome const nowhere = view(folder, {"--shot", folder.file("no/such/folder/x.png").string(), image});
+  Outcome const device = view(folder, {"--shot", "/dev/full", image});
+
+  EXPECT_EQ(nowhere.status, 1);
+  EXPECT_EQ(lines(nowhere.err), 1) << nowhere.err;
+  EXPECT_EQ(device.status, 1);
+  EXPECT_EQ(lines(device.err), 1) << device.err;
+  EXPECT_FALSE(fs::exists(folder.file("no")));
+}
+
+TEST(Krsview, theShotReplacesAnEarlierOneWholeAndLeavesNoOtherFile)
+{
+  TestFolder const folder;
+  Random random{9};
+  fs::create_directory(folder.file("out"));
+  writeNetpbm(folder.file("a.pgm"), randomPels(random, Pels::grey8, 20, 20));
+  std::ofstream(folder.file("out/x.png")) << "an earlier picture";
+
+  Outcome const outcome = view(folder, {"--shot", folder.file("out/x.png").string(), folder.file("a.pgm").string()});
+
+  EXPECT_EQ(outcome.status, 0) << outcome.err;
+  EXPECT_TRUE(cfReadImageFile(folder.file("out/x.png")));
+  EXPECT_EQ(std::distance(fs::directory_iterator(folder.file("out")), {}), 1);
+}
+
+TEST(Krsview, scrollBarsTakeTheirPartOfTheWindow)
+{
+  TestFolder const folder;
+  Random random{10};
+  Pels const pels = randomPels(random, Pels::grey8, 300, 300);
+  writeNetpbm(folder.file("a.pgm"), pels);
+
+  Outcome const outcome = view(folder, {"--window", "120x100", "--scrollbars", "--info", "--shot",
+                                        folder.file("shot.png").string(), folder.file("a.pgm").string()});
+
+  ASSERT_EQ(outcome.status, 0) << outcome.err;
+  // Bars are 16 pels wide: 104 by 84 are left for the image.
+  EXPECT_EQ(cfReadJson(outcome.out).value["visible"], ccJson::array().push(98).push(108).push(104).push(84));
+  long w = 0, h = 0;
+  std::vector<std::uint32_t> const shot = pelsOf(folder.file("shot.png"), w, h);
+  ASSERT_EQ(w, 120);
+  ASSERT_EQ(h, 100);
+  for (long y = 0; y < 84; ++y)
+    for (long x = 0; x < 104; ++x)
+      ASSERT_EQ(shot[static_cast<std::size_t>(y * 120 + x)],
+                pels.seen(static_cast<std::size_t>((y + 108) * 300 + x + 98), 32))
+          << x << "," << y;
+}
+
+TEST(Krsview, helpAndVersionAnswerOnStandardOutput)
+{
+  TestFolder const folder;
+
+  Outcome const help = view(folder, {"--help"});
+  Outcome const version = view(folder, {"--version"});
+
+  EXPECT_EQ(help.status, 0);
+  EXPECT_NE(help.out.find("--fit-exact"), std::string::npos);
+  EXPECT_EQ(version.status, 0);
+  EXPECT_EQ(version.out.find("krsview "), 0u);
+  EXPECT_EQ(help.err + version.err, "");
+}

@@ -1,0 +1,100 @@
+// Drawing and repainting of settled trees takes no memory from the heap.
+#include "geometry/lines.h"
+#include "tests/canvas/tablet_fixture.h"
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <cstdlib>
+#include <new>
+
+namespace {
+
+std::atomic<long> allocations{0};
+
+// Counts its drawing calls and keeps nothing.
+class QuietScope : public MemoryScope {
+public:
+  explicit QuietScope(ccPair<long> const& size, long* calls) : MemoryScope(size), calls_(calls) {}
+
+  using MemoryScope::draw;
+  using MemoryScope::expand;
+  using MemoryScope::set;
+  ccUIScope* createChildScope(ccUIRect const& r, bool) override
+  {
+    auto* child = new QuietScope(ccPair<long>(1, 1), calls_);
+    child->subset(*this, r);
+    return child;
+  }
+  void lockScreenUpdatesPush(bool) override {}
+  bool lockScreenUpdatesPop() override { return false; }
+  void updateScreen() override {}
+  void draw(ccPelBuffer_const<unsigned char> const&, ccPoint const&, bool, unsigned char, bool) override { ++*calls_; }
+  void expand(ccPelBuffer_const<unsigned char> const&, ccPoint const&, ccPair<double> const&, bool, unsigned char, bool,
+              InterpolationModes) override
+  {
+    ++*calls_;
+  }
+  void draw(ccLineSeg const&, ccGraphicProps const&) override { ++*calls_; }
+  void set(ccUIRect const&, ccColor const&) override { ++*calls_; }
+  void drawTo(ccPoint const&, ccGraphicProps const&) override { ++*calls_; }
+
+private:
+  long* calls_;
+};
+
+class QuietTablet : public ccUITablet {
+public:
+  using ccUITablet::ccUITablet;
+  ccPelBuffer<unsigned char> pels{8, 8};
+  void redraw_() override
+  {
+    draw(pels, ccPoint(), false, 0, true, redrawLayer_);
+    setComplement(ccUIRect(0, 0, 8, 8), ccColor::dkGreyColor(), redrawLayer_);
+    opaque(kImage, true);
+    draw(ccLineSeg(ccPoint(0, 0), ccPoint(30, 30)), ccColor::redColor(), redrawLayer_);
+    drawTo(ccPoint(9, 9), ccColor::redColor(), redrawLayer_);
+  }
+};
+
+}  // namespace
+
+void* operator new(std::size_t size)
+{
+  ++allocations;
+  if (void* p = std::malloc(size ? size : 1))
+    return p;
+  throw std::bad_alloc();
+}
+void operator delete(void* p) noexcept { std::free(p); }
+void operator delete(void* p, std::size_t) noexcept { std::free(p); }
+
+TEST(TabletAllocation, settledFramesTakeNoMemory)
+{
+  long calls = 0;
+  QuietScope image({60, 40}, &calls);
+  ccUITablet top(&image, nullptr);
+  QuietTablet display(top, {5, 5, 40, 30});
+  ccUITablet form(top, {20, 10, 6, 6});  // cuts the display into pieces
+  form.opaque(kImage, true);
+  form.set(ccColor::whiteColor(), kImage);
+  auto const frame = [&] {
+    display.scaleExact({2, 2});
+    display.fullDraw(kBoth);
+    display.update(kBoth);
+    top.update(ccUIRect(8, 8, 5, 5), kImage, true);
+    top.update(ccUIRect(30, 8, 5, 5), kImage, false);
+    top.update(kBoth);
+    display.draw(ccLineSeg(ccPoint(0, 0), ccPoint(20, 9)), ccColor::redColor(), kImage);
+  };
+  for (int i = 0; i < 3; ++i)
+    frame();
+
+  calls = 0;
+  long const before = allocations;
+  for (int i = 0; i < 20; ++i)
+    frame();
+
+  EXPECT_EQ(before, allocations);
+  EXPECT_GT(calls, 200);
+}
