@@ -55,6 +55,7 @@ TEST_F(DisplayMag, answersTheWholeMagnificationOrReduction)
 TEST_F(DisplayMag, everyWholeReductionReadsBack)
 {
   test->image(cfGrey8(6000, 6000, 1), true);
+  test->disableDrawing();
   for (long n = 2; n <= 700; ++n) {
     test->mag(-n);
     ASSERT_EQ(test->mag(), -n);
@@ -379,6 +380,7 @@ TEST_F(DisplayPan, doesNotDriftOverManyPansAndZooms)
 {
   show(1000, 700);
   Random random(3);
+  test->disableDrawing();
   for (int i = 0; i < 500; ++i) {
     test->magExact(cfPickReal(random, 0.02, 40));
     test->pan({cfPickReal(random, -1000, 1000), cfPickReal(random, -700, 700)});
