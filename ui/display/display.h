@@ -170,10 +170,10 @@ protected:
   void dragStart_(ccPair<long> const& at) override;
   void dragAnimate_(ccPair<long> const& from, ccPair<long> const& to) override;
   void dragStop_(ccPair<long> const& from, ccPair<long> const& to) override;
-  void mouseDown_() override;
   void mouseEnter_() override;
   void idleMouseEnter_() override;
   void mouseLeave_() override;
+  void mouseMove_(ccPair<long> const&) override;
   void mouseRight_(ccPair<long> const&, ccMouseEvent::Event, unsigned long keys) override;
   void keyboard_(ccKeyboardEvent const&) override;
 
@@ -194,7 +194,6 @@ private:
   void cursor_(int);
   void centreOnAnchor_();
   void leavePan_();
-  void leaveLostPan_();
   void handleDraggingXformChange();
 
   cc2XformCache xformCache_;

@@ -69,14 +69,7 @@ void ccDisplay::idleMouseMode(MouseMode m)
 }
 
 void ccDisplay::mouseEnter_() { mouseMode(mouseMode_); }
-
-void ccDisplay::idleMouseEnter_()
-{
-  leaveLostPan_();
-  idleMouseMode(mouseMode_);
-}
-
-void ccDisplay::mouseDown_() { leaveLostPan_(); }
+void ccDisplay::idleMouseEnter_() { idleMouseMode(mouseMode_); }
 
 void ccDisplay::mouseLeave_()
 {
@@ -211,8 +204,8 @@ void ccDisplay::disable(States state, bool nested)
     leavePan_();
 }
 
-// Nor does one whose drag was replaced by another gesture, as the button's release never came: at the next sign of life.
-void ccDisplay::leaveLostPan_()
+// Nor does one whose drag was replaced by another gesture, as the button's release never came: the next motion over it shows.
+void ccDisplay::mouseMove_(ccPair<long> const&)
 {
   if (panning_ && !dragging())
     leavePan_();

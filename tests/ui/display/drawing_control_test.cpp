@@ -169,8 +169,8 @@ TEST(DisplayDraggedShape, theAnchorMovesOnceForEachChange)
 
 TEST(DisplayDraggedShape, theAnchorMovesByWholeZoomedPels)
 {
+  HookLog log;  // outlives the shape
   TestDisplay test(80, 60);
-  HookLog log;
   auto* const shape = new SpyShape(log, "shape", test.imageFrame(), ccVector<2>(10, 10), 4.0);
   shape->condVisible(true);
   test->mouseMode(ccDisplay::pointerMode);
@@ -191,8 +191,8 @@ TEST(DisplayDraggedShape, theAnchorMovesByWholeZoomedPels)
 
 TEST(DisplayDraggedShape, inTheDisplayFrameKeepsItsAnchor)
 {
+  HookLog log;  // outlives the shape
   TestDisplay test(80, 60);
-  HookLog log;
   auto* const shape = new SpyShape(log, "shape", test.displayFrame(), ccVector<2>(10, 10), 10.0);
   shape->condVisible(true);
   test->mouseMode(ccDisplay::pointerMode);

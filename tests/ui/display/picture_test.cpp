@@ -165,7 +165,7 @@ void checkScene(unsigned seed, Kind kind, int depth)
 
 void checkScenes(Kind kind, int depth)
 {
-  for (unsigned seed = 1; seed <= 60 && !::testing::Test::HasFatalFailure(); ++seed)
+  for (unsigned seed = 1; seed <= 25 && !::testing::Test::HasFatalFailure(); ++seed)
     checkScene(seed, kind, depth);
 }
 
