@@ -21,6 +21,7 @@ struct MemoryScope::Root {
   long presentations = 0;
   std::vector<ccUIRect> presented;
   std::vector<Call> log;
+  bool logging = true;
 
   ccUIRect rect() const { return ccUIRect(ccPair<long>(), size); }
   bool toBackup() const { return dragging && !animating; }
@@ -55,8 +56,10 @@ struct MemoryScope::Root {
     if (locks.top())
       return;
     copy(surface, screen, invalid);
-    presented.push_back(invalid);
-    ++presentations;
+    if (logging) {
+      presented.push_back(invalid);
+      ++presentations;
+    }
     invalid = ccUIRect();
   }
 };
@@ -233,6 +236,11 @@ void MemoryScope::clearLog()
   root_->log.clear();
   root_->presented.clear();
   root_->presentations = 0;
+}
+
+void MemoryScope::keepLog(bool on)
+{
+  root_->logging = on;
 }
 
 void MemoryScope::poison(std::uint32_t v)
@@ -609,7 +617,8 @@ void MemoryScope::colorMapEx(std::vector<ccRGB> const& map)
 
 void MemoryScope::call_(char const* kind, ccUIRect const& local, ccGraphicProps const& props, std::string const& text)
 {
-  root_->log.push_back(Call{kind, local.isNull() ? ccUIRect() : local + origin_, props, text});
+  if (root_->logging)
+    root_->log.push_back(Call{kind, local.isNull() ? ccUIRect() : local + origin_, props, text});
 }
 
 void MemoryScope::touched_(ccUIRect const& local, bool isOpaque)
@@ -700,7 +709,9 @@ std::uint32_t MemoryScope::from8_(unsigned char v, bool mapped) const
 
 std::uint32_t MemoryScope::from16_(unsigned short v) const
 {
-  return fromRGB_(v < root_->imageColors.size() ? root_->imageColors[v] : ccRGB());
+  // Pels beyond a short map take its last colour.
+  std::vector<ccRGB> const& map = root_->imageColors;
+  return fromRGB_(map.empty() ? ccRGB() : map[std::min<std::size_t>(v, map.size() - 1)]);
 }
 
 ccUIRect MemoryScope::textBlock_(std::string const& text, ccPoint const& at, ccUIFormat const& format) const

@@ -46,6 +46,7 @@ public:
   std::vector<Call> const& log() const;
   long calls(std::string const& kind) const;
   void clearLog();                  // the log, the presentations and their rectangles
+  void keepLog(bool);               // off: nothing is logged or counted, and no call allocates for it
   void poison(std::uint32_t value); // every pel of surface and screen
   void resize(ccPair<long> const&); // a root only; new black surfaces
   ccUIRect rootRect() const;        // this scope in root pels

@@ -5,10 +5,13 @@
 #include "foundation/exception_impl.h"
 #include "foundation/pel_ops.h"
 #include "ui/core/event_processor.h"
+#include "ui/core/node_walk.h"
 #include "ui/core/root.h"
 #include "ui/core/shapes.h"
+#include "ui/display/flag_hold.h"
 
 #include <algorithm>
+#include <cmath>
 
 KRS_DEFINE_EXCEPTION(ccDisplay::BadFifo, ccException, 0x10004518)
 
@@ -16,33 +19,6 @@ namespace {
 
 constexpr double kMaxMag = 65536.0;
 constexpr double kMinEdge = 8.0;  // pels that the image's shorter edge keeps when it is zoomed out
-
-// Brackets a composite change: nothing reaches the screen before its end.
-class cc_ScreenHold {
-public:
-  cc_ScreenHold(ccUITablet& tablet, ccUITablet::Layers layers) : tablet_(tablet), layers_(layers)
-  {
-    tablet_.lockScreenUpdatesPush(true, layers_);
-  }
-  ~cc_ScreenHold() { tablet_.lockScreenUpdatesPop(layers_); }
-  cc_ScreenHold(cc_ScreenHold const&) = delete;
-  cc_ScreenHold& operator=(cc_ScreenHold const&) = delete;
-
-private:
-  ccUITablet& tablet_;
-  ccUITablet::Layers layers_;
-};
-
-class cc_FlagHold {
-public:
-  cc_FlagHold(ccFlagStack& stack, bool value) : stack_(stack) { stack_.push(value); }
-  ~cc_FlagHold() { stack_.pop(); }
-  cc_FlagHold(cc_FlagHold const&) = delete;
-  cc_FlagHold& operator=(cc_FlagHold const&) = delete;
-
-private:
-  ccFlagStack& stack_;
-};
 
 long cf_orOne(long v) { return v == 0 ? 1 : v; }
 
@@ -83,6 +59,9 @@ ccDisplay::ccDisplay(ccUIFrame* parent, ccUIRect const& r) : ccUIControlFrame(pa
 
 ccDisplay::~ccDisplay()
 {
+  beginDestruction();
+  if (panning_ && root())
+    root()->holdFrameSizer_(false);
   for (ccUIShapesFrame* frame : {displayFrame_, static_cast<ccUIShapesFrame*>(imageFrame_),
                                  static_cast<ccUIShapesFrame*>(clientFrame_)})
     frame->condVisible(false);
@@ -208,7 +187,7 @@ void ccDisplay::image(ccPelBuffer_const<unsigned char> const& b, bool mapPels)
   cs_Arrival<unsigned char> arrival;
   if (!arrive_(b, arrival))
     return;
-  cc_ScreenHold const hold(*this, bothLayers);
+  cc_ScreenLock const screen(this, bothLayers);
   if (colorMapEx_.size() != 256 || colorMap_.size() != 256)
     rebuildMaps_();
   bool const sizeChanged = !hasImage() || cf_sizeDiffers(image8_, b);
@@ -225,7 +204,7 @@ void ccDisplay::image(ccPelBuffer_const<unsigned short> const& b, long bits)
   if (!arrive_(b, arrival))
     return;
   // The new map, the maps of the frames and the picture reach the screen together.
-  cc_ScreenHold const hold(*this, bothLayers);
+  cc_ScreenLock const screen(this, bothLayers);
   windowMap_(b, bits);
   bool const sizeChanged = !hasImage() || cf_sizeDiffers(image16_, b);
   image8_.setUnbound();
@@ -311,7 +290,7 @@ void ccDisplay::windowMap_(ccPelBuffer_const<unsigned short> const& b, long bits
   unsigned short lowest = 0, highest = 0;
   cfPelMinmax(b, lowest, highest);
   scratchMap_.assign(size, ccRGB(255, 255, 255));
-  std::fill_n(scratchMap_.begin(), std::min<std::size_t>(lowest, size), ccRGB());
+  std::fill_n(scratchMap_.begin(), std::min<std::size_t>(lowest, used), ccRGB());
   unsigned const run = (static_cast<unsigned>(highest) - lowest) / 256u + 1;
   for (std::size_t i = lowest; i <= highest && i < used; ++i) {
     auto const grey = static_cast<unsigned char>((i - lowest) / run);
@@ -354,7 +333,7 @@ void ccDisplay::imageLowLevel(bool sizeChanged, long w, long h, bool bound, ccXf
   if (!bound) {
     imageFrame_->parentFromChild(ccXform<2>::I);
     clientFrame_->parentFromChild(ccXform<2>::I);
-    cc_ScreenHold const hold(*this, bothLayers);
+    cc_ScreenLock const screen(this, bothLayers);
     fullDraw(imageLayer);
     updateDisplay(imageLayer);
   } else {
@@ -432,7 +411,7 @@ void ccDisplay::magExact(double m)
   double const w = static_cast<double>(cf_orOne(size.x())), h = static_cast<double>(cf_orOne(size.y()));
   double const limit = std::min({std::max(kMinEdge / w, kMinEdge / h), 1.0, scaleExact_.x()});
   m = std::max(m, limit);
-  cc_ScreenHold const hold(*this, bothLayers);
+  cc_ScreenLock const screen(this, bothLayers);
   disableDrawing();
   scaleExact(ccPair<double>(m, m));
   pan(pan_);
@@ -451,7 +430,7 @@ void ccDisplay::fit()
   ccLock lock(rootMutex());
   ccPair<long> const size = hasImage() ? imageSize() : ccUITablet::size();
   double const iw = static_cast<double>(cf_orOne(size.x())), ih = static_cast<double>(cf_orOne(size.y()));
-  cc_ScreenHold const hold(*this, bothLayers);
+  cc_ScreenLock const screen(this, bothLayers);
   disableDrawing();
   pan(ccVector<2>(0, 0));
   ccPair<double> const client(clientArea());
@@ -470,7 +449,7 @@ void ccDisplay::fitExact()
   ccLock lock(rootMutex());
   ccPair<long> const size = hasImage() ? imageSize() : ccUITablet::size();
   double const iw = static_cast<double>(cf_orOne(size.x())), ih = static_cast<double>(cf_orOne(size.y()));
-  cc_ScreenHold const hold(*this, bothLayers);
+  cc_ScreenLock const screen(this, bothLayers);
   disableDrawing();
   pan(ccVector<2>(0, 0));
   enableDrawing(false);
@@ -482,9 +461,10 @@ void ccDisplay::pan(ccVector<2> const& p)
 {
   ccLock lock(rootMutex());
   auto const clamp = [](double v, double low, double high) { return v < low ? low : v > high ? high : v; };
-  // Not a number would stick in the base map for ever.
-  if (p.x() == p.x() && p.y() == p.y())
-    pan_ = ccVector<2>(clamp(p.x(), minPan_.x(), maxPan_.x()), clamp(p.y(), minPan_.y(), maxPan_.y()));
+  ccVector<2> const wanted(clamp(p.x(), minPan_.x(), maxPan_.x()), clamp(p.y(), minPan_.y(), maxPan_.y()));
+  // What isn't finite would stick in the base map for ever.
+  if (std::isfinite(wanted.x()) && std::isfinite(wanted.y()))
+    pan_ = wanted;
   ccPair<long> size = ccUITablet::size();
   ccPair<long> const middle(size.x() / 2, size.y() / 2);
   if (hasImage() && imageSize() != ccPair<long>(0, 0))
@@ -492,7 +472,7 @@ void ccDisplay::pan(ccVector<2> const& p)
   ccVector<2> const shift =
       tabletCoords(middle) - ccVector<2>(ccPair<long>(size.x() / 2, size.y() / 2)) + pan_;
   {
-    cc_ScreenHold const hold(*this, bothLayers);
+    cc_ScreenLock const screen(this, bothLayers);
     baseMap(ccXform<2>(ccMatrix<2>(), shift) * baseMap_);
     if (!drawingDisabled_) {
       handleDraggingXformChange();
@@ -537,7 +517,7 @@ void ccDisplay::maxPan(ccPair<double> const& p)
 void ccDisplay::resize_()
 {
   ccLock lock(rootMutex());
-  cc_ScreenHold const hold(*this, bothLayers);
+  cc_ScreenLock const screen(this, bothLayers);
   disableDrawing();
   ccUIRect const whole(ccPair<long>(0, 0), ccUITablet::size());
   displayFrame_->scopeRect(whole);
@@ -578,7 +558,7 @@ void ccDisplay::updateDisplay(Layers layer)
 {
   if (drawingDisabled_)
     return;
-  cc_ScreenHold const hold(*this, layer);
+  cc_ScreenLock const screen(this, layer);
   if (layer == bothLayers) {
     update(imageLayer);
     update(overlayLayer);
@@ -602,7 +582,7 @@ void ccDisplay::updateDisplay(Layers layer)
 void ccDisplay::drawImage()
 {
   cc_FlagHold const quiet(layerRepaint_, false);
-  cc_ScreenHold const hold(*this, imageLayer);
+  cc_ScreenLock const screen(this, imageLayer);
   ccPoint const origin(0, 0);
   if (!hasImage())
     set(ccColor::dkGreyColor(), imageLayer);
@@ -635,13 +615,13 @@ void ccDisplay::redraw_()
   Layers const layer = redrawLayer_;
   cc_FlagHold const quiet(layerRepaint_, false);
   if (overlaySupported() && (layer == overlayLayer || layer == bothLayers)) {
-    cc_ScreenHold const hold(*this, overlayLayer);
+    cc_ScreenLock const screen(this, overlayLayer);
     ccUIRect const whole = currentScope(imageLayer);
     set(whole, ccColor::passColor(), overlayLayer);
     setComplement(whole, ccColor::dkGreyColor(), overlayLayer);
     opaque(overlayLayer, true);
   }
-  cc_ScreenHold const hold(*this, imageLayer);
+  cc_ScreenLock const screen(this, imageLayer);
   if (layer == imageLayer || layer == bothLayers)
     drawImage();
   if (!sketch_.isEmpty())
@@ -662,7 +642,7 @@ void ccDisplay::showPalette_()
 void ccDisplay::colorMap(std::vector<ccRGB> const& map, long start)
 {
   ccLock lock(rootMutex());
-  cc_ScreenHold const hold(*this, bothLayers);
+  cc_ScreenLock const screen(this, bothLayers);
   long const size = static_cast<long>(map.size());
   // The bound is size - start, not size, on purpose: a start other than 0 copies fewer than there are.
   if (start >= 0)
@@ -675,6 +655,7 @@ std::vector<ccRGB> ccDisplay::colorMap()
 {
   ccLock lock(rootMutex());
   std::vector<ccRGB> map = root() ? root()->systemColorMap() : std::vector<ccRGB>(256);
+  map.resize(256);  // a root of another make may answer less
   std::copy_n(colorMap_.begin(), 231, map.begin() + 10);
   return map;
 }
@@ -682,7 +663,7 @@ std::vector<ccRGB> ccDisplay::colorMap()
 void ccDisplay::clearColorMap()
 {
   ccLock lock(rootMutex());
-  cc_ScreenHold const hold(*this, bothLayers);
+  cc_ScreenLock const screen(this, bothLayers);
   // Not the ramp of the constructor, on purpose: entry i becomes grey i, and 0 to 9 black.
   for (std::size_t i = 0; i <= 230; ++i) {
     auto const grey = static_cast<unsigned char>(i < 10 ? 0 : i);
@@ -696,7 +677,7 @@ void ccDisplay::colorMapEx(std::vector<ccRGB> const& map)
   ccLock lock(rootMutex());
   if (map.size() != 256 && map.size() != 1024 && map.size() != 4096 && map.size() != 65536)
     throw ccUIError::InvalidColorMapSize();
-  cc_ScreenHold const hold(*this, bothLayers);
+  cc_ScreenLock const screen(this, bothLayers);
   colorMapEx_ = map;
   if (root())
     root()->colorMapEx(colorMapEx_);

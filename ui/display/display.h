@@ -159,6 +159,7 @@ public:
   ccPair<double> selectPoint(CoordinateSystem, char const* prompt, ccColor const&);
 
   void select(States, bool nested) override;
+  void disable(States, bool nested) override;
   void redraw_() override;
 
 protected:
@@ -172,6 +173,7 @@ protected:
   void mouseEnter_() override;
   void idleMouseEnter_() override;
   void mouseLeave_() override;
+  void mouseMove_(ccPair<long> const&) override;
   void mouseRight_(ccPair<long> const&, ccMouseEvent::Event, unsigned long keys) override;
   void keyboard_(ccKeyboardEvent const&) override;
 
@@ -191,6 +193,7 @@ private:
   void idleMouseMode(MouseMode);
   void cursor_(int);
   void centreOnAnchor_();
+  void leavePan_();
   void handleDraggingXformChange();
 
   cc2XformCache xformCache_;
@@ -201,6 +204,7 @@ private:
   MouseMode mouseMode_ = pointerMode;
   MouseMode savedMouseMode_ = pointerMode;
   std::int32_t panKeyState_ = 0;  // 1 the pan key changed the mode, 2 it was released in a drag
+  bool panning_ = false;          // the operator drags the image: frames are hidden, the frame sizer is held
   ccPair<double> minPan_, maxPan_;
   bool defaultPan_ = true;
   ccVector<2> pan_;

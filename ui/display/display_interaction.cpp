@@ -1,8 +1,11 @@
 // The display under the operator's hand: mouse modes, the pan key, dragging the image and zooming by click.
 #include "ui/core/event_processor.h"
+#include "ui/core/node_walk.h"
 #include "ui/core/root.h"
 #include "ui/core/shapes.h"
 #include "ui/display/display.h"
+
+#include <cmath>
 
 namespace {
 
@@ -85,15 +88,15 @@ void ccDisplay::centreOnAnchor_()
 void ccDisplay::click_()
 {
   switch (mouseMode_) {
-  case pointerMode:
-    for (ccUIObject* kid = frontKid(); kid;) {
-      ccUIObject* const next = kid->fartherSib();
+  case pointerMode: {
+    cc_NodeWalk walk;
+    walk.addKidsFrontToBack(*this);
+    while (ccUIObject* const kid = walk.next())
       kid->condSelected(false, /*recurse=*/true);
-      kid = next;
-    }
     break;
-  case zoomInMode:
-    lockScreenUpdatesPush(true, bothLayers);
+  }
+  case zoomInMode: {
+    cc_ScreenLock const screen(this);
     disableDrawing();
     centreOnAnchor_();
     enableDrawing(false);
@@ -103,8 +106,8 @@ void ccDisplay::click_()
       mag(-(scale().x() / 2));
     else
       mag(2);
-    lockScreenUpdatesPop(bothLayers);
     break;
+  }
   case zoomOutMode:
     if (scaleMode_ == scaleUp)
       mag(scale().x() / 2);
@@ -165,8 +168,9 @@ void ccDisplay::dragStart_(ccPair<long> const&)
   imageFrame_->condVisible(false);
   clientFrame_->condVisible(false);
   cursor_(ccUIRootObject::grabCursor);
-  if (root())
+  if (root() && !panning_)
     root()->holdFrameSizer_(true);
+  panning_ = true;
 }
 
 void ccDisplay::dragStop_(ccPair<long> const& from, ccPair<long> const& to)
@@ -175,15 +179,36 @@ void ccDisplay::dragStop_(ccPair<long> const& from, ccPair<long> const& to)
   cursor_(ccUIRootObject::panCursor);
   // The image jumps by the whole way at once; until now only the drag's offset showed it moving.
   panDelta(to - from);
-  displayFrame_->condVisible(true);
-  imageFrame_->condVisible(true);
-  clientFrame_->condVisible(true);
-  if (root())
-    root()->holdFrameSizer_(false);
+  leavePan_();
   if (panKeyState_ == 2) {
     mouseMode(savedMouseMode_);
     panKeyState_ = 0;
   }
+}
+
+void ccDisplay::leavePan_()
+{
+  displayFrame_->condVisible(true);
+  imageFrame_->condVisible(true);
+  clientFrame_->condVisible(true);
+  if (root() && panning_)
+    root()->holdFrameSizer_(false);
+  panning_ = false;
+}
+
+// A display that is hidden or disabled in the middle of a drag hears nothing of its end: its graphics come back at once.
+void ccDisplay::disable(States state, bool nested)
+{
+  ccUIControlFrame::disable(state, nested);
+  if (panning_)
+    leavePan_();
+}
+
+// Nor does one whose drag was replaced by another gesture, as the button's release never came: the next motion over it shows.
+void ccDisplay::mouseMove_(ccPair<long> const&)
+{
+  if (panning_ && !dragging())
+    leavePan_();
 }
 
 // The map may move under a shape that is being dragged: its anchor moves with the map.
@@ -209,6 +234,7 @@ void ccDisplay::handleDraggingXformChange()
   ccVector<2> const place =
       nested->tabletFromScreen(events.anchor()) + nested->screenMap_.inverse().mapVector(moved);
   events.anchor(owner->tablet()->screenCoords(place));
+  nested->updatePrevXform();  // or the next pan would move the anchor once more
 }
 
 void ccDisplay::addShape(ccUIShapes* shape, CoordinateSystem cs)

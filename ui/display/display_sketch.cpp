@@ -1,8 +1,14 @@
 // Sketches kept in the coordinate frames, the pel grids, and what a drag of the display draws.
 #include "geometry/lines.h"
 #include "geometry/rect.h"
+#include "ui/core/node_walk.h"
 #include "ui/core/root.h"
 #include "ui/display/display.h"
+#include "ui/display/flag_hold.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <limits>
 
 ccUISketch const& ccDisplay::getSketch(CoordinateSystem cs)
 {
@@ -31,11 +37,10 @@ void ccDisplay::drawSketch(ccUISketch const& sketch, CoordinateSystem cs, ccRect
   begin.drawClipRect(clip, bothLayers);
   end.drawClipRect(ccRect(), bothLayers);
   ccUISketch const drawn(sketch);
-  lockScreenUpdatesPush(true, bothLayers);
+  cc_ScreenLock const screen(this);
   drawSketch(begin.sketch_, cs);
   drawSketch(drawn, cs);
   drawSketch(end.sketch_, cs);
-  lockScreenUpdatesPop(bothLayers);
 }
 
 void ccDisplay::drawSketchFast(ccUISketch const& sketch, CoordinateSystem cs)
@@ -48,44 +53,67 @@ void ccDisplay::drawSketchFast(ccUISketch const& sketch, CoordinateSystem cs)
 void ccDisplay::eraseSketch(CoordinateSystem cs)
 {
   ccLock lock(rootMutex());
-  lockScreenUpdatesPush(true, bothLayers);
+  cc_ScreenLock const screen(this);
   if (ccUIShapesFrame* const frame = shapesFrame(cs)) {
     frame->sketch_.erase();
     frame->redraw(bothLayers);
   }
   updateDisplay(bothLayers);
-  lockScreenUpdatesPop(bothLayers);
 }
+
+namespace {
+
+long cf_gridValue(long n)
+{
+  constexpr long most = std::numeric_limits<std::int32_t>::max();
+  return std::clamp(n, -most, most);
+}
+
+// The grid lines of one axis, in image pels.
+struct cs_GridRange {
+  std::int64_t first, last;  // of the main lines
+  std::int64_t from, to;     // what may come into sight: the visible part and as much again on either side, for a drag
+
+  cs_GridRange(double low, double high, std::int64_t spacing)
+  {
+    double const cell = static_cast<double>(spacing);
+    first = (std::int64_t{floorTL(low / cell)} - 1) * spacing;
+    last = (std::int64_t{floorTL(high / cell)} + 1) * spacing;
+    std::int64_t const reach = std::int64_t{floorTL(high)} - floorTL(low) + 1;
+    from = std::max(first, std::int64_t{floorTL(low)} - reach);
+    to = std::min(last, std::int64_t{floorTL(high)} + reach);
+  }
+};
+
+}  // namespace
 
 void ccDisplay::grid(long n)
 {
   ccLock lock(rootMutex());
-  grid_ = n;
+  grid_ = cf_gridValue(n);
   fullDraw(bothLayers);
 }
 
 void ccDisplay::subpixelGrid(long n)
 {
   ccLock lock(rootMutex());
-  subpixelGrid_ = n;
+  subpixelGrid_ = cf_gridValue(n);
   fullDraw(bothLayers);
 }
 
 // Grids lie over the image and under shapes, and appear only when the zoom makes them readable.
 void ccDisplay::drawGrids_()
 {
-  bool const gridOn = grid_ >= 1 && mag() * grid_ > 4;
+  bool const gridOn = grid_ >= 1 && std::int64_t{mag()} * grid_ > 4;
   bool const subOn = subpixelGrid_ > 1 && mag() / (subpixelGrid_ - 1) > 8;
   if (!gridOn && !subOn)
     return;
   ccUIRect const active = activeScope(imageLayer);
   ccPoint const t = tabletCoords(active.ul()), b = tabletCoords(active.lr());
-  long const g = grid_ > 1 ? grid_ : 1;
-  double const cell = static_cast<double>(g);
-  long const x0 = (floorTL(t.x() / cell) - 1) * g, y0 = (floorTL(t.y() / cell) - 1) * g;
-  long const x1 = (floorTL(b.x() / cell) + 1) * g, y1 = (floorTL(b.y() / cell) + 1) * g;
-  double const top = static_cast<double>(y0), bottom = static_cast<double>(y1);
-  double const left = static_cast<double>(x0), right = static_cast<double>(x1);
+  std::int64_t const spacing = std::max(grid_, 1L);
+  cs_GridRange const xs(t.x(), b.x(), spacing), ys(t.y(), b.y(), spacing);
+  double const top = static_cast<double>(ys.from), bottom = static_cast<double>(ys.to);
+  double const left = static_cast<double>(xs.from), right = static_cast<double>(xs.to);
   auto const column = [&](double x, ccColor const& color) {
     draw(ccLineSeg(ccPoint(x, top), ccPoint(x, bottom)), color, imageLayer);
   };
@@ -93,38 +121,35 @@ void ccDisplay::drawGrids_()
     draw(ccLineSeg(ccPoint(left, y), ccPoint(right, y)), color, imageLayer);
   };
   if (subOn) {
-    // Where a main line will stand, its place stays free.
-    auto const sweep = [&](long from, long to, auto const& line) {
-      bool on = gridOn;
-      for (long v = from, passed = 0; v <= to; ++v) {
-        for (long k = on ? 1 : 0; k < subpixelGrid_; ++k)
+    auto const sweep = [&](cs_GridRange const& range, auto const& line) {
+      for (std::int64_t v = range.from; v <= range.to; ++v) {
+        // Where a main line will stand, its place stays free.
+        bool const onMain = gridOn && (v - range.first) % spacing == 0;
+        for (long k = onMain ? 1 : 0; k < subpixelGrid_; ++k)
           line(static_cast<double>(v) + static_cast<double>(k) / static_cast<double>(subpixelGrid_), subpixelGridColor_);
-        ++passed;
-        if (gridOn)
-          on = passed % grid_ == 0;
       }
     };
-    sweep(x0, x1, column);
-    sweep(y0, y1, row);
+    sweep(xs, column);
+    sweep(ys, row);
   }
   if (gridOn) {
-    for (long x = x0; x <= x1; x += grid_)
+    for (std::int64_t x = xs.first; x <= xs.last; x += spacing)
       column(static_cast<double>(x), gridColor_);
-    for (long y = y0; y <= y1; y += grid_)
+    for (std::int64_t y = ys.first; y <= ys.last; y += spacing)
       row(static_cast<double>(y), gridColor_);
   }
 }
 
 void ccDisplay::dragAnimate_(ccPair<long> const& from, ccPair<long> const& to)
 {
-  layerRepaint_.push(false);
+  cc_FlagHold const quiet(layerRepaint_, false);
   dragDel(to - from);
   if (hasImage())
     drawImage();
   else if (!isLiveEnabled()) {
+    dragDel(ccPair<long>(0, 0));  // the cross stands at the pointer itself
     ccPoint const at = tabletCoords(to - screenOrigin_);
     draw(ccLine(ccVector<2>(1, 0), at), dragColor(), drawLayer());
     draw(ccLine(ccVector<2>(0, 1), at), dragColor(), drawLayer());
   }
-  layerRepaint_.pop();
 }
