@@ -203,5 +203,5 @@ private:
   ccMutex* dyingHold_ = nullptr;  // held from beginDestruction to the end of the node
 
   static std::uint32_t nextKey_;
-  static thread_local bool setAutoDelete_;  // operator new has made room for the node that is constructed next
+  static bool setAutoDelete_(ccUIObject const*);  // did operator new make this node's memory; asked once
 };
