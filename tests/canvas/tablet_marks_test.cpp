@@ -26,7 +26,7 @@ struct MarkTree : TestTree {
   }
 };
 
-}  // namespace
+} // namespace
 
 TEST(TabletMarks, showingStartsAtTheTablet)
 {
@@ -50,7 +50,7 @@ TEST(TabletMarks, hidingRepaintsWhatWasDrawnFromTheBottom)
   tree.t.visible(false);
   tree.top.update(kBoth);
 
-  EXPECT_TRUE(tree.top.passes.empty());  // the solid tablet behind is bottom enough
+  EXPECT_TRUE(tree.top.passes.empty()); // the solid tablet behind is bottom enough
   EXPECT_EQ(Rows({"part 5,6 3x4"}), areas(tree.behind));
   EXPECT_TRUE(tree.t.passes.empty());
   EXPECT_TRUE(tree.ahead.passes.empty());
@@ -125,21 +125,21 @@ TEST(TabletMarks, frontStartsAtTheTabletAndBackAtTheBottom)
   EXPECT_TRUE(tree.ahead.passes.empty());
   tree.flushAll();
 
-  tree.t.front();  // there already
+  tree.t.front(); // there already
   EXPECT_FALSE(tree.top.anyChanged(kImage));
 
   tree.t.back();
   tree.top.update(kImage);
   EXPECT_EQ(Rows({"part 4,4 10x10"}), areas(tree.behind));
   EXPECT_EQ(Rows({"part 0,0 6x6"}), areas(tree.ahead));
-  EXPECT_TRUE(tree.t.passes.empty());  // a solid tablet hides all of it now
+  EXPECT_TRUE(tree.t.passes.empty()); // a solid tablet hides all of it now
 }
 
 TEST(TabletMarks, mapSetterStartsAtASolidTabletElseAtTheBottom)
 {
   MarkTree tree;
 
-  tree.behind.baseMap(tree.behind.baseMap());  // an equal map, too
+  tree.behind.baseMap(tree.behind.baseMap()); // an equal map, too
   tree.top.update(kImage);
   EXPECT_TRUE(tree.top.passes.empty());
   EXPECT_EQ(1u, tree.behind.passes.size());
@@ -192,7 +192,7 @@ TEST(TabletMarks, updateAndFullDrawAreNarrowedWithoutOverlayRepaint)
 TEST(TabletMarks, redrawOfAnUnsolidTabletRepaintsItsPelsFromTheBottom)
 {
   MarkTree tree;
-  tree.t.face = [](TestTablet&) {};  // the face goes off
+  tree.t.face = [](TestTablet&) {}; // the face goes off
 
   tree.t.redraw(kImage);
   EXPECT_EQ(Rows({"ggg"}), tree.imagePicture({9, 10, 3, 1}));
@@ -277,7 +277,7 @@ TEST(TabletMarks, containedMarkIsDroppedAndALongListUnites)
 
   for (long i = 0; i < 8; ++i)
     tree.top.update(ccUIRect(4 * i, 0, 1, 1), kImage, false);
-  tree.top.update(ccUIRect(29, 0, 1, 1), kImage, false);  // nearest to the one at 28
+  tree.top.update(ccUIRect(29, 0, 1, 1), kImage, false); // nearest to the one at 28
   tree.top.update(kImage);
 
   EXPECT_EQ(8u, tree.top.passes.size());
@@ -295,8 +295,8 @@ TEST(TabletMarks, dyingTabletsMarksStartAtTheBottom)
     kid.redraw(kImage);
     tree.flushAll();
     ASSERT_EQ(Rows({"yyyyyy"}), tree.imagePicture({20, 23, 6, 1}));
-    kid.baseMap(ccXform<2>::I);  // names the kid
-    pane.front();                // names the pane
+    kid.baseMap(ccXform<2>::I); // names the kid
+    pane.front();               // names the pane
   }
   tree.top.update(kImage);
 
@@ -314,7 +314,7 @@ TEST(TabletMarks, markOfATabletHiddenOrDisabledSinceIsSkipped)
   tree.top.update(kImage);
   EXPECT_TRUE(kid.passes.empty());
   EXPECT_TRUE(tree.t.passes.empty());
-  EXPECT_EQ(1u, tree.ahead.passes.size());  // but what lies in front returns
+  EXPECT_EQ(1u, tree.ahead.passes.size()); // but what lies in front returns
 }
 
 TEST(TabletMarks, hidingForgetsThePels)
@@ -352,7 +352,7 @@ TEST(TabletCoverage, opaqueTabletThatLeavesPelsOpenIsPaintedUnder)
   TestTablet kid(tree.top, {2, 2, 6, 4});
   kid.face = [](TestTablet& t) {
     if (t.wants(kImage))
-      t.set(ccUIRect(0, 0, 6, 3), ccColor::redColor(), kImage);  // the last row stays open
+      t.set(ccUIRect(0, 0, 6, 3), ccColor::redColor(), kImage); // the last row stays open
   };
   kid.opaque(kImage, true);
   tree.top.update(ccUIRect::inf, kImage, false);
@@ -385,7 +385,7 @@ TEST(TabletCoverage, ringAndInnerFillsProveIt)
   tree.flush();
   tree.top.update(ccUIRect(3, 3, 2, 2), kImage, true);
   EXPECT_EQ(1u, tree.top.passes.size());
-  EXPECT_EQ(Rows({"rrr."}), tree.imagePicture({4, 4, 4, 1}));  // the open column shows the ground again
+  EXPECT_EQ(Rows({"rrr."}), tree.imagePicture({4, 4, 4, 1})); // the open column shows the ground again
 }
 
 TEST(TabletCoverage, hiddenTabletsProofEnds)
@@ -496,7 +496,7 @@ TEST(TabletRegion, directDrawingStaysBehindOpaqueTablets)
   TestTree tree;
   TestTablet behind(tree.top, {0, 0, 12, 3});
   TestTablet opaque(tree.top, {2, 0, 3, 3}), clear(tree.top, {7, 0, 3, 3});
-  opaque.opaque(kImage, true);  // says so, though it has not painted
+  opaque.opaque(kImage, true); // says so, though it has not painted
   tree.flush();
 
   behind.set(ccUIRect(0, 0, 12, 1), ccColor::redColor(), kImage);

@@ -70,7 +70,7 @@ TEST(Tablet, imageIsDrawnAtTheSnappedPositionInEachScaleMode)
   TestTablet kid(tree.top, ccUIRect(3, 2, 30, 20));
   auto const grey = [&](long x, long y) { return static_cast<int>(tree.image.rgb(x, y).r); };
 
-  kid.draw(pels, ccPoint(0.5, 0.4), false, 0, false, kImage);  // 0.5 snaps up, 0.4 down
+  kid.draw(pels, ccPoint(0.5, 0.4), false, 0, false, kImage); // 0.5 snaps up, 0.4 down
   EXPECT_EQ(100, grey(4, 2));
   EXPECT_EQ(113, grey(7, 3));
   EXPECT_EQ(1, tree.image.calls("draw8"));
@@ -112,7 +112,7 @@ TEST(TabletRepaint, groundIsBlackOnTheImageAndPassOnTheOverlay)
   tree.top.face = [](TestTablet&) {};
   tree.image.poison(5);
   tree.overlay.poison(5);
-  tree.top.redraw(kBoth);  // nothing any more reaches its pels
+  tree.top.redraw(kBoth); // nothing any more reaches its pels
 
   tree.flush();
 
@@ -140,7 +140,7 @@ TEST(TabletRepaint, overlappingShapesOnTheImageLayer)
   frame.passes.clear();
 
   withA = false;
-  frame.erase(shapeA, kBoth);  // what a shape does before it moves
+  frame.erase(shapeA, kBoth); // what a shape does before it moves
   withA = true;
   shapeA = ccUIRect(20, 2, 3, 3);
   frame.set(shapeA, ccColor::redColor(), kImage);
@@ -198,7 +198,7 @@ TEST(TabletRepaint, shapeUnderAFormLeavesNothingBehindOnceUncovered)
   frame.redraw(kImage);
   tree.flush();
   EXPECT_EQ(Rows({"...rrrwwww"}), tree.imagePicture({0, 3, 10, 1}));
-  EXPECT_EQ(ccUIRect(3, 3, 6, 2), drawn[0]);  // as a whole
+  EXPECT_EQ(ccUIRect(3, 3, 6, 2), drawn[0]); // as a whole
 
   form.moveAbs({20, 0});
   tree.flush();
@@ -242,7 +242,7 @@ TEST(TabletRepaint, pannedImageBehindASolidFormLeavesTheForm)
 
   EXPECT_EQ(Rows({"gggggwwwwwwwwwwggggg"}), tree.imagePicture({0, 7, 20, 1}));
   tree.top.update(kImage);
-  EXPECT_EQ(1u, display.passes.size());  // what the map setter marked is done
+  EXPECT_EQ(1u, display.passes.size()); // what the map setter marked is done
   EXPECT_TRUE(form.passes.empty());
 }
 
@@ -257,7 +257,7 @@ TEST(TabletRepaint, markOfASolidFormSurvivesAFullDrawBehindIt)
   tree.flush();
 
   form.face = plainFace(ccColor::yellowColor());
-  form.baseMap(ccXform<2>::I);  // owes the form a repaint
+  form.baseMap(ccXform<2>::I); // owes the form a repaint
   display.baseMap(ccXform<2>::I);
   display.fullDraw(kImage);
   tree.top.update(kImage);
@@ -277,7 +277,7 @@ TEST(TabletRepaint, markFromTheBottomUnderASolidFormSurvivesAFullDrawBehindIt)
 
   form.face = plainFace(ccColor::yellowColor());
   tree.top.update(ccUIRect(7, 7, 2, 1), kImage, false);
-  tree.top.update(ccUIRect(20, 7, 2, 1), kImage, false);  // done by the full drawing
+  tree.top.update(ccUIRect(20, 7, 2, 1), kImage, false); // done by the full drawing
   display.fullDraw(kImage);
   display.passes.clear();
   tree.top.update(kImage);
@@ -532,14 +532,14 @@ TEST(TabletRepaint, redrawInsideAPassKeepsToItsLayerAndArea)
   TestTablet nested(display, {0, 0, 10, 4});
   display.face = [&](TestTablet& t) {
     nested.redraw(kBoth);
-    t.redraw(kBoth);  // dropped: it is being painted
+    t.redraw(kBoth); // dropped: it is being painted
   };
   nested.face = [&](TestTablet& t) { t.set(ccUIRect(0, 0, 10, 1), ccColor::redColor(), kImage); };
   nested.passes.clear();
 
   tree.top.update(ccUIRect(2, 0, 3, 4), kImage, true);
 
-  ASSERT_EQ(2u, nested.passes.size());  // once by the display, once in its own turn
+  ASSERT_EQ(2u, nested.passes.size()); // once by the display, once in its own turn
   EXPECT_EQ(kImage, nested.passes[0].layer);
   EXPECT_EQ("part 2,0 3x4", areas(nested)[0]);
   EXPECT_EQ(1u, display.passes.size());

@@ -165,6 +165,7 @@ protected:
   // For destructors of nodes whose tree links go before the last of the node does: holds the root's mutex until the node
   // has left the registry, and ends a drag that the node or one below it owns.
   void beginDestruction();
+  bool dying() const { return dyingHold_ != nullptr; }
   void leaveGesture();
 
   ccUIRootObject* root_ = nullptr;  // a root itself keeps null here

@@ -337,6 +337,28 @@ TEST_F(Shapes, aShapeThatDeletesItselfWhileItIsToldOfAMoveIsSafe)
   EXPECT_EQ(frame.numKids(), 2);
 }
 
+TEST_F(Shapes, whileAShapeDiesNeitherItNorItsKidsAreFound)
+{
+  auto* dying = new SpyShape(log, "dying", &frame, ccVector<2>(40, 0));
+  SpyShape kid(log, "kid", dying, ccVector<2>(1, 1));
+  dying->condVisible(true), kid.condVisible(true);
+  ASSERT_EQ(root.whoIsTouched({57, 27}), &kid);
+  ccUIObject* found = &root;
+  ccVector<2> at;
+  kid.onHook = [&](SpyShape& self, std::string const& hook) {
+    if (hook != "hide")
+      return;
+    found = root.whoIsTouched({57, 27});
+    at = self.absPos();
+  };
+
+  delete dying;
+
+  EXPECT_EQ(found, nullptr);
+  EXPECT_EQ(at, ccVector<2>(1, 1));
+  EXPECT_EQ(kid.parent(), nullptr);
+}
+
 TEST(ShapeCounts, countEachLayerAndBothAndIgnoreOthers)
 {
   TestRoot root;
