@@ -8,6 +8,7 @@
 #include "ui/core/shapes_frame.h"
 
 #include <functional>
+#include <memory>
 #include <string>
 #include <utility>
 #include <vector>
@@ -58,65 +59,81 @@ public:
   {
   }
 
+  ~Spy() override { *alive_ = false; }
+
   std::string const& name() const { return name_; }
   std::function<void(Spy&, std::string const& hook)> onHook;
 
-  void show(bool nested) override { Base::show(nested), hook_("show", nested_(nested)); }
-  void hide(bool nested) override { Base::hide(nested), hook_("hide", nested_(nested)); }
-  void enable(States s, bool nested) override { Base::enable(s, nested), hook_("enable", cfText(s) + nested_(nested)); }
-  void disable(States s, bool nested) override { Base::disable(s, nested), hook_("disable", cfText(s) + nested_(nested)); }
-  void select(States s, bool nested) override { Base::select(s, nested), hook_("select", cfText(s) + nested_(nested)); }
+  void show(bool nested) override { run_([&] { Base::show(nested); }, "show", nested_(nested)); }
+  void hide(bool nested) override { run_([&] { Base::hide(nested); }, "hide", nested_(nested)); }
+  void enable(States s, bool nested) override
+  {
+    run_([&] { Base::enable(s, nested); }, "enable", cfText(s) + nested_(nested));
+  }
+  void disable(States s, bool nested) override
+  {
+    run_([&] { Base::disable(s, nested); }, "disable", cfText(s) + nested_(nested));
+  }
+  void select(States s, bool nested) override
+  {
+    run_([&] { Base::select(s, nested); }, "select", cfText(s) + nested_(nested));
+  }
   void deselect(States s, bool nested) override
   {
-    Base::deselect(s, nested), hook_("deselect", cfText(s) + nested_(nested));
+    run_([&] { Base::deselect(s, nested); }, "deselect", cfText(s) + nested_(nested));
   }
 
 protected:
-  void mouseDown_() override { Base::mouseDown_(), hook_("mouseDown"); }
-  void mouseUp_() override { Base::mouseUp_(), hook_("mouseUp"); }
-  void mouseEnter_() override { Base::mouseEnter_(), hook_("mouseEnter"); }
-  void idleMouseEnter_() override { Base::idleMouseEnter_(), hook_("idleMouseEnter"); }
-  void mouseLeave_() override { Base::mouseLeave_(), hook_("mouseLeave"); }
-  void mouseMove_(Pos const& p) override { Base::mouseMove_(p), hook_("mouseMove", cfText(p)); }
-  void click_() override { Base::click_(), hook_("click"); }
-  void dblClick_() override { Base::dblClick_(), hook_("dblClick"); }
-  void dragStart_(Pos const& at) override { Base::dragStart_(at), hook_("dragStart", cfText(at)); }
+  void mouseDown_() override { run_([&] { Base::mouseDown_(); }, "mouseDown"); }
+  void mouseUp_() override { run_([&] { Base::mouseUp_(); }, "mouseUp"); }
+  void mouseEnter_() override { run_([&] { Base::mouseEnter_(); }, "mouseEnter"); }
+  void idleMouseEnter_() override { run_([&] { Base::idleMouseEnter_(); }, "idleMouseEnter"); }
+  void mouseLeave_() override { run_([&] { Base::mouseLeave_(); }, "mouseLeave"); }
+  void mouseMove_(Pos const& p) override { run_([&] { Base::mouseMove_(p); }, "mouseMove", cfText(p)); }
+  void click_() override { run_([&] { Base::click_(); }, "click"); }
+  void dblClick_() override { run_([&] { Base::dblClick_(); }, "dblClick"); }
+  void dragStart_(Pos const& at) override { run_([&] { Base::dragStart_(at); }, "dragStart", cfText(at)); }
   void dragStop_(Pos const& from, Pos const& to) override
   {
-    Base::dragStop_(from, to), hook_("dragStop", cfText(from) + " " + cfText(to));
+    run_([&] { Base::dragStop_(from, to); }, "dragStop", cfText(from) + " " + cfText(to));
   }
   void dragAnimate_(Pos const& from, Pos const& to) override
   {
-    Base::dragAnimate_(from, to), hook_("dragAnimate", cfText(from) + " " + cfText(to));
+    run_([&] { Base::dragAnimate_(from, to); }, "dragAnimate", cfText(from) + " " + cfText(to));
   }
   void mouseMiddle_(Pos const& p, ccMouseEvent::Event e, unsigned long keys) override
   {
-    Base::mouseMiddle_(p, e, keys);
-    hook_("mouseMiddle", cfText(p) + " " + std::to_string(e) + " " + std::to_string(keys));
+    run_([&] { Base::mouseMiddle_(p, e, keys); }, "mouseMiddle",
+         cfText(p) + " " + std::to_string(e) + " " + std::to_string(keys));
   }
   void mouseRight_(Pos const& p, ccMouseEvent::Event e, unsigned long keys) override
   {
-    Base::mouseRight_(p, e, keys);
-    hook_("mouseRight", cfText(p) + " " + std::to_string(e) + " " + std::to_string(keys));
+    run_([&] { Base::mouseRight_(p, e, keys); }, "mouseRight",
+         cfText(p) + " " + std::to_string(e) + " " + std::to_string(keys));
   }
   void keyboard_(ccKeyboardEvent const& e) override
   {
-    Base::keyboard_(e);
-    hook_("keyboard", std::to_string(e.event()) + " " + std::to_string(e.unicodeKey()));
+    run_([&] { Base::keyboard_(e); }, "keyboard", std::to_string(e.event()) + " " + std::to_string(e.unicodeKey()));
   }
 
-  void hook_(std::string const& hook, std::string const& rest = "")
+private:
+  // The base's own step may call other hooks, and those may delete the node.
+  template <class Step> void run_(Step const& step, std::string const& hook, std::string const& rest = "")
   {
+    auto const alive = alive_;
+    step();
+    if (!*alive)
+      return;
     log_->push_back(name_ + " " + hook + (rest.empty() || rest[0] == ' ' ? rest : " " + rest));
     if (auto const call = onHook)
       call(*this, hook);
   }
 
-private:
   static std::string nested_(bool nested) { return nested ? " nested" : ""; }
 
   HookLog* log_;
   std::string name_;
+  std::shared_ptr<bool> alive_ = std::make_shared<bool>(true);
 };
 
 using SpyFrame = Spy<ccUIControlFrame>;

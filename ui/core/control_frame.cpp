@@ -9,11 +9,12 @@ ccUIControlFrame::ccUIControlFrame(ccUIFrame* parent, ccUIRect const& r) : ccUIF
 
 ccUIControlFrame::~ccUIControlFrame()
 {
+  leaveGesture();  // while the kids can still be asked for
   beginDestruction();
   cc_NodeWalk walk;
   walk.addKidsFrontToBack(*this);
   while (ccUIObject* const kid = walk.next())
-    if (kid->parent() == this && kid->autoDelete())
+    if (kid->parent() == this && kid->autoDelete() && !kid->dying())
       delete kid;
 }
 

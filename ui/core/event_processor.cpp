@@ -89,7 +89,13 @@ ccUIObject* ccUIEventProcessor::touched_(ccUIObject* from) const
 {
   ccUIObject* const up = from->parent();
   ccUITablet const* const above = up ? up->tablet() : nullptr;
-  return from->whoIsTouched(above ? lastMousePos_ - above->screenOrigin() : lastMousePos_);
+  return ours_(from->whoIsTouched(above ? lastMousePos_ - above->screenOrigin() : lastMousePos_));
+}
+
+// Only nodes of this root tell the processor when they go; a capture may have lost its tree.
+ccUIObject* ccUIEventProcessor::ours_(ccUIObject* node) const
+{
+  return node && (node == root_ || node->root() == root_) ? node : nullptr;
 }
 
 void ccUIEventProcessor::processEvent(ccMouseEvent const& e)
@@ -99,8 +105,7 @@ void ccUIEventProcessor::processEvent(ccMouseEvent const& e)
   lastMouseEvent_ = event;
   lastMousePos_ = event.position();
   ccUIObject* hit = mouseCapture_ ? mouseCapture_ : root_;
-  if (gesture() != Gesture::dragging)
-    hit = touched_(hit);
+  hit = gesture() == Gesture::dragging ? ours_(hit) : touched_(hit);
 
   std::uint32_t buttons = event.buttons();
   std::uint32_t which = 0;
@@ -121,7 +126,7 @@ void ccUIEventProcessor::processEvent(ccMouseEvent const& e)
 
   if (buttons == 0) {
     // A disabled node gets no hover: its nearest enabled ancestor does. What holds the mouse gets it in any case.
-    ccUIObject* target = hit ? hit : mouseCapture_;
+    ccUIObject* target = ours_(hit ? hit : mouseCapture_);
     while (target && target != mouseCapture_ && !target->enabled())
       target = target->parent();
     hover_(target);
@@ -348,8 +353,9 @@ void ccUIEventProcessor::endDragOnScreen_()
 // of the selection come out of the drag.
 void ccUIEventProcessor::abandonDrag_()
 {
-  for (ccUIObject* sib = owner_->backSib(); sib; sib = sib->closerSib())
-    if (sib->dragging())
+  ccUIObject const* const up = owner_->parent();
+  if (up && !up->dying())  // a dying parent may not know its kids any more
+    for (ccUIObject* sib = up->backKid(); sib; sib = sib->closerSib())
       sib->dragging(false);
   owner_->dragging(false);
   endDragOnScreen_();

@@ -41,6 +41,7 @@ public:
 private:
   friend class ccUIObject;
   ccUIObject* touched_(ccUIObject* from) const;
+  ccUIObject* ours_(ccUIObject*) const;  // null for a node of another tree
   bool accepts_(ccMouseEvent const&, ccUIObject* hit, std::uint32_t buttons, std::uint32_t which);
   void hover_(ccUIObject* target);
   void moveOver_(ccPair<long> const&);

@@ -49,11 +49,14 @@ cc_NodeRef::cc_NodeRef(ccUIObject* node) : node_(node)
   when_ = departures.load(std::memory_order_acquire);
 }
 
+bool cc_NodeRef::exists() const
+{
+  return node_ && (when_ == departures.load(std::memory_order_acquire) || ccUIObject::exists_(node_, key_));
+}
+
 bool cc_NodeRef::alive() const
 {
-  if (!node_)
-    return false;
-  return when_ == departures.load(std::memory_order_acquire) || ccUIObject::isValid(node_, key_, root_);
+  return node_ && (when_ == departures.load(std::memory_order_acquire) || ccUIObject::isValid(node_, key_, root_));
 }
 
 void cc_NodeRef::nodeWent() { departures.fetch_add(1, std::memory_order_acq_rel); }

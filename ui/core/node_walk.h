@@ -11,7 +11,8 @@ public:
   explicit cc_NodeRef(ccUIObject* node = nullptr);
 
   ccUIObject* node() const { return node_; }
-  bool alive() const;  // it is still that node, and in the same tree; false for null
+  bool exists() const;  // it is still that node; false for null
+  bool alive() const;   // and it still belongs to the same root
 
   static void nodeWent();  // called whenever a node dies or leaves its root
 

@@ -92,6 +92,8 @@ void ccUIObject::beginDestruction()
 
 void ccUIObject::leaveGesture()
 {
+  ccLock lock(rootMutex(), /*lockNow=*/false);
+  lock.lockFirm();
   if (root_ && root_->eventProcessor())
     root_->eventProcessor()->nodeLeaves_(this);
 }
@@ -152,6 +154,12 @@ bool ccUIObject::isValid(ccUIObject* obj, std::uint32_t key, ccUIRootObject cons
   ccLock lock(root ? const_cast<ccUIRootObject*>(root)->mutex() : uiMutex());
   ccLock registry(uiMutex());
   return cf_registry().count(obj) != 0 && obj->key_ == key && obj->root_ == root;
+}
+
+bool ccUIObject::exists_(ccUIObject const* obj, std::uint32_t key)
+{
+  ccLock registry(uiMutex());
+  return cf_registry().count(obj) != 0 && obj->key_ == key;
 }
 
 ccColor const& ccUIObject::dragColor() { return cf_dragColor(); }
@@ -215,6 +223,7 @@ void ccUIObject::newRoot(ccUIRootObject* root, bool recurse)
   if (former) {
     if (former->eventProcessor())
       former->eventProcessor()->forget_(this);
+    setBit_(kDragging, false);  // whatever drag it took part in was one of that root
     ccUIFrame* const self = frame(true);
     if (self && former->frameSizerAttachedTo_() == self)
       former->attachFrameSizer_(nullptr);

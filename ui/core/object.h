@@ -116,6 +116,7 @@ public:
   bool multiDragable() const;
 
   std::uint32_t key() const { return key_; }
+  bool dying() const { return dyingHold_ != nullptr; }  // its destructor is at work
   ccUIRootObject* root() const { return root_; }
   ccMutex& rootMutex() const;  // the root's mutex, orphanMutex() without a root
 
@@ -165,7 +166,6 @@ protected:
   // For destructors of nodes whose tree links go before the last of the node does: holds the root's mutex until the node
   // has left the registry, and ends a drag that the node or one below it owns.
   void beginDestruction();
-  bool dying() const { return dyingHold_ != nullptr; }
   void leaveGesture();
 
   ccUIRootObject* root_ = nullptr;  // a root itself keeps null here
@@ -204,5 +204,6 @@ private:
   ccMutex* dyingHold_ = nullptr;  // held from beginDestruction to the end of the node
 
   static std::uint32_t nextKey_;
+  static bool exists_(ccUIObject const*, std::uint32_t key);  // in whatever tree
   static bool setAutoDelete_(ccUIObject const*);  // did operator new make this node's memory; asked once
 };

@@ -85,9 +85,9 @@ bool ccUIObject::condVisible(bool on)
     if (!visible())
       return false;
     show_(/*nested=*/false);
-    if (self.alive() && enabled())
+    if (self.exists() && enabled())
       enable_(visibleState, /*nested=*/false);
-    if (self.alive() && selected())
+    if (self.exists() && selected())
       select_(visibleState, /*nested=*/false);
     return true;
   }
@@ -96,12 +96,12 @@ bool ccUIObject::condVisible(bool on)
   bool const wasSelected = selected();
   if (wasSelected)
     deselect_(visibleState, /*nested=*/false);
-  if (wasEnabled && self.alive())
+  if (wasEnabled && self.exists())
     disable_(visibleState, /*nested=*/false);
-  if (wasVisible && self.alive())
+  if (wasVisible && self.exists())
     hide_(/*nested=*/false);
-  if (self.alive())
-    setBit_(kCondVisible, false);
+  if (self.exists())
+    bit_(kCondVisible, false);
   return wasVisible;
 }
 
@@ -116,7 +116,7 @@ bool ccUIObject::condEnabled(bool on)
     if (!enabled())
       return false;
     enable_(enabledState, /*nested=*/false);
-    if (self.alive() && selected())
+    if (self.exists() && selected())
       select_(enabledState, /*nested=*/false);
     return true;
   }
@@ -125,7 +125,7 @@ bool ccUIObject::condEnabled(bool on)
   setBit_(kCondEnabled, false);  // before the hooks, unlike the visible bit
   if (wasSelected)
     deselect_(enabledState, /*nested=*/false);
-  if (wasEnabled && self.alive())
+  if (wasEnabled && self.exists())
     disable_(enabledState, /*nested=*/false);
   return wasEnabled;
 }
@@ -146,7 +146,7 @@ bool ccUIObject::condSelected(bool on, bool recurse)
       changed = takeSelection_();
     }
   }
-  if (recurse && self.alive()) {
+  if (recurse && self.exists()) {
     cc_NodeWalk walk;
     walk.addKidsBackToFront(*this);
     while (ccUIObject* const kid = walk.next())
@@ -175,12 +175,12 @@ void ccUIObject::show_(bool nested)
   ccLock lock(rootMutex());
   cc_NodeRef const self(this);
   show(nested);
-  if (!self.alive())
+  if (!self.exists())
     return;
   cc_NodeWalk walk;
   walk.addKidsBackToFront(*this);
   while (ccUIObject* const kid = walk.next())
-    if (self.alive() && kid->parent() == this && kid->condVisible())
+    if (self.exists() && kid->parent() == this && kid->condVisible())
       kid->show_(true);
 }
 
@@ -193,11 +193,11 @@ void ccUIObject::hide_(bool nested)
   cc_NodeWalk walk;
   walk.addKidsFrontToBack(*this);
   while (ccUIObject* const kid = walk.next())
-    if (self.alive() && kid->parent() == this && kid->condVisible())
+    if (self.exists() && kid->parent() == this && kid->condVisible())
       kid->hide_(true);
-  if (self.alive())
+  if (self.exists())
     hide(nested);
-  if (self.alive())
+  if (self.exists())
     hiding_ = before;
 }
 
@@ -206,12 +206,12 @@ void ccUIObject::enable_(States state, bool nested)
   ccLock lock(rootMutex());
   cc_NodeRef const self(this);
   enable(state, nested);
-  if (!self.alive())
+  if (!self.exists())
     return;
   cc_NodeWalk walk;
   walk.addKidsBackToFront(*this);
   while (ccUIObject* const kid = walk.next())
-    if (self.alive() && kid->parent() == this && kid->condEnabled())
+    if (self.exists() && kid->parent() == this && kid->condEnabled())
       kid->enable_(state, true);
 }
 
@@ -222,9 +222,9 @@ void ccUIObject::disable_(States state, bool nested)
   cc_NodeWalk walk;
   walk.addKidsFrontToBack(*this);
   while (ccUIObject* const kid = walk.next())
-    if (self.alive() && kid->parent() == this && kid->condEnabled())
+    if (self.exists() && kid->parent() == this && kid->condEnabled())
       kid->disable_(state, true);
-  if (self.alive())
+  if (self.exists())
     disable(state, nested);
 }
 
@@ -236,12 +236,12 @@ void ccUIObject::select_(States state, bool nested)
   if (asFrame && asFrame->resizable() && root_)
     root_->attachFrameSizer_(asFrame);
   select(state, nested);
-  if (!self.alive())
+  if (!self.exists())
     return;
   cc_NodeWalk walk;
   walk.addKidsBackToFront(*this);
   while (ccUIObject* const kid = walk.next())
-    if (self.alive() && kid->parent() == this && kid->condSelected())
+    if (self.exists() && kid->parent() == this && kid->condSelected())
       kid->select_(state, true);
 }
 
@@ -252,9 +252,9 @@ void ccUIObject::deselect_(States state, bool nested)
   cc_NodeWalk walk;
   walk.addKidsFrontToBack(*this);
   while (ccUIObject* const kid = walk.next())
-    if (self.alive() && kid->parent() == this && kid->condSelected())
+    if (self.exists() && kid->parent() == this && kid->condSelected())
       kid->deselect_(state, true);
-  if (self.alive())
+  if (self.exists())
     deselect(state, nested);
 }
 
@@ -267,13 +267,13 @@ void ccUIObject::userSelect(long level)
       toggleInMultiSelection_();
     else {
       takeSiblingSelections_(level);
-      if (self.alive())
+      if (self.exists())
         condSelected(true, /*recurse=*/false);
-      if (self.alive() && !dontMove())
+      if (self.exists() && !dontMove())
         front();
     }
   }
-  if (!self.alive())
+  if (!self.exists())
     return;
   if (ccUIObject* const up = parent())
     up->userSelect(level > 0 ? -2 : -1);
@@ -290,7 +290,7 @@ void ccUIObject::toggleInMultiSelection_()
     while (ccUIObject* const sib = walk.next())
       sib->takeSelection_();
   }
-  if (self.alive())
+  if (self.exists())
     condSelected(!condSelected(), /*recurse=*/false);
 }
 

@@ -31,13 +31,19 @@ ccUIShapes::ccUIShapes(ccUIObject* parentNode)
 
 ccUIShapes::~ccUIShapes()
 {
-  beginDestruction();
   leaveGesture();
+  beginDestruction();
   parent(nullptr);
+  if (parent_) {  // a hook of a kid has moved the whole tree to another root meanwhile
+    ccLock lock(rootMutex(), /*lockNow=*/false);
+    lock.lockFirm();
+    unlink_();
+    newRoot(nullptr, /*recurse=*/true);
+  }
   releaseKids_(*this);
 }
 
-// The autoDelete ones die, the others lose their parent.
+// The autoDelete ones die, the others lose their parent. A kid that is dying already has called a hook that deletes parent.
 void ccUIShapes::releaseKids_(ccUIObject& parent)
 {
   cc_NodeWalk walk;
@@ -45,7 +51,7 @@ void ccUIShapes::releaseKids_(ccUIObject& parent)
   while (ccUIObject* const kid = walk.next()) {
     if (kid->parent() != &parent)
       continue;
-    if (kid->autoDelete()) {
+    if (kid->autoDelete() && !kid->dying()) {
       delete kid;
       continue;
     }

@@ -642,6 +642,23 @@ TEST_F(EventProcessor, aDisabledCaptureGetsHoverAllTheSame)
   processor.mouseCapture(nullptr);
 }
 
+TEST_F(EventProcessor, aCaptureThatHasLostItsTreeGetsNothing)
+{
+  auto* c = new SpyFrame(log, "c", &back, ccUIRect(100, 10, 30, 30));
+  SpyFrame d(log, "d", c, ccUIRect(0, 0, 30, 30));
+  cfOn(*c), cfOn(d);
+  processor.mouseCapture(&d);
+  delete c;
+  cfTake(log);
+
+  hand.moveTo(110, 20).press();
+
+  EXPECT_TRUE(log.empty());
+  EXPECT_EQ(processor.owner(), nullptr);
+  hand.release();
+  processor.mouseCapture(nullptr);
+}
+
 // Flushing
 
 struct Screen : ::testing::Test {

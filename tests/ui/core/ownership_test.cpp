@@ -152,6 +152,28 @@ TEST(Ownership, kidsOfADyingShapeAndOfADyingShapesFrame)
   EXPECT_EQ(lone.tablet(), nullptr);
 }
 
+TEST(Ownership, aHookThatDeletesTheParentOfADyingNodeDeletesNothingTwice)
+{
+  HookLog log;
+  TestRoot root;
+  ccUIShapesFrame frame(&root, ccUIRect(0, 0, 50, 50));
+  auto* outer = new BoxShape(&frame);
+  auto* dying = new BoxShape(outer);
+  SpyShape inner(log, "inner", dying);
+  for (ccUIObject* node : std::initializer_list<ccUIObject*>{&frame, outer, dying, &inner})
+    node->condVisible(true);
+  inner.onHook = [&](SpyShape&, std::string const& hook) {
+    if (hook == "hide")
+      delete std::exchange(outer, nullptr);
+  };
+
+  delete dying;
+
+  EXPECT_EQ(outer, nullptr);
+  EXPECT_EQ(frame.numKids(), 0);
+  EXPECT_EQ(inner.parent(), nullptr);
+}
+
 TEST(Validity, keysGrowAndAreNeverReused)
 {
   HookLog log;

@@ -47,13 +47,13 @@ public:
     over_ = true;
     roots_.clear();
     while (!live_.empty())
-      delete *live_.begin();
+      delete live_.front();
   }
 
-  void born(ccUIObject* node) { live_.insert(node); }
+  void born(ccUIObject* node) { live_.push_back(node); }
   void dies(ccUIObject* node)
   {
-    live_.erase(node);
+    std::erase(live_, node);
     if (over_)
       return;
     for (auto const& root : roots_)
@@ -93,6 +93,9 @@ public:
       ccPair<long> const at(below_(70) - 5, below_(50) - 5);
       ASSERT_EQ(root->whoIsTouched(at), touched_(root.get(), ccVector<2>(at)));
     }
+    for (ccUIObject* node : live_)
+      if (!node->parent())
+        checkOrphans_(*node);
     ASSERT_FALSE(ccUIObject::uiMutex().lockedByMe());
     for (std::size_t i = 0; i < scopes_.size(); ++i) {
       ASSERT_FALSE(scopes_[i]->screenUpdatesLocked());
@@ -116,11 +119,7 @@ private:
 
   ccUIObject* any_()
   {
-    if (live_.empty())
-      return nullptr;
-    auto at = live_.begin();
-    std::advance(at, below_(static_cast<long>(live_.size())));
-    return *at;
+    return live_.empty() ? nullptr : live_[static_cast<std::size_t>(below_(static_cast<long>(live_.size())))];
   }
   ccUIRect rect_() { return ccUIRect(below_(20) - 5, below_(15) - 5, 20 + below_(40), 15 + below_(30)); }
 
@@ -358,6 +357,17 @@ private:
     ASSERT_EQ(node.numKids(), kids);
   }
 
+  // Links alone, in what belongs to no root.
+  void checkOrphans_(ccUIObject& node)
+  {
+    ASSERT_EQ(node.root(), nullptr);
+    ASSERT_EQ(&node.rootMutex(), &ccUIObject::orphanMutex());
+    for (ccUIObject* kid = node.backKid(); kid && !::testing::Test::HasFatalFailure(); kid = kid->closerSib()) {
+      ASSERT_EQ(kid->parent(), &node);
+      checkOrphans_(*kid);
+    }
+  }
+
   // The rules of touching, from the nodes' plain data. Maps are the identity here.
   static ccUIObject* touched_(ccUIObject* node, ccVector<2> const& at)
   {
@@ -392,7 +402,7 @@ private:
 
   std::mt19937 random_;
   HookLog log_;
-  std::set<ccUIObject*> live_;
+  std::vector<ccUIObject*> live_;  // in the order of their birth, so that a seed tells all
   std::vector<std::unique_ptr<MemoryScope>> scopes_;
   std::vector<std::unique_ptr<TestRoot>> roots_;
   int depth_ = 0;
