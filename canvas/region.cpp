@@ -29,7 +29,8 @@ void cc_RectList::subtract(ccUIRect const& hole)
       if (!piece.isNull())
         rects_.push_back(piece);
   }
-  rects_.erase(rects_.begin() + static_cast<std::ptrdiff_t>(kept), rects_.begin() + static_cast<std::ptrdiff_t>(former));
+  rects_.erase(rects_.begin() + static_cast<std::ptrdiff_t>(kept),
+               rects_.begin() + static_cast<std::ptrdiff_t>(former));
 }
 
 bool cc_RectList::nullIntersection(ccUIRect const& r) const

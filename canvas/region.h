@@ -9,7 +9,7 @@
 class cc_RectList {
 public:
   void clear() { rects_.clear(); }
-  void assign(ccUIRect const&);  // a null rectangle leaves the list empty
+  void assign(ccUIRect const&); // a null rectangle leaves the list empty
   void subtract(ccUIRect const&);
   bool isEmpty() const { return rects_.empty(); }
   bool nullIntersection(ccUIRect const&) const;

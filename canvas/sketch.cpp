@@ -15,21 +15,15 @@ ccUISketch::~ccUISketch() = default;
 ccUISketch::ccUISketch(ccUISketch const&) = default;
 ccUISketch& ccUISketch::operator=(ccUISketch const&) = default;
 
-void ccUISketch::erase()
-{
-  ops_.clear();
-}
+void ccUISketch::erase() { ops_.clear(); }
 
 ccUISketch& ccUISketch::operator+=(ccUISketch const& other)
 {
-  std::size_t const count = other.ops_.size();  // other may be this one
+  std::size_t const count = other.ops_.size(); // other may be this one
   ops_.reserve(ops_.size() + count);
   for (std::size_t i = 0; i < count; ++i)
     ops_.push_back(other.ops_[i]);
   return *this;
 }
 
-void ccUISketch::append(std::shared_ptr<cc_SketchOp const> op)
-{
-  ops_.push_back(std::move(op));
-}
+void ccUISketch::append(std::shared_ptr<cc_SketchOp const> op) { ops_.push_back(std::move(op)); }

@@ -1,5 +1,5 @@
-// One recorded drawing command: what was called on the recording tablet, with copies of its arguments, and the layers that
-// were given. It runs on each layer that the replay asks for, too.
+// One recorded drawing command: what was called on the recording tablet, with copies of its arguments, and the layers
+// that were given. It runs on each layer that the replay asks for, too.
 #pragma once
 
 #include "canvas/sketch.h"

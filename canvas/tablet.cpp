@@ -6,10 +6,7 @@
 
 namespace {
 
-bool cf_isEndless(long edge)
-{
-  return edge >= ccUIRect::kFar || edge <= -ccUIRect::kFar;
-}
+bool cf_isEndless(long edge) { return edge >= ccUIRect::kFar || edge <= -ccUIRect::kFar; }
 
 bool cf_isEndless(ccUIRect const& r)
 {
@@ -17,17 +14,11 @@ bool cf_isEndless(ccUIRect const& r)
 }
 
 // Null rectangles are equal as areas, but they have places and sizes, too.
-bool cf_isSamePlace(ccUIRect const& a, ccUIRect const& b)
-{
-  return a.ul() == b.ul() && a.sz() == b.sz();
-}
+bool cf_isSamePlace(ccUIRect const& a, ccUIRect const& b) { return a.ul() == b.ul() && a.sz() == b.sz(); }
 
-double cf_magnification(double s)
-{
-  return std::isfinite(s) && s > 0 ? s : 1.0;
-}
+double cf_magnification(double s) { return std::isfinite(s) && s > 0 ? s : 1.0; }
 
-}  // namespace
+} // namespace
 
 ccUITablet::ccUITablet() : layers_(std::make_unique<cc_TabletLayers>())
 {
@@ -91,10 +82,7 @@ void ccUITablet::parentMapChanged() {}
 
 // ---- Tree
 
-cc_TabletTop* ccUITablet::top_() const
-{
-  return layers_->top;
-}
+cc_TabletTop* ccUITablet::top_() const { return layers_->top; }
 
 void ccUITablet::link_(ccUITablet& parent)
 {
@@ -138,7 +126,7 @@ void ccUITablet::joinTree_(cc_TabletTop* top)
 ccUITablet& ccUITablet::setParent(ccUITablet& parent, ccUIRect const& frame)
 {
   if (cc_TabletTop::inSubtree(&parent, this))
-    return *this;  // a tablet below itself would be out of every tree
+    return *this; // a tablet below itself would be out of every tree
   markOldPlace_();
   if (ownTop_) {
     setScope(bothLayers, nullptr, false);
@@ -214,7 +202,7 @@ void ccUITablet::visible(bool on)
     for (ccUITablet* t = this; t; t = cc_TabletTop::next(t, this))
       for (cc_TabletLayers::cs_Layer& layer : t->layers_->layer) {
         layer.modified = ccUIRect();
-        layer.covered = false;  // its looks may change while it can't be seen
+        layer.covered = false; // its looks may change while it can't be seen
       }
   }
 }
@@ -254,10 +242,7 @@ ccUITablet& ccUITablet::moveAbs(ccPair<long> const& ul)
   return *this;
 }
 
-ccUITablet& ccUITablet::moveRel(ccPair<long> const& delta)
-{
-  return moveAbs(frameRect_.ul() + delta);
-}
+ccUITablet& ccUITablet::moveRel(ccPair<long> const& delta) { return moveAbs(cf_nearSum(frameRect_.ul(), delta)); }
 
 ccUITablet& ccUITablet::size(ccPair<long> const& sz)
 {
@@ -300,10 +285,9 @@ void ccUITablet::locate_()
     if (ccUITablet const* parent = t->parentTablet_) {
       ccUIRect const& outer = parent->layers_->extent;
       ccUIRect const r = t->frameRect_ + parent->screenOrigin_;
-      own.extent = ccUIRect::fromEdges(cf_isEndless(r.left()) ? outer.left() : r.left(),
-                                       cf_isEndless(r.top()) ? outer.top() : r.top(),
-                                       cf_isEndless(r.right()) ? outer.right() : r.right(),
-                                       cf_isEndless(r.bottom()) ? outer.bottom() : r.bottom());
+      own.extent = ccUIRect::fromEdges(
+          cf_isEndless(r.left()) ? outer.left() : r.left(), cf_isEndless(r.top()) ? outer.top() : r.top(),
+          cf_isEndless(r.right()) ? outer.right() : r.right(), cf_isEndless(r.bottom()) ? outer.bottom() : r.bottom());
       t->screenOrigin_ = own.extent.ul();
       own.clip = own.extent & parent->layers_->clip;
     } else {
@@ -316,7 +300,7 @@ void ccUITablet::locate_()
       own.clipChanged = true;
     if (own.extent - t->screenOrigin_ != formerExtent || (own.followsScope && t->screenOrigin_ != formerOrigin))
       for (cc_TabletLayers::cs_Layer& layer : own.layer)
-        layer.covered = false;  // fills that reached the former extent may not reach this one
+        layer.covered = false; // fills that reached the former extent may not reach this one
   }
 }
 
@@ -432,7 +416,7 @@ void ccUITablet::tellKidsOfMap_()
     cc_Watch const watch(*kid);
     kid->parentMapChanged();
     if (!own.tablet() || !watch.tablet() || kid->parentTablet_ != this)
-      return;  // whoever rebuilds the kids here tells them himself
+      return; // whoever rebuilds the kids here tells them himself
     kid = kid->nextSib_;
   }
 }
@@ -455,31 +439,18 @@ ccPair<long> ccUITablet::scale() const
   }
 }
 
-ccPair<long> ccUITablet::scopeCoords(ccPoint const& p) const
-{
-  ccPoint const q = screenMap_ * p;
-  return ccPair<long>(cfPelOf(q.x()), cfPelOf(q.y()));
-}
+ccPair<long> ccUITablet::scopeCoords(ccPoint const& p) const { return cf_nearPel(screenMap_ * p); }
 
-ccPair<long> ccUITablet::screenCoords(ccPoint const& p) const
-{
-  return scopeCoords(p) + screenOrigin_;
-}
+ccPair<long> ccUITablet::screenCoords(ccPoint const& p) const { return scopeCoords(p) + screenOrigin_; }
 
 ccPoint ccUITablet::tabletCoords(ccPair<long> const& q) const
 {
   return layers_->regular ? layers_->inverse * ccPoint(q) : ccPoint();
 }
 
-ccPoint ccUITablet::tabletFromScreen(ccPair<long> const& q) const
-{
-  return tabletCoords(q - screenOrigin_);
-}
+ccPoint ccUITablet::tabletFromScreen(ccPair<long> const& q) const { return tabletCoords(q - screenOrigin_); }
 
-double ccUITablet::hitScale() const
-{
-  return layers_->hitScale;
-}
+double ccUITablet::hitScale() const { return layers_->hitScale; }
 
 // ---- Layers and scopes
 
@@ -505,10 +476,7 @@ void ccUITablet::opaque(Layers l, bool on)
   }
 }
 
-bool ccUITablet::overlaySupported()
-{
-  return cc_TabletTop::overlaySupported();
-}
+bool ccUITablet::overlaySupported() { return cc_TabletTop::overlaySupported(); }
 
 void ccUITablet::setScope(Layers l, ccUIScope* scope, bool owned)
 {
@@ -544,7 +512,7 @@ void ccUITablet::modified(Layers l, bool on)
     cc_TabletLayers::cs_Layer& own = layers_->layer[layer];
     own.modified = on ? layers_->whole(*this) : ccUIRect();
     if (!on && own.covered) {
-      own.covered = false;  // a tablet that reaches all of its pels can't be without any
+      own.covered = false; // a tablet that reaches all of its pels can't be without any
       if (cc_TabletTop* top = top_())
         top->changed();
     }
@@ -600,10 +568,7 @@ void ccUITablet::recordChanges(bool on)
   layers_->recordsChanges = on;
 }
 
-bool ccUITablet::recordChanges() const
-{
-  return layers_->recordsChanges;
-}
+bool ccUITablet::recordChanges() const { return layers_->recordsChanges; }
 
 // Writes the layers of redrawLayer_ only: a pass for one layer keeps what is remembered of the other. A partial pass
 // draws a part only and so writes none.

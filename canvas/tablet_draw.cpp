@@ -1,5 +1,5 @@
-// Drawing: fills, pens, pels, icons, text and sketches. Each call is recorded by a recording tablet, and else goes layer by
-// layer to the pieces of the surface where the tablet can be seen.
+// Drawing: fills, pens, pels, icons, text and sketches. Each call is recorded by a recording tablet, and else goes
+// layer by layer to the pieces of the surface where the tablet can be seen.
 #include "canvas/format.h"
 #include "canvas/rle_buffer.h"
 #include "canvas/sketch_op.h"
@@ -10,9 +10,9 @@
 
 namespace {
 
-constexpr long thinPenMargin = 3;  // what a one-pel line may touch beside its ends' pels
-constexpr std::size_t maxOpenPieces = 64;  // more unreached pieces of a tablet are left unproven
-constexpr long textMargin = 2;     // glyphs may lean out of their cells
+constexpr long thinPenMargin = 3;         // what a one-pel line may touch beside its ends' pels
+constexpr std::size_t maxOpenPieces = 64; // more unreached pieces of a tablet are left unproven
+constexpr long textMargin = 2;            // glyphs may lean out of their cells
 
 ccUIRect cf_grown(ccUIRect const& r, long by)
 {
@@ -21,10 +21,11 @@ ccUIRect cf_grown(ccUIRect const& r, long by)
 
 ccUIRect cf_scaledBox(ccPair<long> const& at, long w, long h, ccPair<double> const& scale)
 {
-  return ccUIRect(at, ccPair<long>(ceilTL(static_cast<double>(w) * scale.x()), ceilTL(static_cast<double>(h) * scale.y())));
+  return ccUIRect(at,
+                  ccPair<long>(ceilTL(static_cast<double>(w) * scale.x()), ceilTL(static_cast<double>(h) * scale.y())));
 }
 
-}  // namespace
+} // namespace
 
 // ---- What a drawing call owes
 
@@ -48,7 +49,9 @@ cc_Pieces::cc_Pieces(ccUITablet& t, int layer, ccUIRect const& box, Box kind)
   if (!top_->isUsed(layer))
     return;
   bool const asGhost = !inPass && top_->isAnimating(layer);
-  ce_RegionKind const regionKind = inPass ? ce_RegionKind::pass : asGhost ? ce_RegionKind::ghost : ce_RegionKind::direct;
+  ce_RegionKind const regionKind = inPass    ? ce_RegionKind::pass
+                                   : asGhost ? ce_RegionKind::ghost
+                                             : ce_RegionKind::direct;
   cs_Region const& region = top_->region(t, layer, regionKind);
   drawn &= own.clip;
   if (!region.shown || drawn.isNull())
@@ -62,15 +65,9 @@ cc_Pieces::cc_Pieces(ccUITablet& t, int layer, ccUIRect const& box, Box kind)
   region_ = &region;
 }
 
-bool ccUITablet::isRecorder_() const
-{
-  return layers_->recorder;
-}
+bool ccUITablet::isRecorder_() const { return layers_->recorder; }
 
-bool ccUITablet::isDrawnIn_(int layer, ccColor const& color) const
-{
-  return layer == overlayLayer || !color.isPass();
-}
+bool ccUITablet::isDrawnIn_(int layer, ccColor const& color) const { return layer == overlayLayer || !color.isPass(); }
 
 ccPair<long> ccUITablet::dragShift_(int layer) const
 {
@@ -81,18 +78,19 @@ ccPair<long> ccUITablet::dragShift_(int layer) const
 
 ccPair<long> ccUITablet::pelShift_(int layer) const
 {
-  ccVector<2> const sketch = screenMap_.mapVector(layers_->sketchOffset);
-  return screenOrigin_ + dragShift_(layer) + ccPair<long>(cfPelOf(sketch.x()), cfPelOf(sketch.y()));
+  ccPair<long> const sketch = cf_nearPel(ccPoint(screenMap_.mapVector(layers_->sketchOffset)));
+  return cf_nearSum(cf_nearSum(screenOrigin_, dragShift_(layer)), sketch);
 }
 
 ccPair<long> ccUITablet::topPel_(ccPoint const& p, int layer) const
 {
-  return scopeCoords(p + layers_->sketchOffset) + screenOrigin_ + dragShift_(layer);
+  return cf_nearSum(scopeCoords(p + layers_->sketchOffset), cf_nearSum(screenOrigin_, dragShift_(layer)));
 }
 
 ccXform<2> ccUITablet::drawMap_(int layer) const
 {
-  ccVector<2> const shift = ccVector<2>(screenOrigin_ + dragShift_(layer)) + screenMap_.mapVector(layers_->sketchOffset);
+  ccVector<2> const shift =
+      ccVector<2>(screenOrigin_ + dragShift_(layer)) + screenMap_.mapVector(layers_->sketchOffset);
   return ccXform<2>(screenMap_.matrix(), screenMap_.trans() + shift);
 }
 
@@ -281,7 +279,7 @@ void ccUITablet::drawToRelPels(long dx, long dy, ccColor const& c, Layers l)
   }
   for (int layer = 0; layer < 2; ++layer)
     if (cf_hasLayer(l, layer))
-      penLine_(layers_->layer[layer].pen + ccPair<long>(dx, dy), c, layer);
+      penLine_(cf_nearSum(layers_->layer[layer].pen, ccPair<long>(dx, dy)), c, layer);
 }
 
 // ---- The draw clip
@@ -314,9 +312,8 @@ void ccUITablet::liftClip_(Layers l)
 
 // ---- Pels
 
-template <class T, class Key>
-void ccUITablet::drawPels_(ccPelBuffer_const<T> const& pels, ccPoint const& at, bool masked, Key key,
-                           [[maybe_unused]] bool mapped, Layers l)
+template <class T, class Key> void ccUITablet::drawPels_(ccPelBuffer_const<T> const& pels, ccPoint const& at,
+                                                         bool masked, Key key, [[maybe_unused]] bool mapped, Layers l)
 {
   if (!pels.isBound())
     return;
@@ -391,8 +388,7 @@ void ccUITablet::draw(ccRLEBuffer const& icon, ccPoint const& at, std::vector<un
   if (icon.isNull())
     return;
   if (isRecorder_()) {
-    cf_record(sketch_, l,
-              [=](ccUITablet& t, Layers k) { t.draw(icon, at, map, transparent, key, dontScale, k); });
+    cf_record(sketch_, l, [=](ccUITablet& t, Layers k) { t.draw(icon, at, map, transparent, key, dontScale, k); });
     return;
   }
   ScaleModes const mode = dontScale ? scaleNone : scaleMode_;

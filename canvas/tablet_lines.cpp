@@ -9,14 +9,11 @@
 
 namespace {
 
-constexpr long pointIconArm = 4;  // pels
+constexpr long pointIconArm = 4; // pels
 
-ccRect cf_toRect(ccUIRect const& r)
-{
-  return ccRect::fromCorners(ccPoint(r.ul()), ccPoint(r.lr()));
-}
+ccRect cf_toRect(ccUIRect const& r) { return ccRect::fromCorners(ccPoint(r.ul()), ccPoint(r.lr())); }
 
-}  // namespace
+} // namespace
 
 long cf_penMargin(ccGraphicProps const& props)
 {
@@ -74,10 +71,11 @@ void ccUITablet::draw(ccLine const& line, ccGraphicProps const& props, Layers l)
     ccVector<2> const dir = map.mapVector(line.dir());
     ccPoint const pos = map * line.pos();
     if (!(dir.len() > 0) || !std::isfinite(dir.len()) || !std::isfinite(pos.x()) || !std::isfinite(pos.y()))
-      continue;  // the map leaves no line
+      continue; // the map leaves no line
     long const margin = cf_penMargin(props);
     ccUIRect const& e = layers_->extent;
-    ccUIRect const grown = ccUIRect::fromEdges(e.left() - margin, e.top() - margin, e.right() + margin, e.bottom() + margin);
+    ccUIRect const grown =
+        ccUIRect::fromEdges(e.left() - margin, e.top() - margin, e.right() + margin, e.bottom() + margin);
     ccLineSeg part;
     if (!ccLine(dir, pos).clip(cf_toRect(grown), part))
       continue;

@@ -1,5 +1,6 @@
-// Goes through the pieces in which a primitive of one tablet and layer can be seen. The constructor does all that a drawing
-// call owes beside the pels: records, modified rectangles and marks. The box is what the primitive may touch, in top pels.
+// Goes through the pieces in which a primitive of one tablet and layer can be seen. The constructor does all that a
+// drawing call owes beside the pels: records, modified rectangles and marks. The box is what the primitive may touch,
+// in top pels.
 //
 //   cc_Pieces pieces(tablet, layer, box);
 //   while (ccUIScope* scope = pieces.next())
@@ -18,7 +19,7 @@ ccUIRect cf_penBox(ccPoint const* points, std::size_t count, long margin);
 
 class cc_Pieces {
 public:
-  enum class Box { holds, cutsShort };  // the primitive may reach past the box
+  enum class Box { holds, cutsShort }; // the primitive may reach past the box
   cc_Pieces(ccUITablet&, int layer, ccUIRect const& box, Box = Box::holds);
 
   // A scope that cuts at the next piece; null at the end.
@@ -53,7 +54,7 @@ private:
 
   cc_TabletTop* top_;
   cc_TabletTop::cc_Busy busy_;
-  cs_Region const* region_ = nullptr;  // null: nothing to draw
+  cs_Region const* region_ = nullptr; // null: nothing to draw
   int layer_;
   bool holds_;
   std::size_t at_ = 0;

@@ -5,14 +5,11 @@
 
 namespace {
 
-constexpr int maxRounds = 4;            // of one update; what is marked after them stays for the next
+constexpr int maxRounds = 4; // of one update; what is marked after them stays for the next
 
-cc_TabletEnums::Layers cf_layer(int layer)
-{
-  return static_cast<cc_TabletEnums::Layers>(layer);
-}
+cc_TabletEnums::Layers cf_layer(int layer) { return static_cast<cc_TabletEnums::Layers>(layer); }
 
-}  // namespace
+} // namespace
 
 class cc_TabletTop::cc_PassScope {
 public:
@@ -325,7 +322,8 @@ void cc_TabletTop::fullDraw(ccUITablet& t, Layers l)
   }
 }
 
-// Drops what a full drawing of a solid tablet has done; what an unsolid one has drawn over, must be drawn from the bottom.
+// Drops what a full drawing of a solid tablet has done; what an unsolid one has drawn over, must be drawn from the
+// bottom.
 void cc_TabletTop::settle_(ccUITablet& t, int layer)
 {
   if (!isSolid(t, layer)) {
@@ -435,14 +433,14 @@ void cc_TabletTop::runDeferred_()
 {
   deferred_ = false;
   if (std::uncaught_exceptions() > 0)
-    return;  // the marks wait for the next update
+    return; // the marks wait for the next update
   if (layers_[0].animating || layers_[1].animating) {
     layers_[0].fresh = true;
     layers_[1].fresh = true;
     return;
   }
   update(cc_TabletEnums::bothLayers);
-  deferred_ = false;  // once is enough, or a redraw_ that asks for a full drawing would never end
+  deferred_ = false; // once is enough, or a redraw_ that asks for a full drawing would never end
 }
 
 // ---- The tablet's side

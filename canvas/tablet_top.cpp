@@ -6,8 +6,8 @@
 
 namespace {
 
-constexpr std::size_t maxWindows = 64;  // on each layer
-constexpr std::size_t maxMarks = 8;     // on each layer
+constexpr std::size_t maxWindows = 64; // on each layer
+constexpr std::size_t maxMarks = 8;    // on each layer
 
 std::atomic<long> overlayScopes{0};
 
@@ -24,17 +24,11 @@ double cf_area(ccUIRect const& r)
   return r.isNull() ? 0.0 : static_cast<double>(r.width()) * static_cast<double>(r.height());
 }
 
-}  // namespace
+} // namespace
 
-ccUIRect cc_TabletLayers::whole(ccUITablet const& t) const
-{
-  return extent - t.screenOrigin_;
-}
+ccUIRect cc_TabletLayers::whole(ccUITablet const& t) const { return extent - t.screenOrigin_; }
 
-cc_Watch::cc_Watch(ccUITablet& t) : tablet_(&t), next_(t.layers_->watches)
-{
-  t.layers_->watches = this;
-}
+cc_Watch::cc_Watch(ccUITablet& t) : tablet_(&t), next_(t.layers_->watches) { t.layers_->watches = this; }
 
 cc_Watch::~cc_Watch()
 {
@@ -46,10 +40,7 @@ cc_Watch::~cc_Watch()
   *link = next_;
 }
 
-bool cc_Watch::isIn(cc_TabletTop const* top) const
-{
-  return tablet_ && tablet_->layers_->top == top;
-}
+bool cc_Watch::isIn(cc_TabletTop const* top) const { return tablet_ && tablet_->layers_->top == top; }
 
 void cc_Watch::destroyed(cc_TabletLayers& layers)
 {
@@ -106,10 +97,7 @@ bool cc_TabletTop::before(ccUITablet const* a, ccUITablet const* b)
 
 // ---- Scopes and locks
 
-bool cc_TabletTop::overlaySupported()
-{
-  return overlayScopes.load(std::memory_order_relaxed) > 0;
-}
+bool cc_TabletTop::overlaySupported() { return overlayScopes.load(std::memory_order_relaxed) > 0; }
 
 // Lets go of a layer's scope: its windows, its part of the lock stack, and the scope itself if it is owned.
 void cc_TabletTop::release_(int layer)
@@ -146,7 +134,7 @@ void cc_TabletTop::setScope(int layer, ccUIScope* scope, bool owned)
     if (scope) {
       if (layer == cc_TabletEnums::overlayLayer)
         overlayScopes.fetch_add(1, std::memory_order_relaxed);
-      std::vector<bool> levels;  // from the top down
+      std::vector<bool> levels; // from the top down
       for (ccFlagStack locks = own.locks; locks.depth() > 0;)
         levels.push_back(locks.pop());
       for (auto level = levels.rbegin(); level != levels.rend(); ++level)
@@ -388,7 +376,7 @@ void cc_TabletTop::dragAnimate(int layer, bool on)
 {
   cs_Layer& own = layers_[layer];
   if (own.animating && !on)
-    ++dragEpoch_;  // clears the offsets of all tablets
+    ++dragEpoch_; // clears the offsets of all tablets
   own.animating = on;
   if (own.scope)
     own.scope->dragAnimate(on);

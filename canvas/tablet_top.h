@@ -7,6 +7,7 @@
 #include "canvas/scope.h"
 #include "canvas/tablet.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <memory>
 #include <vector>
@@ -24,6 +25,20 @@ inline int cf_commonLayers(cc_TabletEnums::Layers a, cc_TabletEnums::Layers b)
   return b == cc_TabletEnums::bothLayers || a == b ? static_cast<int>(a) : -1;
 }
 
+// A pel far outside any tablet stays where sums with other pels fit a 32-bit long.
+inline ccPair<long> cf_nearPel(std::int64_t x, std::int64_t y)
+{
+  constexpr std::int64_t far = ccUIRect::kFar;
+  return ccPair<long>(static_cast<long>(std::clamp(x, -far, far)), static_cast<long>(std::clamp(y, -far, far)));
+}
+
+inline ccPair<long> cf_nearPel(ccPoint const& p) { return cf_nearPel(cfPelOf(p.x()), cfPelOf(p.y())); }
+
+inline ccPair<long> cf_nearSum(ccPair<long> const& a, ccPair<long> const& b)
+{
+  return cf_nearPel(std::int64_t{a.x()} + b.x(), std::int64_t{a.y()} + b.y());
+}
+
 // Where a tablet's pels of one layer can be seen, in top pels. Valid for one version of the tree.
 struct cs_Region {
   std::uint64_t version = 0;
@@ -31,8 +46,8 @@ struct cs_Region {
   cc_RectList rects;
 };
 
-// Outside any redraw_ whatever is opaque in front hides; inside one only what surely repaints all of its pels does; a drag's
-// ghost crosses the tablet's own kids.
+// Outside any redraw_ whatever is opaque in front hides; inside one only what surely repaints all of its pels does; a
+// drag's ghost crosses the tablet's own kids.
 enum class ce_RegionKind { direct, pass, ghost };
 
 class cc_Watch;
@@ -41,32 +56,32 @@ class cc_TabletLayers {
 public:
   struct cs_Layer {
     bool opaque = false;
-    bool covered = false;       // a redraw_ reaches each pel
-    bool clipped = false;       // drawClip holds
-    ccUIRect drawClip;          // local pels
-    ccUIRect modified;          // local pels: drawn since last wiped
-    ccUIRect record;            // local pels: drawn since recordChanges(true)
-    ccPair<long> pen;           // top pels
-    cc_RectList* open = nullptr;  // in the tablet's own redraw_: local pels that no fill has reached yet
+    bool covered = false;        // a redraw_ reaches each pel
+    bool clipped = false;        // drawClip holds
+    ccUIRect drawClip;           // local pels
+    ccUIRect modified;           // local pels: drawn since last wiped
+    ccUIRect record;             // local pels: drawn since recordChanges(true)
+    ccPair<long> pen;            // top pels
+    cc_RectList* open = nullptr; // in the tablet's own redraw_: local pels that no fill has reached yet
     cs_Region regions[3];
   };
 
   cs_Layer layer[2];
-  cc_TabletTop* top = nullptr;  // null for orphans and recording tablets
-  bool recorder = false;        // made by the default constructor
+  cc_TabletTop* top = nullptr; // null for orphans and recording tablets
+  bool recorder = false;       // made by the default constructor
   bool recordsChanges = false;
-  bool clipChanged = false;     // clipped_ is due
-  bool followsScope = false;    // at the top or with an endless edge: its extent counts within the scope only
-  ccUIRect clip;                // top pels: the tablet's rectangle cut with all ancestors
-  ccUIRect seen;                // the same in local pels
-  ccUIRect extent;              // top pels: endless edges taken from the parent's extent
-  ccUIRect area;                // top pels: what is being painted while the tablet's inAreaUpdate_ is true
-  ccXform<2> inverse;           // of screenMap_
-  bool regular = true;          // screenMap_ has an inverse
+  bool clipChanged = false;  // clipped_ is due
+  bool followsScope = false; // at the top or with an endless edge: its extent counts within the scope only
+  ccUIRect clip;             // top pels: the tablet's rectangle cut with all ancestors
+  ccUIRect seen;             // the same in local pels
+  ccUIRect extent;           // top pels: endless edges taken from the parent's extent
+  ccUIRect area;             // top pels: what is being painted while the tablet's inAreaUpdate_ is true
+  ccXform<2> inverse;        // of screenMap_
+  bool regular = true;       // screenMap_ has an inverse
   double hitScale = 1;
   ccPair<long> dragDel;
   std::uint64_t dragEpoch = 0;
-  ccPoint sketchOffset;         // tablet coordinates, while a sketch is replayed
+  ccPoint sketchOffset; // tablet coordinates, while a sketch is replayed
   cc_Watch* watches = nullptr;
 
   // What a fill of the whole tablet reaches, in local pels.
@@ -81,7 +96,7 @@ public:
   cc_Watch(cc_Watch const&) = delete;
   cc_Watch& operator=(cc_Watch const&) = delete;
   ccUITablet* tablet() const { return tablet_; }
-  bool isIn(cc_TabletTop const*) const;  // alive and part of that tree
+  bool isIn(cc_TabletTop const*) const; // alive and part of that tree
   static void destroyed(cc_TabletLayers&);
 
 private:
@@ -102,7 +117,7 @@ public:
   static ccUITablet* next(ccUITablet*, ccUITablet const* limit = nullptr);
   static ccUITablet* afterSubtree(ccUITablet*, ccUITablet const* limit = nullptr);
   static bool inSubtree(ccUITablet const*, ccUITablet const* root);
-  static bool before(ccUITablet const*, ccUITablet const*);  // strictly, in paint order
+  static bool before(ccUITablet const*, ccUITablet const*); // strictly, in paint order
 
   // Scopes and locks.
   ccUIScope* scope(int layer) const { return layers_[layer].scope; }
@@ -110,7 +125,7 @@ public:
   // A tree without any scope keeps the marks of both layers, one with a single scope those of its layer only.
   bool isUsed(int layer) const { return layers_[layer].scope || !layers_[1 - layer].scope; }
   void setScope(int layer, ccUIScope*, bool owned);
-  ccUIScope* window(int layer, ccUIRect const&);  // the scope cut to a rectangle; null if there is none
+  ccUIScope* window(int layer, ccUIRect const&); // the scope cut to a rectangle; null if there is none
   void lockPush(int layer, bool);
   void lockPop(int layer);
   void optimizeDrawing(int layer, bool);
@@ -123,8 +138,8 @@ public:
 
   // Marks.
   void mark(int layer, ccUIRect area, ccUITablet* from, bool above = false);
-  void forget(ccUITablet const& subtree);  // its marks become repaints from the bottom
-  ccUIRect modifiedOf(ccUITablet&, int layer) const;  // top pels, over the subtree
+  void forget(ccUITablet const& subtree);            // its marks become repaints from the bottom
+  ccUIRect modifiedOf(ccUITablet&, int layer) const; // top pels, over the subtree
   bool anyChanged(int layer) const { return layers_[layer].drawn || !layers_[layer].pending.empty(); }
   void clearDrawn(int layer) { layers_[layer].drawn = false; }
   void setDrawn(int layer) { layers_[layer].drawn = true; }
@@ -171,13 +186,13 @@ public:
   ccGraphicProps& pen(ccColor const&);
 
 private:
-  // One entry of what is owed: repaint area from the bottom if from is null, else from that tablet on, or from what lies
-  // in front of it.
+  // One entry of what is owed: repaint area from the bottom if from is null, else from that tablet on, or from what
+  // lies in front of it.
   struct cs_Mark {
     ccUIRect area;
     ccUITablet* from = nullptr;
     bool above = false;
-    bool mixed = false;  // it stands for another entry, too, that began outside the subtree of from
+    bool mixed = false; // it stands for another entry, too, that began outside the subtree of from
   };
   struct cs_Window {
     std::unique_ptr<ccUIScope> scope;
@@ -191,7 +206,7 @@ private:
     ccFlagStack locks;
     std::vector<cs_Window> windows;
     std::vector<cs_Mark> pending;
-    std::vector<cs_Mark> taken;  // being worked off, or held back by a full drawing
+    std::vector<cs_Mark> taken; // being worked off, or held back by a full drawing
     bool drawn = false;
     long optimized = 0;
     long drags = 0;
@@ -231,7 +246,7 @@ private:
   ccUITablet& owner_;
   cs_Layer layers_[2];
   cs_Pass* pass_ = nullptr;
-  std::vector<std::unique_ptr<cs_Open>> open_;  // by depth of passes
+  std::vector<std::unique_ptr<cs_Open>> open_; // by depth of passes
   std::size_t passDepth_ = 0;
   std::uint64_t version_ = 1;
   std::uint64_t windowUse_ = 0;

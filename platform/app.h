@@ -3,6 +3,10 @@
 
 #include "platform/types.h"
 
+#include <functional>
+#include <string>
+#include <vector>
+
 namespace plat {
 
 // Depth and screen size are those of a headless screen; a real one brings its own.
@@ -28,5 +32,9 @@ void quit(int code);
 // is not possible. The window itself stays its maker's.
 HWND attachNativeWindow(std::uintptr_t id);
 void detach(HWND);
+
+// Called on the windows' thread with a top-level window and the paths (UTF-8) of files that the operator has dropped on
+// it. One for all windows; empty: none.
+void dropHandler(std::function<void(HWND, std::vector<std::string> const&)>);
 
 }  // namespace plat

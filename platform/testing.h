@@ -3,6 +3,9 @@
 
 #include "platform/types.h"
 #ifndef _WIN32
+#include "platform/portable/device_testing.h"  // lost surfaces, overlays, planned failures
+#endif
+#ifndef _WIN32
 #include "platform/portable/device_testing.h"  // lose, exclusive, overlays, failNext
 #endif
 

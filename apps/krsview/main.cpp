@@ -1,12 +1,15 @@
 // krsview: shows images in a window, or headless.
 #include "apps/krsview/options.h"
+#include "apps/krsview/script.h"
 #include "apps/krsview/viewer.h"
 #include "platform/app.h"
 #include "platform/testing.h"
 
 #include <algorithm>
 #include <filesystem>
+#include <fstream>
 #include <iostream>
+#include <stdexcept>
 
 namespace {
 
@@ -26,23 +29,51 @@ std::string cf_samplesFolder()
   return KRS_SAMPLES_DIR;
 }
 
-int cf_view(ccViewOptions options)
+// Opens windows where that is asked for and possible, else a screen in memory. True: windows.
+bool cf_startWindows(ccViewOptions const& options)
 {
-  if (options.images.empty())
-    options.images.push_back(cf_samplesFolder());
   plat::InitOptions init;
+  if (!options.headless) {
+    init.video = plat::InitOptions::window;
+    if (plat::init(init))
+      return true;
+    std::cerr << "krsview: no display to open a window on; working headless\n";
+  }
   init.video = plat::InitOptions::headless;
   init.depth = options.depth;
   // A display is never larger than its screen.
   init.screen = {static_cast<plat::i32>(std::max(options.width, 1280L)),
                  static_cast<plat::i32>(std::max(options.height, 1024L))};
-  if (!plat::init(init)) {
-    std::cerr << "krsview: cannot start a headless screen\n";
-    return badOption;
-  }
+  if (!plat::init(init))
+    throw std::runtime_error("cannot start a headless screen");
+  return false;
+}
+
+int cf_view(ccViewOptions options)
+{
+  if (options.images.empty())
+    options.images.push_back(cf_samplesFolder());
+  bool const headless = !cf_startWindows(options);
   ccViewer viewer(options, std::cerr);
   viewer.open(options.images);
   plat::testing::drain();
+  if (!options.script.empty()) {
+    ccViewScript script(viewer, std::cout, std::cerr, headless);
+    bool const fromInput = options.script == "-";
+    std::ifstream file;
+    if (!fromInput) {
+      file.open(options.script);
+      if (!file) {
+        std::cerr << "krsview: cannot read the script " << options.script << "\n";
+        return badOption;
+      }
+    }
+    if (int const failed = script.run(fromInput ? std::cin : file, fromInput); failed != 0)
+      return failed;
+  } else if (!headless && options.shot.empty() && !options.info)
+    plat::run();
+  else if (!headless && options.quitAfter)
+    plat::run();
   int status = allWell;
   if (viewer.showsImage()) {
     if (options.info)

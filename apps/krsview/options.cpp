@@ -1,5 +1,6 @@
 #include "apps/krsview/options.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 
@@ -89,6 +90,38 @@ std::string cfParseViewOptions(std::vector<std::string> const& arguments, ccView
       if (!cf_two(value, ',', x, y))
         return bad + value + " (X,Y in image pels)";
       options.pan = std::pair(x, y);
+    } else if (option == "--mode") {
+      if (!takeValue())
+        return needs;
+      char const* const modes[] = {"pointer", "pan", "zoom-in", "zoom-out"};
+      auto const found = std::find(std::begin(modes), std::end(modes), value);
+      if (found == std::end(modes))
+        return bad + value + " (pointer, pan, zoom-in or zoom-out)";
+      options.mode = static_cast<int>(found - std::begin(modes));
+    } else if (option == "--overlay") {
+      if (!takeValue())
+        return needs;
+      if (value == "none")
+        options.overlay = ccViewOptions::noOverlay;
+      else if (value == "plane")
+        options.overlay = ccViewOptions::plane;
+      else if (value == "chroma")
+        options.overlay = ccViewOptions::chroma;
+      else
+        return bad + value + " (none, plane or chroma)";
+    } else if (option == "--quit-after") {
+      if (!takeValue())
+        return needs;
+      double seconds = 0;
+      if (!cf_number(value, seconds) || seconds < 0 || seconds > 1e6)
+        return bad + value + " (seconds)";
+      options.quitAfter = seconds;
+    } else if (option == "--script") {
+      if (!takeValue())
+        return needs;
+      if (value.empty())
+        return bad + "an empty file name";
+      options.script = value;
     } else if (option == "--shot") {
       if (!takeValue())
         return needs;
@@ -128,11 +161,19 @@ char const* cfViewHelp()
          "  --fit            largest whole magnification or reduction that shows all\n"
          "  --fit-exact      fit the image exactly\n"
          "  --pan X,Y        pan in image pels, after mag or fit\n"
+         "  --mode MODE      what the left button does: pointer, pan, zoom-in or zoom-out\n"
+         "  --overlay KIND   none, plane (a layer of its own) or chroma (keyed graphics of the application)\n"
+         "  --quit-after S   end after so many seconds\n"
+         "  --script FILE    do what the lines of a file say (- for standard input)\n"
          "  --headless       open no window\n"
          "  --shot FILE.png  write the picture of the client area\n"
          "  --scrollbars     show scroll bars\n"
          "  --info           tell about the image and its view, as JSON on standard output\n"
          "  --help, --version\n"
          "\n"
-         "Exit status: 0 all well, 1 a bad option or an output that cannot be written, 2 a file that failed.\n";
+         "Keys: Page Down and Page Up step through the images, + and - zoom, 0 fits, 1 is one to one, arrows pan,\n"
+         "P, A, I, O choose pointer, pan, zoom in and zoom out, Q quits. The wheel zooms at the cursor.\n"
+         "\n"
+         "Exit status: 0 all well, 1 a bad option or an output that cannot be written, 2 a file that failed,\n"
+         "3 a script's expectation that was not met, 4 a script line that is not understood.\n";
 }

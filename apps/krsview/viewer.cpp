@@ -3,10 +3,13 @@
 #include "apps/common/json.h"
 #include "apps/common/picture_file.h"
 #include "apps/krsview/show_image.h"
+#include "platform/app.h"
 #include "platform/testing.h"
 #include "platform/window.h"
 
 #include <algorithm>
+#include <cmath>
+#include <map>
 #include <ostream>
 
 namespace fs = std::filesystem;
@@ -17,15 +20,43 @@ constexpr plat::u32 kTopStyle = 0x00CF0000;    // a frame with title, size borde
 constexpr plat::u32 kChildStyle = 0x40000000;
 constexpr int kShow = 5, kShowChild = 4;
 
-// The top window's client area and the view in it keep the same size.
-plat::LResult cf_topProc(HWND window, unsigned message, plat::WParam wParam, plat::LParam lParam)
+constexpr unsigned kSize = 5, kClose = 16, kKeyDown = 256, kChar = 258, kTimer = 275, kWheel = 522;
+constexpr plat::uptr kQuitTimer = 40;
+constexpr int kWheelNotch = 120;
+
+// The whole factors that zooming steps through; their inverses are the reductions.
+constexpr long kFactors[] = {1, 2, 3, 4, 6, 8, 12, 16, 24, 32, 48, 64, 96, 128, 192, 256, 384, 512, 1024};
+
+double cf_nextMag(double from, int direction)
 {
-  return plat::platform().windows.callProc(nullptr, window, message, wParam, lParam);
+  double best = from;
+  auto const consider = [&](double m) {
+    bool const beyond = direction > 0 ? m > from * 1.000001 : m < from * 0.999999;
+    if (beyond && (best == from || std::abs(m - from) < std::abs(best - from)))
+      best = m;
+  };
+  for (long f : kFactors) {
+    consider(static_cast<double>(f));
+    consider(1.0 / static_cast<double>(f));
+  }
+  return best;
+}
+
+// Windows and their viewers.
+std::map<HWND, ccViewer*>& cf_viewers()
+{
+  static std::map<HWND, ccViewer*> map;
+  return map;
 }
 
 char const* cf_typeName(ceImageFormat format)
 {
   return format == ceImageFormatGrey8 ? "grey8" : format == ceImageFormatGrey16 ? "grey16" : "rgb";
+}
+
+char const* cf_overlayName(ccDisplay::overlayState state)
+{
+  return state == ccDisplay::overlayOn ? "plane" : state == ccDisplay::chromaOn ? "chroma" : "none";
 }
 
 }  // namespace
@@ -37,7 +68,7 @@ ccViewer::ccViewer(ccViewOptions const& options, std::ostream& errors) : options
   desc.title = "krsview";
   desc.style = kTopStyle;
   desc.rect = {0, 0, static_cast<plat::i32>(options.width), static_cast<plat::i32>(options.height)};
-  desc.proc = &cf_topProc;
+  desc.proc = &ccViewer::proc_;
   top_ = windows.create(desc);
   view_ = top_;
   if (options.scrollBars) {
@@ -46,17 +77,186 @@ ccViewer::ccViewer(ccViewOptions const& options, std::ostream& errors) : options
     view_ = windows.create(desc);
     windows.place(view_, nullptr, kShowChild);
   }
+  cf_viewers()[top_] = this;
+  cf_viewers()[view_] = this;
   windows.place(top_, nullptr, kShow);
+  windows.setFocus(view_);
   display_ = std::make_unique<ccWin32Display>(view_);
   if (options.scrollBars)
     display_->showScrollBar(true, true);
+  display_->mouseMode(static_cast<ccDisplay::MouseMode>(options.mode));
+  if (options.overlay == ccViewOptions::plane)
+    display_->enableOverlay(ccDisplay::overlayOn);
+  else if (options.overlay == ccViewOptions::chroma)
+    display_->enableOverlay(ccDisplay::chromaOn);
+  if (options.quitAfter)
+    windows.setTimer(top_, kQuitTimer, static_cast<unsigned>(*options.quitAfter * 1000));
 }
 
 ccViewer::~ccViewer()
 {
   display_.reset();
   plat::platform().windows.destroy(top_);
+  cf_viewers().erase(top_);
+  cf_viewers().erase(view_);
 }
+
+// ---- Messages that the display passes on ----
+
+plat::LResult ccViewer::proc_(HWND window, unsigned message, plat::WParam wParam, plat::LParam lParam)
+{
+  auto const found = cf_viewers().find(window);
+  return found == cf_viewers().end() ? plat::platform().windows.callProc(nullptr, window, message, wParam, lParam)
+                                     : found->second->message_(window, message, wParam, lParam);
+}
+
+plat::LResult ccViewer::message_(HWND window, unsigned message, plat::WParam wParam, plat::LParam lParam)
+{
+  plat::WindowSystem& windows = plat::platform().windows;
+  switch (message) {
+  case kSize:
+    if (window == top_ && view_ != top_ && windows.isWindow(view_)) {
+      plat::Rect const client = windows.clientRect(top_);
+      windows.place(view_, &client, -1);
+    }
+    break;
+  case kClose:
+    plat::quit(0);
+    return 0;
+  case kTimer:
+    if (wParam == kQuitTimer) {
+      plat::quit(0);
+      return 0;
+    }
+    break;
+  case kKeyDown:
+    if (key_(static_cast<unsigned>(wParam)))
+      return 0;
+    break;
+  case kChar:
+    if (character_(static_cast<unsigned>(wParam)))
+      return 0;
+    break;
+  case kWheel: {
+    int const turn = static_cast<std::int16_t>(static_cast<std::uint16_t>(wParam >> 16));
+    plat::Point const origin = windows.clientToScreen(view_, {0, 0});
+    ccPair<long> const at(static_cast<std::int16_t>(lParam & 0xFFFF) - origin.x,
+                          static_cast<std::int16_t>((lParam >> 16) & 0xFFFF) - origin.y);
+    int const notches = turn / kWheelNotch;
+    zoom(notches != 0 ? notches : (turn > 0) - (turn < 0), at);
+    return 0;
+  }
+  default:
+    break;
+  }
+  return windows.callProc(nullptr, window, message, wParam, lParam);
+}
+
+bool ccViewer::key_(unsigned virtualKey)
+{
+  switch (virtualKey) {
+  case ccKeyboardEvent::vkPageDown:
+    step(1);
+    return true;
+  case ccKeyboardEvent::vkPageUp:
+    step(-1);
+    return true;
+  case ccKeyboardEvent::vkLeft:
+    panBy(-1, 0);
+    return true;
+  case ccKeyboardEvent::vkRight:
+    panBy(1, 0);
+    return true;
+  case ccKeyboardEvent::vkUp:
+    panBy(0, -1);
+    return true;
+  case ccKeyboardEvent::vkDown:
+    panBy(0, 1);
+    return true;
+  default:
+    return false;
+  }
+}
+
+bool ccViewer::character_(unsigned c)
+{
+  ccPair<long> const area = display_->clientArea();
+  ccPair<long> const middle(area.x() / 2, area.y() / 2);
+  switch (c) {
+  case '+':
+    zoom(1, middle);
+    return true;
+  case '-':
+    zoom(-1, middle);
+    return true;
+  case '0':
+    display_->fit();
+    break;
+  case '1':
+    display_->mag(1);
+    break;
+  case 'p':
+  case 'P':
+    display_->mouseMode(ccDisplay::pointerMode);
+    return true;
+  case 'a':
+  case 'A':
+    display_->mouseMode(ccDisplay::panMode);
+    return true;
+  case 'i':
+  case 'I':
+    display_->mouseMode(ccDisplay::zoomInMode);
+    return true;
+  case 'o':
+  case 'O':
+    display_->mouseMode(ccDisplay::zoomOutMode);
+    return true;
+  case 'q':
+  case 'Q':
+    plat::quit(0);
+    return true;
+  default:
+    return false;
+  }
+  title_();
+  return true;
+}
+
+void ccViewer::zoom(int steps, ccPair<long> const& at)
+{
+  // The hand may be at work on it.
+  if (display_->dragging())
+    return;
+  double m = display_->magExact();
+  for (int i = 0; i < std::abs(steps); ++i)
+    m = cf_nextMag(m, steps);
+  // The middle of the pel that is pointed at.
+  ccPoint const pointed(static_cast<double>(at.x()) + 0.5, static_cast<double>(at.y()) + 0.5);
+  display_->lockScreenUpdatesPush(true, ccUITablet::bothLayers);
+  ccPoint const before = display_->displayToImage(pointed);
+  display_->magExact(m);
+  ccPoint const after = display_->displayToImage(pointed);
+  display_->pan(display_->pan() + (after - before));
+  display_->lockScreenUpdatesPop(ccUITablet::bothLayers);
+  title_();
+}
+
+void ccViewer::panBy(int columns, int rows)
+{
+  ccPair<long> const area = display_->clientArea();
+  display_->panDelta(ccPair<long>(-columns * std::max(area.x() / 10, 1L), -rows * std::max(area.y() / 10, 1L)));
+}
+
+void ccViewer::resize(long width, long height)
+{
+  plat::WindowSystem& windows = plat::platform().windows;
+  plat::Rect r = windows.windowRect(top_);
+  r.right = r.left + static_cast<plat::i32>(width);
+  r.bottom = r.top + static_cast<plat::i32>(height);
+  windows.place(top_, &r, -1);
+}
+
+void ccViewer::title_() {}
 
 void ccViewer::fail_(std::string const& line)
 {
@@ -157,7 +357,7 @@ std::string ccViewer::info() const
   info.set("mag", display.mag());
   info.set("magExact", display.magExact());
   info.set("pan", ccJson::array().push(display.pan().x()).push(display.pan().y()));
-  info.set("overlay", "none");
+  info.set("overlay", cf_overlayName(display.enableOverlay()));
   info.set("visible", ccJson::array().push(left).push(top).push(right - left).push(bottom - top));
   return info.write();
 }

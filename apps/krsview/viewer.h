@@ -4,6 +4,7 @@
 #include "apps/common/image_file.h"
 #include "apps/krsview/options.h"
 #include "backend/win32/win32_display.h"
+#include "platform/types.h"
 
 #include <filesystem>
 #include <iosfwd>
@@ -24,7 +25,13 @@ public:
   std::string info() const;   // JSON
   std::string writeShot(std::string const& file) const;  // error text, empty if all is well
   ccWin32Display& display() { return *display_; }
-  HWND window() const { return top_; }
+  HWND window() const { return top_; }      // its client area is what a shot shows
+  HWND view() const { return view_; }       // the window of the display
+  void resize(long width, long height);     // of the top window's client area
+
+  // What the keys do. Zooming steps through whole factors and keeps the image point under a client point in its place.
+  void zoom(int steps, ccPair<long> const& at);
+  void panBy(int columns, int rows);        // in tenths of the view
 
 private:
   struct cs_Entry {
@@ -34,6 +41,11 @@ private:
 
   bool show_(std::size_t index);
   void fail_(std::string const& line);
+  bool key_(unsigned virtualKey);
+  bool character_(unsigned c);
+  static plat::LResult proc_(HWND, unsigned message, plat::WParam, plat::LParam);
+  plat::LResult message_(HWND, unsigned message, plat::WParam, plat::LParam);
+  void title_();
   void applyView_();
 
   ccViewOptions options_;

@@ -359,7 +359,7 @@ private:
   bool dragActive_ = false;
   bool dragAnimate_ = false;
   bool restoring_ = false;
-  bool incomplete_ = false;   // a surface could not be made when the size changed
+  bool incomplete_ = false;   // a surface could not be made, or not be released, and must be made anew
   bool deviceGone_ = false;   // the device itself could not be made again
   HDC clientDC_ = nullptr;  // handed out by getDC
   COLORREF chromaKey_ = 0;

@@ -63,6 +63,7 @@ bool ccWin32UIScope::win32DrawStart_(DrawMethod method)
   }
   if (rect_.isNull() || (surfacesLost_() && !restoreLostSurfaces_()) || !ddraw_.created())
     return false;
+  abandonPhase_();  // what a redraw after a restoration has left open
   // Without a backup surface nobody could take an animated picture away again.
   if (dragActive_ && dragAnimate_ && !backup_.created())
     return false;
@@ -150,10 +151,13 @@ void ccWin32UIScope::abandonPhase_()
 {
   if (parent_ || method_ == kNoPhase)
     return;
+  long result = ceDDOk;
   if (method_ == kPaint && drawDC_)
-    static_cast<void>(phaseSurface_->releaseDC(drawDC_));
+    result = phaseSurface_->releaseDC(drawDC_);
   if (method_ == kDirect && locked_)
-    static_cast<void>(phaseSurface_->unlock());
+    result = phaseSurface_->unlock();
+  if (result != ceDDOk)
+    incomplete_ = true;  // a surface that stays locked is as good as lost
   if (method_ != kBlit && display_ && displayActiveLockedScope_(display_) == this)
     displayActiveLockedScope_(display_, nullptr);
   drawDC_ = nullptr;

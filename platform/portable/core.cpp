@@ -273,7 +273,7 @@ void Core::quit(int code)
 
 bool Core::modalRound()
 {
-  if (!quit_ && !round() && !quit_)
+  if (!quit_ && !round(/*nested=*/true) && !quit_)
     wait(-1);
   return !quit_;
 }
@@ -294,10 +294,10 @@ void Core::wait(int timeoutMs)
     video_->wait(timeoutMs);
 }
 
-bool Core::round()
+bool Core::round(bool nested)
 {
   ++round_;
-  video_->poll(*this);
+  video_->poll(*this, nested);
   bool any = false;
   for (int i = 0; i < maxStepsPerRound && !quit_ && step(); ++i)
     any = true;

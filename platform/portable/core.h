@@ -86,11 +86,13 @@ public:
   void focused(HWND top, bool) override;
   void exposed(HWND top) override;
   void screenChanged(Size, int depth) override;
+  void gone(HWND top) override;
+  void dropped(HWND top, std::vector<std::string> files) override;
 
   bool pump(int timeoutMs);
   int run();
   void quit(int code);
-  bool round();                               // all that is due now; false when there was nothing
+  bool round(bool nested = false);            // all that is due now; false when there was nothing
   void drain();                               // rounds until there is nothing
   bool modalRound();                          // a round of a nested loop, waiting for work; false after quit
   void advance(unsigned ms);                  // of the virtual clock
@@ -115,6 +117,7 @@ public:
   std::vector<u32> shownPels(HWND, Size&);
 
   VideoWindow* videoWindow(HWND top);  // the windows' thread
+  void dropHandler(std::function<void(HWND, std::vector<std::string> const&)>);
   HWND active();
   HWND focus();
   HWND capture();
@@ -218,6 +221,7 @@ private:
   bool pressOnBar(HWND, Point screen, unsigned mods);
 
   std::mutex mutex_;
+  std::function<void(HWND, std::vector<std::string> const&)> dropHandler_;
   WindowTree tree_;
   std::deque<Posted> posted_;
   std::deque<Input> input_;

@@ -147,6 +147,9 @@ void Core::exposed(HWND top)
   }
   if (!backing)
     return;
+  // What it lent may have gone with its pels.
+  if (backing->lent())
+    return renewBacking(top);
   {
     Lock painting(backing->mutex);
     backing->markDirty({0, 0, backing->block().width, backing->block().height});
@@ -157,6 +160,25 @@ void Core::exposed(HWND top)
 void Core::screenChanged(Size screen, int bits)
 {
   enqueue({{}, 0, 0, 0, [=, this] { changeScreen(screen, bits); }, true});
+}
+
+void Core::gone(HWND top) { post(top, [=, this] { destroy(top); }); }
+
+void Core::dropped(HWND top, std::vector<std::string> files)
+{
+  post(top, [=, this, list = std::move(files)] {
+    Lock lock(mutex_);
+    auto const handler = dropHandler_;
+    lock.unlock();
+    if (handler)
+      handler(top, list);
+  });
+}
+
+void Core::dropHandler(std::function<void(HWND, std::vector<std::string> const&)> handler)
+{
+  Lock lock(mutex_);
+  dropHandler_ = std::move(handler);
 }
 
 void Core::handle(Input const& input)

@@ -3,6 +3,7 @@
 #include "platform/portable/results.h"
 #include "platform/portable/screen.h"
 
+#include <algorithm>
 #include <chrono>
 #include <thread>
 

@@ -124,12 +124,15 @@ private:
       key(static_cast<unsigned>(wParam));
       return true;
     case closeMessage:
-      result_ = cancelled();
+      answer(cancelled());
       return true;
     default:
       return false;
     }
   }
+
+  // The first one holds.
+  void answer(int result) { result_ = result_ ? result_ : result; }
 
   void press(Point at)
   {
@@ -160,7 +163,7 @@ private:
     if (moving_ || held != none)
       Core::instance().releaseCapture();
     if (held != none && contains(button(held), at))
-      result_ = answers_[held].result;
+      answer(answers_[held].result);
   }
 
   void key(unsigned virtualKey)
@@ -169,11 +172,9 @@ private:
     switch (virtualKey) {
     case returnKey:
     case spaceKey:
-      result_ = answers_[focused_].result;
-      return;
+      return answer(answers_[focused_].result);
     case escapeKey:
-      result_ = cancelled();
-      return;
+      return answer(cancelled());
     case tabKey:
     case rightKey:
       focused_ = (focused_ + 1) % count;

@@ -41,7 +41,7 @@ public:
   void cursor(CursorShape const*) override {}
   void capture(VideoWindow*) override {}
   void clip(Rect const*) override {}
-  void poll(VideoSink&) override {}
+  void poll(VideoSink&, bool) override {}
   void wait(int milliseconds) override;
   void wake() override;
 

@@ -43,6 +43,11 @@ void quit(int code) { portable::Core::instance().quit(code); }
 
 HWND attachNativeWindow(std::uintptr_t id) { return portable::Core::instance().attachNative(id); }
 
+void dropHandler(std::function<void(HWND, std::vector<std::string> const&)> handler)
+{
+  portable::Core::unstarted().dropHandler(std::move(handler));
+}
+
 void detach(HWND window) { portable::Core::instance().detach(window); }
 
 }  // namespace plat

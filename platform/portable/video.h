@@ -54,6 +54,8 @@ public:
   virtual void focused(HWND top, bool) = 0;
   virtual void exposed(HWND top) = 0;  // its pels are lost and are shown again
   virtual void screenChanged(Size, int depth) = 0;
+  virtual void gone(HWND top) = 0;  // its maker has destroyed it
+  virtual void dropped(HWND top, std::vector<std::string> files) = 0;  // paths in UTF-8
 };
 
 class Video {
@@ -72,7 +74,8 @@ public:
   virtual void capture(VideoWindow*) = 0;       // null releases
   virtual void clip(Rect const* screen) = 0;    // null: the whole screen
 
-  virtual void poll(VideoSink&) = 0;       // hands over what has come in
+  // Hands over what has come in. In a nested loop that is also what an application's own loop would have handed over.
+  virtual void poll(VideoSink&, bool nested) = 0;
   virtual void wait(int milliseconds) = 0;  // until something comes in or wake(); negative: without limit
   virtual void wake() = 0;                 // any thread; one that comes before wait() is not lost
 };

@@ -10,6 +10,7 @@
 #include <cmath>
 #include <cstdlib>
 #include <fstream>
+#include <sstream>
 #include <sys/wait.h>
 
 namespace fs = std::filesystem;
@@ -319,6 +320,7 @@ TEST(Krsview, badOptionsEndWithStatusOneAndOneLine)
       {"--nonsense"}, {"--window"},        {"--window", "0x10"},  {"--window", "10x"},   {"--window", "20000x5"},
       {"--depth"},    {"--depth", "12"},   {"--depth", "32x"},    {"--mag", "2.5"},      {"--mag", ""},
       {"--pan", "1"}, {"--pan", "1,nan"},  {"--pan", "1,2,3"},    {"--shot"},            {"--shot", ""},
+      {"--mode", "fly"}, {"--quit-after", "-1"}, {"--script"}, {"--script", "/no/such/file"}, {"--overlay", "much"},
       {"--fit=3"},    {"--headless=yes"},
   };
   for (auto const& arguments : wrong) {
@@ -383,6 +385,155 @@ TEST(Krsview, scrollBarsTakeTheirPartOfTheWindow)
       ASSERT_EQ(shot[static_cast<std::size_t>(y * 120 + x)],
                 pels.seen(static_cast<std::size_t>((y + 108) * 300 + x + 98), 32))
           << x << "," << y;
+}
+
+namespace {
+
+Outcome script(TestFolder const& folder, std::string const& lines, std::vector<std::string> arguments)
+{
+  std::ofstream(folder.file("script.txt")) << lines;
+  arguments.insert(arguments.begin(), {"--script", folder.file("script.txt").string()});
+  return view(folder, arguments);
+}
+
+// A column of greys: pel (x, y) is 2 x + y.
+std::string greyFile(TestFolder const& folder, long w, long h)
+{
+  Pels pels{Pels::grey8, w, h, {}, 0, 0};
+  for (long y = 0; y < h; ++y)
+    for (long x = 0; x < w; ++x)
+      pels.values.push_back(static_cast<std::uint32_t>((2 * x + y) & 255));
+  writeNetpbm(folder.file("grey.pgm"), pels);
+  return folder.file("grey.pgm").string();
+}
+
+std::string triple(long v) { return std::to_string(v) + " " + std::to_string(v) + " " + std::to_string(v); }
+
+}  // namespace
+
+TEST(KrsviewScript, aHandZoomsPansAndScrolls)
+{
+  TestFolder const folder;
+  std::string const image = greyFile(folder, 100, 80);
+  // Window and image have the same size, so that pel (x, y) shows image pel (x, y).
+  std::string const lines = "# the wheel keeps the pel under the cursor\n"
+                            "expect 20 30 " + triple(70) + "\n"
+                            "wheel 1 20 30\n"
+                            "expect 20 30 " + triple(70) + "\n"
+                            "wheel -1 20 30\n"
+                            "expect 20 30 " + triple(70) + "\n"
+                            "char 0\n"
+                            "expect 0 0 " + triple(0) + "\n"
+                            "char I\n"
+                            "press left 20 30\nrelease left 20 30\n"
+                            "expect 50 40 " + triple(70) + "\n"
+                            "char 1\n"
+                            "char A\n"
+                            "press left 50 40\nmove 45 42\nrelease left 45 42\n"
+                            "expect 45 42 " + triple(70) + "\n"
+                            "command 40506\n"
+                            "scroll horz 0\n"
+                            "key down left\n"
+                            "key up left\n"
+                            "info\n";
+
+  Outcome const outcome = script(folder, lines, {"--window", "100x80", image});
+
+  EXPECT_EQ(outcome.status, 0) << outcome.err;
+  // A small step of 80 * 0.02 pels to the right, then the view moves a tenth of 100 pels to the left.
+  EXPECT_NEAR(cfReadJson(outcome.out).value["pan"].at(0).number(), 1.6 + 10, 1e-9);
+}
+
+TEST(KrsviewScript, keysStepThroughTheImages)
+{
+  TestFolder const folder;
+  Random random{11};
+  writeNetpbm(folder.file("a.pgm"), randomPels(random, Pels::grey8, 10, 10));
+  writeNetpbm(folder.file("c.pgm"), randomPels(random, Pels::grey8, 12, 12));
+  std::ofstream(folder.file("b.pgm")) << "broken";
+
+  Outcome const outcome =
+      script(folder, "key down PageDown\ninfo\nkey down pagedown\ninfo\nkey down pageup\ninfo\n",
+             {folder.file("a.pgm").string(), folder.file("b.pgm").string(), folder.file("c.pgm").string()});
+
+  EXPECT_EQ(outcome.status, 2);
+  EXPECT_EQ(lines(outcome.err), 1);
+  std::istringstream in(outcome.out);
+  std::vector<double> widths;
+  for (std::string line; std::getline(in, line);)
+    widths.push_back(cfReadJson(line).value["width"].number());
+  EXPECT_EQ(widths, (std::vector<double>{12, 12, 10}));
+}
+
+TEST(KrsviewScript, anExpectationThatIsNotMetEndsWithStatusThreeAndBothColours)
+{
+  TestFolder const folder;
+  std::string const image = greyFile(folder, 10, 10);
+
+  Outcome const outcome = script(folder, "expect 5 5 15 15 15\nexpect 5 5 16 15 15\ninfo\n", {"--window", "10x10", image});
+
+  EXPECT_EQ(outcome.status, 3);
+  EXPECT_NE(outcome.err.find("15 15 15"), std::string::npos) << outcome.err;
+  EXPECT_NE(outcome.err.find("16 15 15"), std::string::npos);
+  EXPECT_EQ(outcome.out, "");
+}
+
+TEST(KrsviewScript, anUnknownLineEndsWithStatusFourAndItsNumber)
+{
+  TestFolder const folder;
+  std::string const image = greyFile(folder, 10, 10);
+  for (std::string const line : {"jump 3 4", "press left 3", "press up 3 4", "move 1", "move a b", "key down nokey",
+                                 "char ab", "wheel 1", "expect 1 2 3", "expect 1 2 3 4 256", "resize 0 5", "tick -1",
+                                 "scroll diag 1", "scroll horz 9", "command x", "shot", "info now", "lose it",
+                                 "press left 1 2 alt"}) {
+    Outcome const outcome = script(folder, "# a comment\n\n" + line + "\n", {image});
+    EXPECT_EQ(outcome.status, 4) << line;
+    EXPECT_NE(outcome.err.find("line 3"), std::string::npos) << outcome.err;
+  }
+}
+
+TEST(KrsviewScript, depthsOf15And16ShowChannelsWithLowBitsZero)
+{
+  TestFolder const folder;
+  std::ofstream(folder.file("c.ppm")) << "P3\n1 1\n255\n255 131 71\n";
+  std::string const image = folder.file("c.ppm").string();
+
+  EXPECT_EQ(script(folder, "expect 0 0 248 128 64\n", {"--window", "1x1", "--depth", "16", image}).status, 0);
+  // (255 + 2 * 131 + 71) / 4 = 147, as grey of 5 bits 144.
+  EXPECT_EQ(script(folder, "expect 0 0 144 144 144\n", {"--window", "1x1", "--depth", "15", image}).status, 0);
+  EXPECT_EQ(script(folder, "expect 0 0 147 147 147\n", {"--window", "1x1", "--depth", "24", image}).status, 0);
+}
+
+TEST(KrsviewScript, overlaysLeaveThePictureAndLostSurfacesComeBack)
+{
+  TestFolder const folder;
+  std::string const image = greyFile(folder, 40, 30);
+  for (std::string const overlay : {"none", "plane", "chroma"})
+    for (std::string const depth : {"8", "16", "32"}) {
+      auto const look = [&](std::string const& name, std::string const& lines) {
+        Outcome const outcome = script(folder, lines, {"--window", "60x50", "--depth", depth, "--overlay", overlay,
+                                                       "--mag", "2", "--info", "--shot", folder.file(name).string(), image});
+        EXPECT_EQ(outcome.status, 0) << outcome.err;
+        EXPECT_EQ(cfReadJson(outcome.out).value["overlay"].text(), overlay);
+        long w = 0, h = 0;
+        return pelsOf(folder.file(name), w, h);
+      };
+      auto const plain = look("a.png", "");
+      EXPECT_EQ(look("b.png", "lose\n"), plain) << overlay << " " << depth;
+      EXPECT_EQ(look("c.png", "lose\nresize 80 70\nlose\nresize 60 50\n"), plain) << overlay << " " << depth;
+    }
+}
+
+TEST(KrsviewScript, linesFromStandardInputAreAnsweredOneByOne)
+{
+  TestFolder const folder;
+  std::string const image = greyFile(folder, 10, 10);
+  std::string const command = "printf 'move 1 1\\n# nothing\\ntick 5\\n' | " + quoted(KRSVIEW_PROGRAM) +
+                              " --headless --script - " + quoted(image) + " >" + quoted(folder.file("o.txt").string());
+
+  EXPECT_EQ(std::system(command.c_str()), 0);
+
+  EXPECT_EQ(textOf(folder.file("o.txt")), "ok\nok\nok\n");
 }
 
 TEST(Krsview, helpAndVersionAnswerOnStandardOutput)

@@ -13,7 +13,7 @@ struct SketchTree : TestTree {
   Rows seen(long w, long h) const { return imagePicture({2, 1, w, h}); }
 };
 
-}  // namespace
+} // namespace
 
 TEST(Sketch, sharesCommandsByValue)
 {
@@ -62,7 +62,8 @@ TEST(Sketch, pelsIconsAndTextAreKeptByValue)
     unsigned char const icon[] = {255, 255};
     std::vector<unsigned char> map(256, 255);
     tree.recorder.draw(ccRLEBuffer::fromPels(icon, 2, 1, 2), ccPoint(5, 0), map, false, 0, true, kImage);
-    tree.recorder.draw(std::string("a"), ccPoint(8, 0), ccColor::yellowColor(), ccColor::passColor(), ccUIFormat(), kImage);
+    tree.recorder.draw(std::string("a"), ccPoint(8, 0), ccColor::yellowColor(), ccColor::passColor(), ccUIFormat(),
+                       kImage);
   }
   tree.t.draw(tree.recorder.sketch(), ccPoint(), kImage);
 
@@ -74,7 +75,7 @@ TEST(Sketch, offsetsMapAndAddUp)
   SketchTree tree;
   ccUITablet inner;
   inner.draw(ccLineSeg(ccPoint(0, 0), ccPoint(1, 0)), ccColor::redColor(), kImage);
-  inner.set(ccUIRect(0, 1, 2, 1), ccColor::greenColor(), kImage);  // pels, which don't scale
+  inner.set(ccUIRect(0, 1, 2, 1), ccColor::greenColor(), kImage); // pels, which don't scale
   tree.recorder.draw(inner.sketch(), ccPoint(1, 0), kImage);
   tree.t.scaleExact({2, 2});
 
@@ -128,7 +129,7 @@ TEST(Sketch, onlyDefaultMadeTabletsWithoutAParentRecord)
 {
   SketchTree tree;
   tree.recorder.set(ccUIRect(0, 0, 1, 1), ccColor::redColor(), kImage);
-  tree.recorder.opaque(kImage, true);  // states are not drawn
+  tree.recorder.opaque(kImage, true); // states are not drawn
   tree.recorder.visible(false);
   tree.recorder.visible(true);
   EXPECT_EQ(1u, tree.recorder.sketch().ops_seq().size());

@@ -57,7 +57,7 @@ public:
   }
 };
 
-}  // namespace
+} // namespace
 
 void* operator new(std::size_t size)
 {
@@ -75,7 +75,7 @@ TEST(TabletAllocation, settledFramesTakeNoMemory)
   QuietScope image({60, 40}, &calls);
   ccUITablet top(&image, nullptr);
   QuietTablet display(top, {5, 5, 40, 30});
-  ccUITablet form(top, {20, 10, 6, 6});  // cuts the display into pieces
+  ccUITablet form(top, {20, 10, 6, 6}); // cuts the display into pieces
   form.opaque(kImage, true);
   form.set(ccColor::whiteColor(), kImage);
   auto const frame = [&] {

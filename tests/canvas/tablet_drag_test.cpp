@@ -50,14 +50,17 @@ struct DragTree : TestTree {
     std::string row;
     for (long x = 0; x < 20; ++x) {
       std::uint32_t const v = image.screenPel(x, y);
-      row += v == image.value(ccColor::redColor()) ? 'r' : v == image.value(ccColor::greenColor()) ? 'g'
-             : v == image.value(ccColor::whiteColor()) ? 'w' : v == image.value(ccColor::blueColor()) ? '.' : '?';
+      row += v == image.value(ccColor::redColor())     ? 'r'
+             : v == image.value(ccColor::greenColor()) ? 'g'
+             : v == image.value(ccColor::whiteColor()) ? 'w'
+             : v == image.value(ccColor::blueColor())  ? '.'
+                                                       : '?';
     }
     return {row};
   }
 };
 
-}  // namespace
+} // namespace
 
 TEST(TabletDrag, outlineOfAFormCrossesItsSiblingsAndGoesWithoutTrace)
 {
@@ -117,7 +120,7 @@ TEST(TabletDrag, offsetShiftsWhatIsDrawnButNotTheWholeTablet)
   tree.begin(t);
   tree.animateOn(t);
   t.dragDel({3, 1});
-  t.dragDel({2, 1});  // absolute, not summed up
+  t.dragDel({2, 1}); // absolute, not summed up
   t.set(ccUIRect(1, 1, 2, 1), ccColor::redColor(), kImage);
   t.draw(ccLineSeg(ccPoint(5, 1), ccPoint(7, 1)), ccColor::greenColor(), kImage);
   t.drawStart(ccPoint(9, 1), kImage);
@@ -151,7 +154,7 @@ TEST(TabletDrag, endOfTheAnimationClearsTheOffset)
   tree.stop(t);
   EXPECT_EQ(ccUIRect(0, 0, 20, 10), t.activeScope(kImage));
 
-  t.dragDel({5, 5});  // no animation: no shift
+  t.dragDel({5, 5}); // no animation: no shift
   t.set(ccUIRect(1, 3, 2, 1), ccColor::redColor(), kImage);
   EXPECT_EQ(Rows({".rr."}), tree.imagePicture({0, 13, 4, 1}));
 }
@@ -197,7 +200,7 @@ TEST(TabletDrag, whatItsStartHidesGoesWithTheFirstStep)
   tree.animateOff(tree.a);
   EXPECT_EQ(Rows({"..rrrrrr............"}), tree.screenRow(4));
 
-  tree.b.visible(true);  // after the first step marks wait for the end
+  tree.b.visible(true); // after the first step marks wait for the end
   tree.animateOn(tree.a);
   tree.animateOff(tree.a);
   EXPECT_EQ(Rows({"..rrrrrr............"}), tree.screenRow(4));

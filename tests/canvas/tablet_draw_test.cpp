@@ -12,10 +12,7 @@ struct DrawTree : TestTree {
   Rows seen(long w, long h) const { return imagePicture({2, 1, w, h}); }
 };
 
-ccGraphicProps pen(ccColor const& c, long width = 1)
-{
-  return ccGraphicProps(c, width, ceSolidPen, false);
-}
+ccGraphicProps pen(ccColor const& c, long width = 1) { return ccGraphicProps(c, width, ceSolidPen, false); }
 
 ccPelBuffer<unsigned char> ramp(long w, long h)
 {
@@ -26,7 +23,7 @@ ccPelBuffer<unsigned char> ramp(long w, long h)
   return b;
 }
 
-}  // namespace
+} // namespace
 
 // ---- Fills
 
@@ -134,7 +131,7 @@ TEST(TabletDraw, lineSegIsMappedAndClipped)
   tree.t.draw(ccLineSeg(ccPoint(-50, 2), ccPoint(50, 2)), pen(ccColor::greenColor()), kImage);
 
   EXPECT_EQ(Rows({"........", "..rrrrr.", "........", ".ggggggg"}), tree.imagePicture({1, 2, 8, 4}));
-  EXPECT_EQ(Rows({"gg."}), tree.imagePicture({20, 5, 3, 1}));  // the tablet ends at 22
+  EXPECT_EQ(Rows({"gg."}), tree.imagePicture({20, 5, 3, 1})); // the tablet ends at 22
 }
 
 TEST(TabletDraw, lineCrossesTheWholeTabletAndNoMore)
@@ -287,7 +284,7 @@ TEST(TabletDraw, textIsNeverScaledAndIsMeasuredInLocalPels)
   ccUIRect const full = tree.t.textRect("abcd", ccPoint(1, 1), ccUIFormat(), clipped, kImage);
 
   EXPECT_EQ(ccUIRect(3, 3, 4 * MemoryScope::kCellWidth, MemoryScope::kCellHeight), full);
-  EXPECT_EQ(ccUIRect(3, 3, 17, 9), clipped);  // the tablet is 20 x 12
+  EXPECT_EQ(ccUIRect(3, 3, 17, 9), clipped); // the tablet is 20 x 12
   EXPECT_EQ(full, tree.t.textRect("abcd", ccPoint(1, 1), ccUIFormat(), kBoth));
 
   tree.t.draw("ab", ccPoint(1, 0), ccColor::redColor(), ccColor::greenColor(), ccUIFormat(), kImage);
@@ -359,6 +356,15 @@ TEST(TabletDraw, redrawStartsWithoutAClipAndReturnsTheFormerOne)
   EXPECT_EQ(Rows({"ggrrg."}), tree.seen(6, 1));
 }
 
+TEST(TabletDraw, clipSetInsideARedrawEndsWithIt)
+{
+  DrawTree tree;
+  tree.t.face = [](TestTablet& t) { t.drawClipRect(ccRect(ccPoint(0, 0), ccVector<2>(1, 1)), kImage); };
+  tree.t.redraw(kImage);
+  tree.t.set(ccUIRect(0, 0, 3, 1), ccColor::redColor(), kImage);
+  EXPECT_EQ(Rows({"rrr."}), tree.seen(4, 1));
+}
+
 // ---- Records
 
 TEST(TabletRecord, unitesTheBoxesOfWhatIsDrawn)
@@ -417,7 +423,7 @@ TEST(TabletRecord, countsWhatIsCoveredOrHiddenOrWithoutAScope)
   tree.t.recordChanges(true);
   tree.t.set(ccUIRect(1, 1, 2, 2), ccColor::redColor(), kImage);
   tree.t.visible(false);
-  tree.t.set(ccUIRect(50, 1, 2, 2), ccColor::redColor(), kImage);  // outside, too
+  tree.t.set(ccUIRect(50, 1, 2, 2), ccColor::redColor(), kImage); // outside, too
   tree.t.getChanges(changes, false);
   EXPECT_EQ(ccUIRect(1, 1, 51, 2), changes[0]);
 

@@ -27,12 +27,12 @@ public:
 
   explicit TestTablet(ccUIRect const& orphan) : ccUITablet(static_cast<ccUITablet*>(nullptr), orphan) {}
 
-  std::function<void(TestTablet&)> face;  // what redraw_ draws
+  std::function<void(TestTablet&)> face; // what redraw_ draws
   std::function<void(TestTablet&, std::string const&)> onHook;
   std::vector<Pass> passes;
   std::vector<std::string> hooks;
   std::string name;
-  std::vector<std::string>* shared = nullptr;  // hooks of several tablets in one list, with their names
+  std::vector<std::string>* shared = nullptr; // hooks of several tablets in one list, with their names
 
   long passesOn(Layers l) const
   {
@@ -111,10 +111,14 @@ struct TestTree {
   // One character a pel: . blue, and the first letter of red, green, white, yellow, cyan, magenta; 0 black, - pass.
   static std::vector<std::string> picture(MemoryScope const& s, ccUIRect const& r)
   {
-    return s.picture(r, {{s.value(ccColor::blueColor()), '.'}, {s.value(ccColor::redColor()), 'r'},
-                         {s.value(ccColor::greenColor()), 'g'}, {s.value(ccColor::whiteColor()), 'w'},
-                         {s.value(ccColor::yellowColor()), 'y'}, {s.value(ccColor::cyanColor()), 'c'},
-                         {s.value(ccColor::magentaColor()), 'm'}, {s.value(ccColor::blackColor()), '0'},
+    return s.picture(r, {{s.value(ccColor::blueColor()), '.'},
+                         {s.value(ccColor::redColor()), 'r'},
+                         {s.value(ccColor::greenColor()), 'g'},
+                         {s.value(ccColor::whiteColor()), 'w'},
+                         {s.value(ccColor::yellowColor()), 'y'},
+                         {s.value(ccColor::cyanColor()), 'c'},
+                         {s.value(ccColor::magentaColor()), 'm'},
+                         {s.value(ccColor::blackColor()), '0'},
                          {s.value(ccColor::passColor()), '-'}});
   }
   std::vector<std::string> imagePicture(ccUIRect const& r) const { return picture(image, r); }
@@ -122,3 +126,15 @@ struct TestTree {
 };
 
 using Rows = std::vector<std::string>;
+
+// The passes of a tablet: all of it or a part, and the rectangle on the image layer.
+inline Rows areas(TestTablet const& t)
+{
+  Rows all;
+  for (Pass const& p : t.passes) {
+    ccUIRect const& r = p.active[0];
+    all.push_back((p.inArea ? "part " : "all ") + std::to_string(r.left()) + "," + std::to_string(r.top()) + " " +
+                  std::to_string(r.width()) + "x" + std::to_string(r.height()));
+  }
+  return all;
+}

@@ -116,8 +116,8 @@ TEST(Tablet, geometryHooksComeInOrderAndClippedTopDown)
   top.size({50, 50});
   std::vector<std::string> calls;
   TestTablet a(top, {10, 10, 20, 20});
-  TestTablet kid(a, {0, 0, 30, 5});    // cut by its parent
-  TestTablet inner(a, {2, 10, 3, 3});  // seen whole
+  TestTablet kid(a, {0, 0, 30, 5});   // cut by its parent
+  TestTablet inner(a, {2, 10, 3, 3}); // seen whole
   TestTablet deep(kid, {0, 0, 25, 5});
   a.name = "a", kid.name = "kid", inner.name = "inner", deep.name = "deep";
   for (TestTablet* t : {&a, &kid, &inner, &deep})
@@ -138,7 +138,7 @@ TEST(Tablet, movingInsideTheParentClipsNothing)
   EXPECT_EQ(std::vector<std::string>{"move"}, a.hooks);
   a.hooks.clear();
 
-  a.moveAbs({40, 10});  // half of it leaves
+  a.moveAbs({40, 10}); // half of it leaves
   EXPECT_EQ((std::vector<std::string>{"move", "clipped"}), a.hooks);
 }
 
@@ -166,7 +166,8 @@ TEST(Tablet, endlessFrameFollowsItsParent)
 
   tree.top.size({25, 20});
 
-  EXPECT_EQ(std::vector<std::string>{"resize"}, std::vector<std::string>(tree.top.hooks.begin(), tree.top.hooks.begin() + 1));
+  EXPECT_EQ(std::vector<std::string>{"resize"},
+            std::vector<std::string>(tree.top.hooks.begin(), tree.top.hooks.begin() + 1));
   EXPECT_EQ(std::vector<std::string>{"clipped"}, plane.hooks);
   EXPECT_EQ(std::vector<std::string>{"clipped"}, below.hooks);
   EXPECT_EQ(ccUIRect(0, 0, 25, 20), below.currentScope(kImage));
@@ -176,12 +177,12 @@ TEST(Tablet, endlessFrameFollowsItsParent)
 TEST(Tablet, endlessFrameInAFrameEndsWhereThatEnds)
 {
   TestTree tree;
-  TestTablet frame(tree.top, {30, 20, 20, 20});  // reaches out of the top
+  TestTablet frame(tree.top, {30, 20, 20, 20}); // reaches out of the top
   TestTablet plane(frame, ccUIRect::firstQuad);
 
   EXPECT_EQ(ccPair<long>(30, 20), plane.screenOrigin());
-  EXPECT_EQ(ccUIRect(0, 0, 10, 10), plane.currentScope(kImage));  // cut with the scope
-  EXPECT_EQ(ccUIRect(0, 0, 20, 20), frame.currentScope(kImage));  // whatever hides it
+  EXPECT_EQ(ccUIRect(0, 0, 10, 10), plane.currentScope(kImage)); // cut with the scope
+  EXPECT_EQ(ccUIRect(0, 0, 20, 20), frame.currentScope(kImage)); // whatever hides it
 }
 
 TEST(Tablet, currentScopeIsNullWithoutAScopeOnTheLayer)
@@ -237,9 +238,7 @@ TEST(Tablet, clippedHookMayDestroyItsOwnTablet)
   TestTablet a(tree.top, {0, 0, 20, 20});
   auto kid = std::make_unique<TestTablet>(a, ccUIRect(0, 0, 30, 30));
   TestTablet other(a, {0, 0, 30, 30});
-  kid->onHook = [&](TestTablet&, std::string const&) {
-    auto const dying = std::move(kid);
-  };
+  kid->onHook = [&](TestTablet&, std::string const&) { auto const dying = std::move(kid); };
 
   a.size({18, 18});
 
@@ -300,6 +299,16 @@ TEST(TabletMap, halvesRoundUpwardAtNegativePositionsToo)
   EXPECT_EQ(ccPair<long>(3, 3), t.scopeCoords({2.5 - 5e-7, 3.4}));
 }
 
+TEST(TabletMap, farPositionsStayWhereSumsFit)
+{
+  TestTree tree;
+  TestTablet t(tree.top, {30, 20, 5, 5});
+  EXPECT_EQ((ccPair<long>(ccUIRect::kFar, -ccUIRect::kFar)), t.scopeCoords({1e300, -1e300}));
+  t.drawStart(ccPoint(1e300, -1e300), kImage);
+  t.drawToRelPels(ccUIRect::kFar, -ccUIRect::kFar, ccColor::redColor(), kImage);
+  EXPECT_EQ(Rows({"....."}), tree.imagePicture({30, 20, 5, 1}));
+}
+
 TEST(TabletMap, singularMapGivesTheOrigin)
 {
   TestTablet t{ccUIRect(0, 0, 10, 10)};
@@ -317,10 +326,10 @@ TEST(TabletMap, scaleSetsTheMode)
     long scale;
   };
   double const nan = std::nan("");
-  for (Case const& c : {Case{3, ccUITablet::scaleUp, 3}, Case{3.9, ccUITablet::scaleUp, 3}, Case{1, ccUITablet::scaleNone, 1},
-                        Case{0.5, ccUITablet::scaleDown, 2}, Case{0.4, ccUITablet::scaleDown, 2},
-                        Case{0, ccUITablet::scaleNone, 1}, Case{-2, ccUITablet::scaleNone, 1},
-                        Case{nan, ccUITablet::scaleNone, 1}}) {
+  for (Case const& c :
+       {Case{3, ccUITablet::scaleUp, 3}, Case{3.9, ccUITablet::scaleUp, 3}, Case{1, ccUITablet::scaleNone, 1},
+        Case{0.5, ccUITablet::scaleDown, 2}, Case{0.4, ccUITablet::scaleDown, 2}, Case{0, ccUITablet::scaleNone, 1},
+        Case{-2, ccUITablet::scaleNone, 1}, Case{nan, ccUITablet::scaleNone, 1}}) {
     TestTablet t{ccUIRect(0, 0, 10, 10)};
     t.scaleExact({c.x, c.x});
     EXPECT_EQ(c.mode, t.scaleMode()) << c.x;
@@ -451,7 +460,7 @@ TEST(Tablet, screenLockIsTheWholeTreesAndNests)
   EXPECT_TRUE(tree.image.screenUpdatesLocked());
   kid.lockScreenUpdatesPop(kImage);
   EXPECT_FALSE(tree.image.screenUpdatesLocked());
-  kid.lockScreenUpdatesPop(kImage);  // one too many
+  kid.lockScreenUpdatesPop(kImage); // one too many
   EXPECT_EQ(2, tree.image.calls("lockPop"));
 }
 

@@ -237,6 +237,17 @@ TEST_F(Input, hidingOrDestroyingTheCaptureWindowReleasesTheCaptureBeforeMessageT
   EXPECT_EQ(Core::instance().capture(), nullptr);
 }
 
+TEST_F(Input, aHiddenCaptureWindowIsToldBeforeItsEndToo)
+{
+  HWND const window = top({0, 0, 100, 100});
+  HWND const inner = kid(window, {0, 0, 50, 50}, child);
+  settle();
+  windows().setCapture(inner);
+  windows().destroy(inner);
+
+  EXPECT_EQ(recorder.numbersOf(inner), (Numbers{533, 2, 130}));
+}
+
 TEST_F(Input, theClipClampsPositionsAndTheCursor)
 {
   HWND const window = top({0, 0, 200, 200});

@@ -2,6 +2,7 @@
 #include "tests/platform/window_fixture.h"
 
 #include "platform/portable/core.h"
+#include "platform/portable/menus.h"
 
 #include <thread>
 
@@ -139,6 +140,53 @@ TEST_F(MenuTest, thePressThatOpenedTheMenuMayBeDraggedToAnItem)
 
   EXPECT_EQ(commands(), (std::vector<WParam>{40502}));
   EXPECT_TRUE(recorder.of(517).empty());
+}
+
+TEST_F(MenuTest, aReleaseWhereTheMenuWasOpenedChoosesNothing)
+{
+  recorder.hook = [&](Message const& m, LResult&) { return m.number == 516; };
+  pointer({595, 480}, right, 0);
+  meanwhile([] {
+    // The menu was moved in below the pointer, so the release falls on an item.
+    pointer({595, 480}, 0, 0);
+    key(27, true, 0);
+  });
+  menus().track(tools(), {595, 480}, window_);
+
+  EXPECT_EQ(commands(), std::vector<WParam>{});
+}
+
+TEST_F(MenuTest, aClickOnADisabledItemChoosesNothingAndLeavesTheMenuOpen)
+{
+  menus().enable(tools(), 40502, false);
+  meanwhile([] {
+    pointer({15, 20}, left, 0);
+    pointer({15, 20}, 0, 0);
+    pointer({15, 40}, left, 0);
+    pointer({15, 40}, 0, 0);
+  });
+  menus().track(tools(), {10, 10}, window_);
+
+  EXPECT_EQ(commands(), (std::vector<WParam>{40503}));
+}
+
+TEST_F(MenuTest, radioMarksOneOfARangeAndCheckOneItem)
+{
+  menus().radio(tools(), 40502, 40505, 40504);
+  menus().check(menu_, 40511, true);
+  menus().radio(tools(), 40502, 40505, 40505);
+
+  std::vector<unsigned> checked, radio;
+  for (portable::MenuItem const& item : portable::menus().items(tools())) {
+    if (item.checked)
+      checked.push_back(item.id);
+    if (item.radio)
+      radio.push_back(item.id);
+  }
+  EXPECT_EQ(checked, (std::vector<unsigned>{40505, 40511}));
+  EXPECT_EQ(radio, (std::vector<unsigned>{40502, 40503, 40504, 40505}));
+  menus().check(tools(), 40511, false);
+  EXPECT_FALSE(portable::menus().items(tools()).back().checked);
 }
 
 TEST_F(MenuTest, aClickOutsideDismissesAndIsSwallowed)

@@ -689,7 +689,7 @@ TEST(PainterWide, closedPolygonHasNoGapAtItsStart)
   EXPECT_FALSE(canvas.at(4, 4));  // bevelled
 }
 
-TEST(PainterBezier, passesWithinAPelOfTheCurveAndEndsOnIts)
+TEST(PainterBezier, passesCloseToTheCurveAndBeginsAtItsStart)
 {
   Shape shape(41);
   for (int round = 0; round < 100; ++round) {
@@ -722,8 +722,8 @@ TEST(PainterBezier, passesWithinAPelOfTheCurveAndEndsOnIts)
           nearest = std::min(nearest, std::hypot(cx - x, cy - y));
         ASSERT_LE(nearest, 1.4) << x << ' ' << y;
       }
-    if (!(c[0] == c[3])) {
-      EXPECT_TRUE(canvas.at(c[0].x, c[0].y) || c[0].x >= kW || c[0].y >= kH);
+    if (!(c[0] == c[3]) && c[0].x < kW && c[0].y < kH) {
+      EXPECT_TRUE(canvas.at(c[0].x, c[0].y));
     }
   }
 }

@@ -153,6 +153,18 @@ TEST(Painter, boundsTakeARectangleOnlyWhenAskedToAddIt)
   EXPECT_EQ(r, given);
 }
 
+TEST(Painter, boundsOutliveBeingEnabledAndDisabled)
+{
+  Canvas canvas(20, 10, 32);
+  Rect const given{2, 3, 5, 6};
+  Rect r;
+  canvas.painter().setBounds(&given, 2);
+  EXPECT_EQ(canvas.painter().setBounds(nullptr, 4), 8u | 3u);
+  EXPECT_EQ(canvas.painter().setBounds(nullptr, 8), 4u | 3u);
+  EXPECT_EQ(canvas.painter().getBounds(r, 0), 3u);
+  EXPECT_EQ(r, given);
+}
+
 TEST(Painter, boundsAreLogicalAndCutByTheClip)
 {
   Canvas canvas(20, 10, 32);

@@ -103,6 +103,20 @@ TEST_F(ScrollBars, aPositionIsClampedToMaxLessPagePlusOne)
   EXPECT_EQ(posByThumb(window_, {108, 100}), 150);
 }
 
+// Five of ten positions: half of the 184 pels between the arrows.
+TEST_F(ScrollBars, theThumbHasTheShareOfThePageInTheRange)
+{
+  windows().setScrollInfo(window_, vertical, {1 | 2 | 4, 0, 9, 5, 0}, true);
+
+  pointer({108, 16 + 91}, left, 0);
+  pointer({108, 16 + 91}, 0, 0);
+  EXPECT_EQ(scrolls(), (std::vector<Scroll>{{277, 4, 0}, {277, 8, 0}}));
+  recorder.clear();
+  pointer({108, 16 + 92}, left, 0);
+  pointer({108, 16 + 92}, 0, 0);
+  EXPECT_EQ(scrolls(), (std::vector<Scroll>{{277, 3, 0}, {277, 8, 0}}));
+}
+
 TEST_F(ScrollBars, arrowsAndPageAreaSendTheirCodesAndThenEight)
 {
   windows().setScrollPos(window_, vertical, 150, true);  // the thumb lies at 85 to 131

@@ -5,6 +5,7 @@
 #include "platform/portable/null_video.h"
 
 #include <atomic>
+#include <chrono>
 #include <cstdlib>
 #include <new>
 #include <random>
@@ -305,8 +306,23 @@ TEST_F(WindowPaint, validateTakesARectangleOutAndAllCancelsTheErase)
   EXPECT_EQ(windows().updateRect(window), (Rect{50, 0, 100, 80}));
   windows().validate(window, nullptr);
   drain();
-
   EXPECT_TRUE(recorder.messages.empty());
+
+  windows().invalidate(window, &left, false);
+  drain();
+  EXPECT_EQ(recorder.numbers(), (std::vector<unsigned>{15}));
+}
+
+TEST_F(WindowPaint, anEraseOfNothingIsNotKeptForLater)
+{
+  HWND const window = top({0, 0, 100, 80});
+  settle();
+  Rect const outside{200, 200, 300, 300}, inside{0, 0, 5, 5};
+  windows().invalidate(window, &outside, true);
+  windows().invalidate(window, &inside, false);
+  drain();
+
+  EXPECT_EQ(recorder.numbers(), (std::vector<unsigned>{15}));
 }
 
 TEST_F(WindowPaint, updateSendsAtOnceWhatIsDueAndNothingElse)
@@ -548,6 +564,40 @@ TEST_F(WindowPaint, lentMemoryIsDrawnIntoDirectlyAndKeepsItsPelsWhenTheSizeChang
   EXPECT_EQ(LendingWindow::copies, 0);
   EXPECT_GE(LendingWindow::sends, 2);
   detach(window);
+}
+
+// The painter has found the visible part and waits for the pels; before it is its turn a kid covers some of them.
+TEST_F(WindowPaint, aPainterWhoseTurnComesAfterAChangeSeesTheNewVisiblePart)
+{
+  HWND const window = top({0, 0, 100, 100});
+  HWND const inner = kid(window, {0, 0, 40, 40}, child);
+  struct Scene {
+    HWND window, inner;
+    std::thread other;
+    std::atomic<bool> about = false;
+  } scene;
+  scene.window = window;
+  scene.inner = inner;
+  portable::paintVisible(
+      window, &scene,
+      [](void* context, VisiblePart const&) {
+        Scene& s = *static_cast<Scene*>(context);
+        s.other = std::thread([&s] {
+          s.about = true;
+          fill(s.window, 0x55);
+        });
+        while (!s.about)
+          std::this_thread::yield();
+        for (auto end = std::chrono::steady_clock::now() + std::chrono::milliseconds(20);
+             std::chrono::steady_clock::now() < end;)
+          std::this_thread::yield();
+        plat::platform().windows.place(s.inner, nullptr, 4);
+      },
+      Rect{});
+  scene.other.join();
+
+  EXPECT_EQ(pel(window, {39, 39}), 0u);
+  EXPECT_EQ(pel(window, {40, 40}), 0x55u);
 }
 
 TEST_F(WindowPaint, paintersOfOtherThreadsGetAlongWithATreeThatChanges)

@@ -133,8 +133,8 @@ void ccUIEventProcessor::processEvent(ccMouseEvent const& e)
   root_->lockScreenUpdatesPush(true, ccUITablet::bothLayers);
   if (owner_ && owner_->enabled())
     deliver_(event, hit, buttons, rightAsLeft);
-  else if (owner_ && owner_->dragging() && event.event() == ccMouseEvent::mouseReleased)
-    abandonDrag_();
+  if (event.event() == ccMouseEvent::mouseReleased && gesture() == Gesture::dragging)
+    abandonDrag_();  // the owner was hidden or disabled meanwhile, or the release counts for nothing
   lock.lock();  // a second hold, whatever a callback did to the first
 
   dblClk_ = event.event() == ccMouseEvent::mouseDblClicked;

@@ -69,7 +69,7 @@ ccUIObject* ccUIFrame::fartherSib() const
 ccUIObject* ccUIFrame::whoIsTouched(ccPair<long> const& pos)
 {
   ccLock lock(rootMutex());
-  if (!visible() || !frameRect_.within(pos))
+  if (dying() || !visible() || !frameRect_.within(pos))
     return nullptr;
   ccPair<long> const local = pos - frameRect_.ul();
   for (ccUIObject* kid = frontKid(); kid; kid = kid->fartherSib())

@@ -6,11 +6,11 @@
 #include "ui/core/node_walk.h"
 #include "ui/core/root.h"
 
+#include <functional>
 #include <new>
 #include <unordered_set>
 
 std::uint32_t ccUIObject::nextKey_ = 0;
-thread_local bool ccUIObject::setAutoDelete_ = false;
 
 namespace {
 
@@ -19,6 +19,23 @@ std::unordered_set<ccUIObject const*>& cf_registry()
 {
   static std::unordered_set<ccUIObject const*> registry;
   return registry;
+}
+
+// Memory that operator new has made and in which no node has begun yet. More than one, since the arguments of a constructor
+// may make nodes themselves.
+struct Block {
+  unsigned char const* begin;
+  std::size_t size;
+};
+constexpr int maxBlocks = 16;
+thread_local Block blocks[maxBlocks];
+thread_local int blockCount = 0;
+
+void cf_removeBlock(int i)
+{
+  --blockCount;
+  for (; i < blockCount; ++i)
+    blocks[i] = blocks[i + 1];
 }
 
 ccColor& cf_dragColor()
@@ -37,8 +54,7 @@ ccColor& cf_selectColor()
 
 ccUIObject::ccUIObject()
 {
-  if (setAutoDelete_) {
-    setAutoDelete_ = false;
+  if (setAutoDelete_(this)) {
     setBit_(kOpNew, true);
     autoDelete(true);
   }
@@ -83,11 +99,34 @@ void ccUIObject::leaveGesture()
 void* ccUIObject::operator new(std::size_t size)
 {
   void* const memory = ::operator new(size);
-  setAutoDelete_ = true;
+  if (blockCount == maxBlocks)
+    cf_removeBlock(0);
+  blocks[blockCount++] = Block{static_cast<unsigned char const*>(memory), size};
   return memory;
 }
 
-void ccUIObject::operator delete(void* memory) { ::operator delete(memory); }
+void ccUIObject::operator delete(void* memory)
+{
+  // A block whose node was never begun is still there.
+  for (int i = blockCount; i-- > 0;)
+    if (blocks[i].begin == memory)
+      cf_removeBlock(i);
+  ::operator delete(memory);
+}
+
+// The first node that begins in a block is the one that was made with new; those after it are its members.
+bool ccUIObject::setAutoDelete_(ccUIObject const* node)
+{
+  auto const* const at = reinterpret_cast<unsigned char const*>(node);
+  for (int i = blockCount; i-- > 0;) {
+    std::less<unsigned char const*> const before;
+    if (before(at, blocks[i].begin) || !before(at, blocks[i].begin + blocks[i].size))
+      continue;
+    cf_removeBlock(i);
+    return true;
+  }
+  return false;
+}
 
 // Both mutexes outlive every node, since the first node makes them.
 ccMutex& ccUIObject::orphanMutex()

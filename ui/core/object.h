@@ -165,6 +165,7 @@ protected:
   // For destructors of nodes whose tree links go before the last of the node does: holds the root's mutex until the node
   // has left the registry, and ends a drag that the node or one below it owns.
   void beginDestruction();
+  bool dying() const { return dyingHold_ != nullptr; }
   void leaveGesture();
 
   ccUIRootObject* root_ = nullptr;  // a root itself keeps null here
@@ -203,5 +204,5 @@ private:
   ccMutex* dyingHold_ = nullptr;  // held from beginDestruction to the end of the node
 
   static std::uint32_t nextKey_;
-  static thread_local bool setAutoDelete_;  // operator new has made room for the node that is constructed next
+  static bool setAutoDelete_(ccUIObject const*);  // did operator new make this node's memory; asked once
 };

@@ -141,7 +141,7 @@ ccUIObject* ccUIShapes::whoIsTouched(ccPair<long> const& pos)
 
 ccUIObject* ccUIShapes::whoIsTouched(ccVector<2> const& v, double scale, bool parentEnabled)
 {
-  if (!parentEnabled || !condVisAndEnab())
+  if (dying() || !parentEnabled || !condVisAndEnab())
     return nullptr;
   for (auto kid = kids_.rbegin(); kid != kids_.rend(); ++kid)
     if (ccUIObject* const touched = (*kid)->whoIsTouched(v, scale, true))
@@ -220,7 +220,7 @@ ccVector<2> ccUIShapes::absPos()
 {
   ccLock lock(rootMutex());
   ccUIShapes* const above = parent_ ? parent_->shapes(true) : nullptr;
-  return above ? above->absPos() + pos_() : pos_();
+  return above && !above->dying() ? above->absPos() + pos_() : pos_();
 }
 
 void ccUIShapes::move(ccVector<2> const& by)

@@ -34,7 +34,8 @@ void ccUIShapes::update(bool withKids, bool erase, ccUIRect const* clip, Layers 
 void ccUIShapes::drawTree_(bool withKids, ccUIRect const* clip, Layers layer)
 {
   ccUITablet* const canvas = tablet();
-  if (!canvas || hiding_)  // what is on its way out isn't drawn again by the repaints that its erasing causes
+  // What is on its way out isn't drawn again by the repaints that its erasing causes.
+  if (!canvas || hiding_ || dying())
     return;
   cc_ScreenLock const screen(canvas);
   bool const meets = !clip || !drawnRects_[0].nullIntersection(clip[0]) || !drawnRects_[1].nullIntersection(clip[1]);

@@ -45,7 +45,7 @@ long ccUIShapesFrame::numKids() const { return static_cast<long>(shapes_.size())
 ccUIObject* ccUIShapesFrame::whoIsTouched(ccPair<long> const& pos)
 {
   ccLock lock(rootMutex());
-  if (!visible() || !frameRect_.within(pos))
+  if (dying() || !visible() || !frameRect_.within(pos))
     return nullptr;
   ccPair<long> const local = pos - frameRect_.ul();
   if (!shapes_.empty()) {

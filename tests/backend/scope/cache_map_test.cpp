@@ -105,7 +105,7 @@ TEST(CacheMap, defaultTablesDoNotUseTheIndexMap)
   map.set(testColors(), false);
   map.set(std::vector<unsigned char>(256, 77));
 
-  EXPECT_EQ(map.to32(false)[100], surfacePel(testColors()[100], 32));
+  EXPECT_EQ(map.to32(false)[100], surfacePel(testColor(100), 32));
 }
 
 TEST(CacheMap, newObjectAnswersTheDefaultIndexes)

@@ -80,13 +80,18 @@ inline std::uint32_t pelOf(ccDirectDrawSurface& surface, long x, long y)
   return at < pels.size() ? pels[at] : 0xDEADBEEF;
 }
 
-// 256 colours without two alike.
+// Of the first 256 no two are alike.
+inline ccRGB testColor(std::size_t i)
+{
+  return ccRGB(static_cast<unsigned char>(i), static_cast<unsigned char>(i * 7 + 3),
+               static_cast<unsigned char>(255 - i % 251));
+}
+
 inline std::vector<ccRGB> testColors(std::size_t count = 256)
 {
   std::vector<ccRGB> colors(count);
   for (std::size_t i = 0; i < count; ++i)
-    colors[i] = ccRGB(static_cast<unsigned char>(i), static_cast<unsigned char>(i * 7 + 3),
-                      static_cast<unsigned char>(255 - i % 251));
+    colors[i] = testColor(i);
   return colors;
 }
 

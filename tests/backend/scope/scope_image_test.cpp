@@ -49,7 +49,7 @@ TEST_F(ScopeImage, everySourceAndOutFormat)
         std::uint32_t const v = value(i);
         std::uint32_t r, g, b;
         if (depth == 8) {
-          ccRGB const c = withInfo ? testColors()[v] : ccRGB(static_cast<unsigned char>(v), static_cast<unsigned char>(v),
+          ccRGB const c = withInfo ? testColor(v) : ccRGB(static_cast<unsigned char>(v), static_cast<unsigned char>(v),
                                                              static_cast<unsigned char>(v));
           r = c.r, g = c.g, b = c.b;
         } else if (depth == 15) {
@@ -190,7 +190,7 @@ TEST_F(ScopeImage, runningPhaseDoesNotHinder)
   scope.draw(pels, ccPoint(0, 0), false, 0, true);
   ccPelBuffer<ccPackedRGB32Pel> out(5, 5);
   scope.getDisplayedImage(out, nullptr, imageLayer);
-  EXPECT_EQ(out.getPel(1, 1).word() & 0xFFFFFF, surfacePel(testColors()[200], 32));
+  EXPECT_EQ(out.getPel(1, 1).word() & 0xFFFFFF, surfacePel(testColor(200), 32));
   scope.optimizeDrawing(false);
 }
 
@@ -234,7 +234,7 @@ protected:
 
   std::unique_ptr<ScopeProbe> image_, overlay_;
   cs_GetDisplayedImageInfo info_;
-  std::uint32_t const imagePel_ = surfacePel(testColors()[20], 32);
+  std::uint32_t const imagePel_ = surfacePel(testColor(20), 32);
 };
 
 TEST_F(ScopeImageOverlay, modeOnePaintsTheBackgroundAtKeyPels)

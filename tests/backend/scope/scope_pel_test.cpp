@@ -45,9 +45,9 @@ protected:
   {
     if (depth == 8)
       return mapped ? v : inDefaultIndexes(v);
-    return surfacePel(testColors()[mapped ? v : inDefaultIndexes(v)], depth);
+    return surfacePel(testColor(mapped ? v : inDefaultIndexes(v)), depth);
   }
-  static std::uint32_t expectedPel(unsigned short v, int depth, bool) { return surfacePel(testColors(65536)[v], depth); }
+  static std::uint32_t expectedPel(unsigned short v, int depth, bool) { return surfacePel(testColor(v), depth); }
   static std::uint32_t expectedPel(ccPackedRGB16Pel v, int, bool) { return v.word(); }
   static std::uint32_t expectedPel(ccPackedRGB32Pel v, int, bool) { return v.word() & 0xFFFFFF; }
 
@@ -96,7 +96,7 @@ protected:
     auto const upTo = [&random](long n) { return static_cast<long>(random() % static_cast<unsigned long>(n)); };
     for (int turn = 0; turn < 60; ++turn) {
       wipe(scope);
-      ccPelBuffer_const<T> image = randomImage<T>(1 + upTo(67), 1 + upTo(50), random());
+      ccPelBuffer_const<T> image = randomImage<T>(1 + upTo(67), 1 + upTo(50), static_cast<unsigned>(random()));
       if (turn % 3 == 0)
         image.window(upTo(10), upTo(10), 1 + upTo(40), 1 + upTo(40));
       if (!image.isBound())
@@ -161,7 +161,7 @@ TEST_F(ScopePel, positionBelowZeroStartsReadingInside)
   ccPelBuffer<unsigned char> image(5, 4);
   image.setPel(3, 2, 77);
   scope.draw(image, ccPoint(-3, -2), false, 0, true);
-  EXPECT_EQ(pelOf(scope.surface(), 0, 0), surfacePel(testColors()[77], 32));
+  EXPECT_EQ(pelOf(scope.surface(), 0, 0), surfacePel(testColor(77), 32));
   EXPECT_EQ(scope.changeRect(), ccUIRect(0, 0, 2, 2));
 }
 
@@ -223,7 +223,7 @@ TEST_F(ScopePel, grey16BeyondAShortMapTakesTheLastColor)
   image.setPel(1, 0, 1024);
   image.setPel(2, 0, 65535);
   scope.draw(image, ccPoint(0, 0), false, 0);
-  std::uint32_t const last = surfacePel(testColors(1024)[1023], 32);
+  std::uint32_t const last = surfacePel(testColor(1023), 32);
   for (long x = 0; x < 3; ++x)
     EXPECT_EQ(pelOf(scope.surface(), x, 0), last);
 }
@@ -266,9 +266,9 @@ TEST_F(ScopePel, stripOf16384PelsIsDrawn)
   prepare(scope);
   ccPelBuffer<unsigned char> const wide = randomImage<unsigned char>(16384, 2, 1);
   scope.draw(wide, ccPoint(-16380, 0), false, 0, true);
-  EXPECT_EQ(pelOf(scope.surface(), 3, 1), surfacePel(testColors()[wide.getPel(16383, 1)], 32));
+  EXPECT_EQ(pelOf(scope.surface(), 3, 1), surfacePel(testColor(wide.getPel(16383, 1)), 32));
   scope.sample(wide, ccPoint(0, 0), ccPair<double>(0.001, 0.5), false, 0, true);
-  EXPECT_EQ(pelOf(scope.surface(), 15, 0), surfacePel(testColors()[wide.getPel(15000, 0)], 32));
+  EXPECT_EQ(pelOf(scope.surface(), 15, 0), surfacePel(testColor(wide.getPel(15000, 0)), 32));
   screen(8);
   ScopeProbe paletted;
   prepare(paletted);
@@ -320,6 +320,8 @@ TEST_F(ScopePel, biggerImageAtTheSamePlaceIsCopied)
   ccPelBuffer<unsigned char> const image = randomImage<unsigned char>(20, 20, 5);
   scope.draw(randomImage<unsigned char>(30, 30, 4), ccPoint(0, 0), false, 0, true);
   scope.draw(image.cut(0, 0, 5, 5), ccPoint(0, 0), false, 0, true);
+  scope.draw(image.cut(0, 0, 20, 5), ccPoint(0, 0), false, 0, true);  // wider only
+  EXPECT_EQ(pelOf(scope.surface(), 19, 4), image.getPel(19, 4));
   scope.draw(image, ccPoint(0, 0), false, 0, true);
   EXPECT_EQ(pelOf(scope.surface(), 19, 19), image.getPel(19, 19));
 }

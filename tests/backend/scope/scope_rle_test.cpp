@@ -41,11 +41,11 @@ TEST_F(ScopeRle, fillHasThePelOfTheColorAtEveryDepth)
     scope.set(ccUIRect(5, 0, 5, 5), ccColor(static_cast<unsigned char>(77)));  // an index alone
     scope.set(ccUIRect(10, 0, 5, 5), ccColor(200, 100, 50));
     EXPECT_EQ(pelOf(scope.surface(), 4, 4), depth == 8 ? 245u : surfacePel(ccRGB(255, 165, 0), depth));
-    EXPECT_EQ(pelOf(scope.surface(), 5, 0), depth == 8 ? 77u : surfacePel(testColors()[77], depth));
+    EXPECT_EQ(pelOf(scope.surface(), 5, 0), depth == 8 ? 77u : surfacePel(testColor(77), depth));
     std::uint32_t nearest = 0;
     int best = 1 << 30;
     for (std::uint32_t i = 0; i < 256; ++i) {
-      ccRGB const c = testColors()[i];
+      ccRGB const c = testColor(i);
       int const d = (c.r - 200) * (c.r - 200) + (c.g - 100) * (c.g - 100) + (c.b - 50) * (c.b - 50);
       if (i != 243 && d < best)
         best = d, nearest = i;
@@ -137,7 +137,7 @@ TEST_F(ScopeRle, pointIsOnePelInsideScopeAndDisplayClip)
     std::uint32_t const cyan = depth == 8 ? 254u : surfacePel(ccRGB(0, 255, 255), depth);
     expected[19 * width + 10] = cyan;
     expected[12 * width + 12] = cyan;
-    expected[0] = depth == 8 ? 99u : surfacePel(testColors()[99], depth);
+    expected[0] = depth == 8 ? 99u : surfacePel(testColor(99), depth);
     EXPECT_EQ(pelsOf(scope.surface()), expected) << depth;
   }
 }
@@ -156,7 +156,7 @@ TEST_F(ScopeRle, runsAtEveryDepthAndPosition)
       ASSERT_EQ(scope.surface().bltColorFill(static_cast<RECT const*>(nullptr), 0, 0), 0);
       long const w = 1 + static_cast<long>(random() % 60), h = 1 + static_cast<long>(random() % 40);
       long const x = static_cast<long>(random() % 90) - 50, y = static_cast<long>(random() % 70) - 40;
-      std::vector<unsigned char> const pels = runs(w, h, random());
+      std::vector<unsigned char> const pels = runs(w, h, static_cast<unsigned>(random()));
       bool const transparent = turn % 2 == 0;
       ccUIRect clip(0, 0, width, height);
       std::unique_ptr<ccUIScope> child;
@@ -178,7 +178,7 @@ TEST_F(ScopeRle, runsAtEveryDepthAndPosition)
             continue;
           unsigned char const index = v < 4 ? map[v] : v;
           expected[static_cast<std::size_t>((y + j) * width + x + i)] =
-              depth == 8 ? index : surfacePel(testColors()[index], depth);
+              depth == 8 ? index : surfacePel(testColor(index), depth);
         }
 
       target->draw(ccRLEBuffer::fromPels(pels.data(), w, h, w), ccPoint(static_cast<double>(x), static_cast<double>(y)),
@@ -206,7 +206,7 @@ TEST_F(ScopeRle, colorsBecomeIndexesFirst)
   prepare(scope);
   unsigned char const pels[] = {0, 1, 2};
   std::vector<ccColor> const map{ccColor(static_cast<unsigned char>(44)), ccColor::redColor(),
-                                 ccColor(testColors()[123])};
+                                 ccColor(testColor(123))};
   scope.draw(ccRLEBuffer::fromPels(pels, 3, 1, 3), ccPoint(0, 0), map, false, 0);
   EXPECT_EQ(pelOf(scope.surface(), 0, 0), 44u);
   EXPECT_EQ(pelOf(scope.surface(), 1, 0), 249u);

@@ -95,7 +95,7 @@ protected:
         if (p.keyed && v == p.key)
           continue;
         picture[static_cast<std::size_t>((p.rect.top() + ty) * width + p.rect.left() + tx)] =
-            depth == 8 ? v : surfacePel(testColors()[p.mapped ? v : byDefault(v)], depth);
+            depth == 8 ? v : surfacePel(testColor(p.mapped ? v : byDefault(v)), depth);
       }
   }
 };
@@ -111,7 +111,7 @@ TEST_F(ScopeScale, everyDepthAgainstTheRule)
     auto const upTo = [&random](long n) { return static_cast<long>(random() % static_cast<unsigned long>(n)); };
     for (int turn = 0; turn < 150; ++turn) {
       wipe(scope);
-      ccPelBuffer_const<unsigned char> image = randomImage<unsigned char>(1 + upTo(60), 1 + upTo(50), random());
+      ccPelBuffer_const<unsigned char> image = randomImage<unsigned char>(1 + upTo(60), 1 + upTo(50), static_cast<unsigned>(random()));
       if (turn % 3 == 0)
         image.window(upTo(5), upTo(5), 1 + upTo(30), 1 + upTo(30));
       if (!image.isBound())
@@ -156,7 +156,7 @@ template <class T> void equalsTwoSteps(ScopeProbe& scope, TwoSteps& twoSteps, un
   std::mt19937 random(seed);
   auto const upTo = [&random](long n) { return static_cast<long>(random() % static_cast<unsigned long>(n)); };
   for (int turn = 0; turn < 60; ++turn) {
-    ccPelBuffer<T> const image = randomImage<T>(1 + upTo(60), 1 + upTo(50), random());
+    ccPelBuffer<T> const image = randomImage<T>(1 + upTo(60), 1 + upTo(50), static_cast<unsigned>(random()));
     double const s = turn % 2 ? 1 + static_cast<double>(upTo(100)) / 16 : 1.0 / static_cast<double>(1 + upTo(9));
     long const x = upTo(60) - 30, y = upTo(50) - 30;
     ccPoint const at(static_cast<double>(x), static_cast<double>(y));
@@ -206,7 +206,7 @@ TEST_F(ScopeScale, onlyTheHorizontalFactorCounts)
   prepare(scope);
   ccPelBuffer<unsigned char> const image = randomImage<unsigned char>(4, 4, 1);
   scope.expand(image, ccPoint(0, 0), ccPair<double>(2, 5), false, 0, true, none);
-  EXPECT_EQ(pelOf(scope.surface(), 1, 3), surfacePel(testColors()[image.getPel(0, 1)], 32));
+  EXPECT_EQ(pelOf(scope.surface(), 1, 3), surfacePel(testColor(image.getPel(0, 1)), 32));
   EXPECT_EQ(pelOf(scope.surface(), 0, 8), background);
 }
 
@@ -235,7 +235,7 @@ TEST_F(ScopeScale, sampleWorksAtOneAndNotAtZero)
     scope.sample(image, ccPoint(0, 0), s, false, 0, true);
   EXPECT_EQ(scope.starts, 0);
   scope.sample(image, ccPoint(0, 0), ccPair<double>(1, 1), false, 0, true);
-  EXPECT_EQ(pelOf(scope.surface(), 8, 8), surfacePel(testColors()[image.getPel(8, 8)], 32));
+  EXPECT_EQ(pelOf(scope.surface(), 8, 8), surfacePel(testColor(image.getPel(8, 8)), 32));
 }
 
 TEST_F(ScopeScale, originIsRoundedByExpandAndTruncatedBySample)
@@ -243,7 +243,7 @@ TEST_F(ScopeScale, originIsRoundedByExpandAndTruncatedBySample)
   ScopeProbe scope;
   prepare(scope);
   ccPelBuffer<unsigned char> const image = randomImage<unsigned char>(9, 9, 3);
-  auto const pel = [&](long x, long y) { return surfacePel(testColors()[image.getPel(x, y)], 32); };
+  auto const pel = [&](long x, long y) { return surfacePel(testColor(image.getPel(x, y)), 32); };
   ccPoint const at(-0.5, 0.5);
 
   scope.expand(image, at, ccPair<double>(2, 2), false, 0, true, none);  // origin (-1, 1)
@@ -266,9 +266,9 @@ TEST_F(ScopeScale, integerFormsAreTheBasesOwn)
   prepare(scope);
   ccPelBuffer<unsigned char> const image = randomImage<unsigned char>(9, 9, 3);
   scope.expand(image, ccPoint(0, 0), ccPair<long>(3, 3), false, 0, true, none);
-  EXPECT_EQ(pelOf(scope.surface(), 5, 5), surfacePel(testColors()[image.getPel(1, 1)], 32));
+  EXPECT_EQ(pelOf(scope.surface(), 5, 5), surfacePel(testColor(image.getPel(1, 1)), 32));
   scope.sample(image, ccPoint(0, 0), ccPair<long>(3, 3), false, 0, true);
-  EXPECT_EQ(pelOf(scope.surface(), 1, 1), surfacePel(testColors()[image.getPel(3, 3)], 32));
+  EXPECT_EQ(pelOf(scope.surface(), 1, 1), surfacePel(testColor(image.getPel(3, 3)), 32));
 }
 
 TEST_F(ScopeScale, interpolationGoesThroughTheKernel)

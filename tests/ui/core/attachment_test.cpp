@@ -26,7 +26,7 @@ TEST_F(Attachment, eachPointKeepsItsDistance)
       {ccUIControlFrame::attachedNone, 30, 20},
       {ccUIControlFrame::attachedTopCenter, 45, 20},
       {ccUIControlFrame::attachedTopRight, 61, 20},
-      {ccUIControlFrame::attachedLeftCenter, 100, 40},  // x was the width at the attachment
+      {ccUIControlFrame::attachedLeftCenter, 131, 40},  // the parent's width itself
       {ccUIControlFrame::attachedCenter, 45, 40},
       {ccUIControlFrame::attachedRightCenter, 61, 40},
       {ccUIControlFrame::attachedBottomLeft, 30, 61},
@@ -50,11 +50,12 @@ TEST_F(Attachment, aFrameAttachedLeftCenterReceivesTheParentsWidthAsX)
 {
   kid.attachedTo(ccUIControlFrame::attachedLeftCenter);
 
-  parent.size({101, 80});
-
-  EXPECT_EQ(kid.frameRect().left(), 100);  // the width when it was attached
-  parent.size({110, 80});
-  EXPECT_EQ(kid.frameRect().left(), 101);  // moving has measured it anew
+  parent.parentResized();
+  EXPECT_EQ(kid.frameRect().left(), 30);  // its own parent has not changed
+  kid.parentResized();
+  EXPECT_EQ(kid.frameRect().left(), 100);
+  kid.parentResized();
+  EXPECT_EQ(kid.frameRect(), ccUIRect(100, 20, 10, 10));
 }
 
 TEST_F(Attachment, movingTheFrameMeasuresTheDistanceAnew)

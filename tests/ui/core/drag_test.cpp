@@ -157,7 +157,7 @@ TEST_F(DragOnScreen, startErasesAndAnimatesOncePerLayer)
   a.dragStart({0, 0});
 
   // Start, then the step in place: erase, animation on, animation off.
-  HookLog const expected{"dragStart", "dragErase", "dragAnimate", "dragAnimate"};
+  HookLog const expected{"dragStart", "dragErase", "dragAnimateOn", "dragAnimateOff"};
   EXPECT_EQ(kinds(image), expected);
   EXPECT_EQ(kinds(overlay), expected);
   EXPECT_TRUE(image.isDragging() && overlay.isDragging());

@@ -63,6 +63,35 @@ TEST(Ownership, theSameClassAsAMemberOrOnTheStackDoesNot)
   EXPECT_EQ(live, 1);
 }
 
+TEST(Ownership, nodesMadeWhileTheArgumentsAreWorkedOutTakeNothingAway)
+{
+  TestRoot root;
+  long live = 0;
+
+  auto* kid = new Counted(root.groundPlane(), live);  // makes the planes first
+  ccUIControlFrame onStack(&root, ccUIRect());
+
+  EXPECT_TRUE(kid->autoDelete());
+  EXPECT_TRUE(root.groundPlane()->autoDelete());
+  EXPECT_FALSE(onStack.autoDelete());
+}
+
+struct Failing : ccUIControlFrame {
+  explicit Failing(int code) : ccUIControlFrame(nullptr, ccUIRect()) { throw code; }
+};
+
+int cf_fail() { throw 7; }
+
+TEST(Ownership, aFailedConstructionMarksNoLaterNode)
+{
+  EXPECT_THROW(new Failing(1), int);
+  EXPECT_THROW(new Failing(cf_fail()), int);
+
+  ccUIControlFrame onStack(nullptr, ccUIRect());
+
+  EXPECT_FALSE(onStack.autoDelete() || onStack.opNew());
+}
+
 TEST(Ownership, autoDeleteCanBeSwitched)
 {
   TestRoot root;

@@ -255,7 +255,9 @@ TEST_F(Shapes, reparentingToAnotherRootsFrameClearsItFromTheOldEventProcessor)
   EXPECT_TRUE(log.empty()) << log[0];
   Hand there(other);
   there.moveTo(1, 1);
-  EXPECT_EQ(cfTake(log), (HookLog{"a idleMouseEnter", "kid idleMouseEnter", "kid mouseMove 1,1", "a mouseMove 1,1"}));
+  // Entering a shape idly enters it.
+  EXPECT_EQ(cfTake(log), (HookLog{"a mouseEnter", "a idleMouseEnter", "kid mouseEnter", "kid idleMouseEnter",
+                                  "kid mouseMove 1,1", "a mouseMove 1,1"}));
 }
 
 TEST_F(Shapes, reparentingWithinTheRootKeepsTheGesture)
@@ -333,6 +335,28 @@ TEST_F(Shapes, aShapeThatDeletesItselfWhileItIsToldOfAMoveIsSafe)
   s->pos({9, 9});
 
   EXPECT_EQ(frame.numKids(), 2);
+}
+
+TEST_F(Shapes, whileAShapeDiesNeitherItNorItsKidsAreFound)
+{
+  auto* dying = new SpyShape(log, "dying", &frame, ccVector<2>(40, 0));
+  SpyShape kid(log, "kid", dying, ccVector<2>(1, 1));
+  dying->condVisible(true), kid.condVisible(true);
+  ASSERT_EQ(root.whoIsTouched({57, 27}), &kid);
+  ccUIObject* found = &root;
+  ccVector<2> at;
+  kid.onHook = [&](SpyShape& self, std::string const& hook) {
+    if (hook != "hide")
+      return;
+    found = root.whoIsTouched({57, 27});
+    at = self.absPos();
+  };
+
+  delete dying;
+
+  EXPECT_EQ(found, nullptr);
+  EXPECT_EQ(at, ccVector<2>(1, 1));
+  EXPECT_EQ(kid.parent(), nullptr);
 }
 
 TEST(ShapeCounts, countEachLayerAndBothAndIgnoreOthers)

@@ -44,7 +44,7 @@ public:
 
   ~Storm()
   {
-    depth_ = maxDepth;  // hooks rest
+    over_ = true;
     roots_.clear();
     while (!live_.empty())
       delete *live_.begin();
@@ -54,6 +54,8 @@ public:
   void dies(ccUIObject* node)
   {
     live_.erase(node);
+    if (over_)
+      return;
     for (auto const& root : roots_)
       if (root->eventProcessor() && root->eventProcessor()->mouseCapture() == node)
         root->eventProcessor()->mouseCapture(nullptr);
@@ -61,15 +63,16 @@ public:
   void hooked()
   {
     ++hooks;
-    if (depth_ < maxDepth && below_(100) < 6)
+    if (!over_ && depth_ < maxDepth && below_(100) < 6)
       act_();
   }
 
   void step()
   {
     log_.clear();
-    if (live_.size() < 20)
+    if (live_.size() < 30)
       create_();
+    revive_(any_());
     if (below_(100) < 70)
       event_();
     else
@@ -119,11 +122,11 @@ private:
     std::advance(at, below_(static_cast<long>(live_.size())));
     return *at;
   }
-  ccUIRect rect_() { return ccUIRect(below_(30) - 5, below_(20) - 5, 5 + below_(50), 5 + below_(30)); }
+  ccUIRect rect_() { return ccUIRect(below_(20) - 5, below_(15) - 5, 20 + below_(40), 15 + below_(30)); }
 
   ccUIControlFrame* frameHome_()
   {
-    for (int i = 0; i < 5; ++i)
+    for (int i = 0; i < 2; ++i)
       if (auto* const frame = dynamic_cast<Frame*>(any_()))
         return frame;
     TestRoot& root = root_();
@@ -176,6 +179,25 @@ private:
       shape->condVisible(true);
     }
     }
+  }
+
+  // Keeps the tree from going out.
+  void revive_(ccUIObject* node)
+  {
+    if (!node)
+      return;
+    if (node->parent())
+      wake_(node);
+    else if (below_(4) == 0)
+      reparent_(node);
+  }
+  void wake_(ccUIObject* node)
+  {
+    auto const key = node->key();
+    ccUIRootObject const* const root = node->root();
+    node->condVisible(true);
+    if (ccUIObject::isValid(node, key, root))
+      node->condEnabled(true);
   }
 
   void act_()
@@ -279,7 +301,7 @@ private:
   {
     TestRoot& root = root_();
     std::uint32_t const button = below_(5) == 0 ? (coin_() ? 2u : 4u) : 1u;
-    ccPair<long> const at(below_(70) - 5, below_(50) - 5);
+    ccPair<long> const at(below_(60), below_(40));
     std::uint32_t const keys = below_(3) == 0 ? 4u : 0u;
     auto const send = [&](ccMouseEvent::Event event, std::uint32_t which, std::uint32_t buttons) {
       root.eventProcessor()->processEvent(cfMouse(event, at, which, buttons, keys));
@@ -374,6 +396,7 @@ private:
   std::vector<std::unique_ptr<MemoryScope>> scopes_;
   std::vector<std::unique_ptr<TestRoot>> roots_;
   int depth_ = 0;
+  bool over_ = false;  // hooks rest
 };
 
 template <class Base>

@@ -197,10 +197,12 @@ TEST_F(TreeState, enablingSelectsWhatWasSelectedAndAnswersWhetherEnabled)
   cfTake(log);
 
   EXPECT_TRUE(top.condEnabled(true));
-  EXPECT_EQ(cfTake(log), (HookLog{"top enable enabled", "top select enabled"}));
+  EXPECT_EQ(cfTake(log), (HookLog{"top enable enabled", "back enable enabled nested", "front enable enabled nested",
+                                  "leaf enable enabled nested", "top select enabled"}));
 
   EXPECT_TRUE(top.condEnabled(false));
-  EXPECT_EQ(cfTake(log), (HookLog{"top deselect enabled", "top disable enabled"}));
+  EXPECT_EQ(cfTake(log), (HookLog{"top deselect enabled", "leaf disable enabled nested", "front disable enabled nested",
+                                  "back disable enabled nested", "top disable enabled"}));
   leaf.condVisible(true);
   cfTake(log);
   EXPECT_FALSE(leaf.condEnabled(false));  // it wasn't enabled in fact

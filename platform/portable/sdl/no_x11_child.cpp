@@ -1,0 +1,8 @@
+// A build without X11: windows of other toolkits cannot be used.
+#include "platform/portable/sdl/x11_child.h"
+
+namespace plat::portable {
+
+Ptr<X11Child> makeX11Child(uptr) { return nullptr; }
+
+}  // namespace plat::portable
