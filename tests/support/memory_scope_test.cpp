@@ -151,6 +151,7 @@ TEST(MemoryScope, wordsGoThroughTheImageMapAndNotToIndexedSurfaces)
   image.setPel(1, 0, 60000);
   std::vector<ccRGB> map(1024);
   map[1000] = ccRGB(8, 16, 24);
+  map[1023] = ccRGB(248, 0, 0);
   for (int depth : {8, 15, 16, 24, 32}) {
     MemoryScope s(ccPair<long>(2, 1), depth);
     s.colorMapEx(map);
@@ -161,8 +162,25 @@ TEST(MemoryScope, wordsGoThroughTheImageMapAndNotToIndexedSurfaces)
     c.g = 16;
     c.b = 24;
     EXPECT_EQ(s.surface()[0], depth == 8 ? 5u : plain::surfacePel(c, depth)) << depth;
-    EXPECT_EQ(s.surface()[1], depth == 8 ? 5u : 0u) << depth;  // outside the map: black
+    plain::Rgb last;
+    last.r = 248;
+    EXPECT_EQ(s.surface()[1], depth == 8 ? 5u : plain::surfacePel(last, depth)) << depth;  // beyond the map: its last
   }
+}
+
+TEST(MemoryScope, keepsNoLogWhileItIsSwitchedOff)
+{
+  MemoryScope s(ccPair<long>(4, 4));
+  s.keepLog(false);
+  s.set(ccUIRect(0, 0, 2, 2), ccColor::redColor());
+  EXPECT_TRUE(s.log().empty());
+  EXPECT_TRUE(s.presented().empty());
+  EXPECT_EQ(s.presentations(), 0);
+  EXPECT_EQ(s.screenRGB(1, 1), ccRGB(255, 0, 0));
+  s.keepLog(true);
+  s.set(ccUIRect(0, 0, 2, 2), ccColor::redColor());
+  EXPECT_EQ(s.calls("set"), 1);
+  EXPECT_EQ(s.presentations(), 1);
 }
 
 TEST(MemoryScope, colourPelsKeepTheirColour)

@@ -287,6 +287,18 @@ TEST_F(ScopeScale, interpolationGoesThroughTheKernel)
   EXPECT_NE(pelsOf(scope.surface()), blank());
 }
 
+TEST_F(ScopeScale, scaledGrey16BeyondAShortMapTakesTheLastColor)
+{
+  ScopeProbe scope;
+  prepare(scope, 1024);
+  ccPelBuffer<unsigned short> image(2, 1);
+  image.setPel(0, 0, 1024);
+  image.setPel(1, 0, 65535);
+  scope.expand(image, ccPoint(0, 0), ccPair<double>(2, 2), false, 0, none);
+  for (long x = 0; x < 4; ++x)
+    EXPECT_EQ(pelOf(scope.surface(), x, 0), surfacePel(testColors(1024)[1023], 32)) << x;
+}
+
 TEST_F(ScopeScale, scaledGrey16OnAPaletteSurfaceLeavesThePhaseRunning)
 {
   screen(8);
