@@ -62,7 +62,7 @@ Ptr<Video> SdlVideo::make()
   // Counted by SDL: what the application has started goes on when we are done.
   if (!startVideo())
     return nullptr;
-  static u32 const wakeEvent = SDL_RegisterEvents(1);
+  u32 const wakeEvent = SDL_RegisterEvents(1);
   return Ptr<Video>(new SdlVideo(foreign, wakeEvent));
 }
 
