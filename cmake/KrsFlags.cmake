@@ -1,6 +1,7 @@
 # Flags and warnings of all our targets, in one place.
-set(CMAKE_CXX_FLAGS_DEV "-O2 -g1" CACHE STRING "Flags of the Dev build type")
-set(CMAKE_C_FLAGS_DEV "-O2 -g1" CACHE STRING "Flags of the Dev build type")
+# Flags of the Dev build type. Plain variables: project() has made empty cache entries of these names already.
+set(CMAKE_CXX_FLAGS_DEV "-O1 -g1")
+set(CMAKE_C_FLAGS_DEV "-O1 -g1")
 if(NOT CMAKE_BUILD_TYPE AND NOT CMAKE_CONFIGURATION_TYPES)
   set(CMAKE_BUILD_TYPE Dev CACHE STRING "" FORCE)
 endif()

@@ -171,7 +171,7 @@ public:
   ccDirectDrawObject(ccDirectDrawObject const&) = delete;
   ccDirectDrawObject& operator=(ccDirectDrawObject const&) = delete;
   virtual ~ccDirectDrawObject();
-  virtual long create(ccDirectDraw*);
+  [[nodiscard]] virtual long create(ccDirectDraw*);
   virtual long release();
   virtual bool created() const = 0;
 
@@ -191,7 +191,7 @@ private:
 class ccDirectDrawClipper : public ccDirectDrawObject {
 public:
   ~ccDirectDrawClipper() override;
-  long window(HWND);
+  [[nodiscard]] long window(HWND);
   bool created() const override { return clipper_ != nullptr; }
   plat::Clipper* clipper() const { return clipper_.get(); }
 
@@ -207,8 +207,8 @@ private:
 class ccDirectDrawPalette : public ccDirectDrawObject {
 public:
   ~ccDirectDrawPalette() override;
-  long getPalette(plat::PaletteEntry* entries, std::uint32_t start, std::uint32_t count);
-  long setPalette(plat::PaletteEntry const* entries, std::uint32_t start, std::uint32_t count);
+  [[nodiscard]] long getPalette(plat::PaletteEntry* entries, std::uint32_t start, std::uint32_t count);
+  [[nodiscard]] long setPalette(plat::PaletteEntry const* entries, std::uint32_t start, std::uint32_t count);
   bool created() const override { return palette_ != nullptr; }
   plat::DevicePalette* palette() const { return palette_.get(); }
 
@@ -232,30 +232,30 @@ public:
   ccDirectDrawSurfaceDesc const& createDescription() const { return createDesc_; }
 
   bool created() const override { return surface_ != nullptr; }
-  long recreate();  // by the first description, on the former owner
-  long restore();
+  [[nodiscard]] long recreate();  // by the first description, on the former owner
+  [[nodiscard]] long restore();
   bool isLost() const;
 
   // A null rectangle is the whole surface. The pointer stands in description().surface() until unlock.
-  long lock(RECT const* = nullptr);
-  long lock(ccUIRect const&);
+  [[nodiscard]] long lock(RECT const* = nullptr);
+  [[nodiscard]] long lock(ccUIRect const&);
   long unlock(RECT const* = nullptr);
   void* lastLockSurfacePtr() const { return lastLock_; }  // kept after unlock; null after a failed lock
 
-  long getDC(HDC*);
+  [[nodiscard]] long getDC(HDC*);
   long releaseDC(HDC);
-  long blt(ccDirectDrawSurface const* source, RECT const* sourceRect, RECT const* destRect, std::uint32_t flags);
-  long blt(ccDirectDrawSurface const* source, ccUIRect const& sourceRect, ccUIRect const& destRect, std::uint32_t flags);
-  long bltColorFill(RECT const*, std::uint32_t value, std::uint32_t flags);
-  long bltColorFill(ccUIRect const&, std::uint32_t value, std::uint32_t flags);
+  [[nodiscard]] long blt(ccDirectDrawSurface const* source, RECT const* sourceRect, RECT const* destRect, std::uint32_t flags);
+  [[nodiscard]] long blt(ccDirectDrawSurface const* source, ccUIRect const& sourceRect, ccUIRect const& destRect, std::uint32_t flags);
+  [[nodiscard]] long bltColorFill(RECT const*, std::uint32_t value, std::uint32_t flags);
+  [[nodiscard]] long bltColorFill(ccUIRect const&, std::uint32_t value, std::uint32_t flags);
   long bltStatus(std::uint32_t flags);
-  long colorKey(ccDirectDrawColorKey const&, std::uint32_t type);
-  long attach(ccDirectDrawClipper*);  // null detaches
-  long attach(ccDirectDrawPalette*);
-  long caps(ccDirectDrawSurfaceCaps&) const;
-  long copy(ccDirectDrawSurface& source);
-  long updateOverlay(ccDirectDrawSurface& overlay, RECT const* sourceRect, RECT const* destRect, std::uint32_t flags);
-  long updateOverlay(ccDirectDrawSurface& overlay, ccUIRect const& sourceRect, ccUIRect const& destRect,
+  [[nodiscard]] long colorKey(ccDirectDrawColorKey const&, std::uint32_t type);
+  [[nodiscard]] long attach(ccDirectDrawClipper*);  // null detaches
+  [[nodiscard]] long attach(ccDirectDrawPalette*);
+  [[nodiscard]] long caps(ccDirectDrawSurfaceCaps&) const;
+  [[nodiscard]] long copy(ccDirectDrawSurface& source);
+  [[nodiscard]] long updateOverlay(ccDirectDrawSurface& overlay, RECT const* sourceRect, RECT const* destRect, std::uint32_t flags);
+  [[nodiscard]] long updateOverlay(ccDirectDrawSurface& overlay, ccUIRect const& sourceRect, ccUIRect const& destRect,
                      std::uint32_t flags);
   plat::Surface* surface() const { return surface_.get(); }
 
@@ -285,12 +285,12 @@ public:
   ccDirectDraw& operator=(ccDirectDraw const&) = delete;
   ~ccDirectDraw();
 
-  long create(HWND);
+  [[nodiscard]] long create(HWND);
   long release();  // everything it made, then itself
   bool created() const { return device_ != nullptr; }
-  long caps(ccDirectDrawCaps& hardware, ccDirectDrawCaps& emulation);
-  long displayFormat(std::uint32_t width, std::uint32_t height, std::uint32_t depth);  // full screen
-  long displayFormat(ccDirectDrawSurfaceDesc&) const;                                  // the present one
+  [[nodiscard]] long caps(ccDirectDrawCaps& hardware, ccDirectDrawCaps& emulation);
+  [[nodiscard]] long displayFormat(std::uint32_t width, std::uint32_t height, std::uint32_t depth);  // full screen
+  [[nodiscard]] long displayFormat(ccDirectDrawSurfaceDesc&) const;                                  // the present one
   std::list<std::uint32_t> const& fourCCCodes() const { return fourCCs_; }
   bool supportsFourCC(std::uint32_t code) const;
   long testCooperativeLevel() const;

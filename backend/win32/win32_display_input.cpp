@@ -24,7 +24,7 @@ constexpr std::uintptr_t kFirstRepeatTimer = 500, kNextRepeatTimer = 501;
 constexpr unsigned kFirstRepeatMs = 1000, kNextRepeatMs = 500;
 constexpr long kRepeatTolerance = 2;  // a move by so many pels on either axis ends it
 
-constexpr int kToolsMenu = 628;
+constexpr int kToolsMenu = 628, kToolsPopup = 1;
 constexpr unsigned kFirstModeCommand = 40502, kLastModeCommand = 40505, kFitCommand = 40506, kMagOneCommand = 40507,
                    kGridCommand = 40510, kSubpixelGridCommand = 40511;
 
@@ -268,7 +268,7 @@ void ccWin32Display::toolsPopup_()
   HMENU const menu = platform.menus.load(kToolsMenu);
   if (!menu)
     return;
-  HMENU const tools = platform.menus.sub(menu, 0);
+  HMENU const tools = platform.menus.sub(menu, kToolsPopup);
   for (int i = 0; i < platform.menus.count(tools); ++i)
     OnUpdateToolsMenu(tools, platform.menus.itemId(tools, i));
   cc_Alive const alive(*this);

@@ -18,12 +18,12 @@ void start(int depth)
 
 }  // namespace
 
-WindowDriver::WindowDriver(long width, long height, int depth)
+WindowDriver::WindowDriver(long width, long height, int depth, long left)
 {
   start(depth);
   plat::WindowDesc desc;
   desc.title = "driver";
-  desc.rect = {40, 30, static_cast<plat::i32>(40 + width), static_cast<plat::i32>(30 + height)};
+  desc.rect = {static_cast<plat::i32>(left), 30, static_cast<plat::i32>(left + width), static_cast<plat::i32>(30 + height)};
   window_ = plat::platform().windows.create(desc);
   plat::platform().windows.place(window_, nullptr, 5);
   makeDisplay();

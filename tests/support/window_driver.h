@@ -16,7 +16,7 @@ class WindowDriver {
 public:
   enum Mods : unsigned { shift = 4, control = 8 };
 
-  explicit WindowDriver(long width = 200, long height = 150, int depth = 32);
+  explicit WindowDriver(long width = 200, long height = 150, int depth = 32, long left = 40);
   virtual ~WindowDriver();
   WindowDriver(WindowDriver const&) = delete;
   WindowDriver& operator=(WindowDriver const&) = delete;

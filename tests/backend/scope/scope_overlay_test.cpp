@@ -321,6 +321,25 @@ TEST_F(ScopeOverlay, failedOverlayUpdateFallsBackForGood)
   }
 }
 
+TEST_F(ScopeOverlay, whatIsDrawnAnewUnderALockIsNotForgotten)
+{
+  overlays(4, {});
+  ScopeProbe scope;
+  create(scope);
+  ASSERT_EQ(scope.enableChromaKeying(true, false), 0);
+  scope.redrawCallBack(
+      [](void* p) {
+        static_cast<ScopeProbe*>(p)->lockScreenUpdatesPush(true);
+        static_cast<ScopeProbe*>(p)->set(ccColor::greenColor());
+      },
+      &scope);
+  failNext(Op::updateOverlay, result(0x88760168));
+  scope.set(ccUIRect(0, 0, 2, 2), ccColor::redColor());
+  EXPECT_EQ(shown(9, 9), 0u);
+  scope.lockScreenUpdatesPop();
+  EXPECT_EQ(shown(9, 9), 0x00FF00u);
+}
+
 TEST_F(ScopeOverlay, otherFailuresOfTheUpdateChangeNothing)
 {
   overlays(4, {});

@@ -320,6 +320,8 @@ TEST_F(ScopePel, biggerImageAtTheSamePlaceIsCopied)
   ccPelBuffer<unsigned char> const image = randomImage<unsigned char>(20, 20, 5);
   scope.draw(randomImage<unsigned char>(30, 30, 4), ccPoint(0, 0), false, 0, true);
   scope.draw(image.cut(0, 0, 5, 5), ccPoint(0, 0), false, 0, true);
+  scope.draw(image.cut(0, 0, 20, 5), ccPoint(0, 0), false, 0, true);  // wider only
+  EXPECT_EQ(pelOf(scope.surface(), 19, 4), image.getPel(19, 4));
   scope.draw(image, ccPoint(0, 0), false, 0, true);
   EXPECT_EQ(pelOf(scope.surface(), 19, 19), image.getPel(19, 19));
 }

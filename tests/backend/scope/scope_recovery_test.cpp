@@ -200,7 +200,7 @@ TEST_F(ScopeRecovery, surfaceThatCouldNotBeSizedIsMadeLater)
   expectShown("after a failed size");
 }
 
-// One call of one operation fails at some step of a session; once the scene is drawn again all is right.
+// One call of one operation fails at some step of the drawing; once the scene is drawn again all is right.
 TEST_F(ScopeRecovery, anyCallMayFailAtAnyStep)
 {
   constexpr int steps = 10;

@@ -423,7 +423,7 @@ TEST(Threads, imagesArriveOnAnotherThreadWhileTheHandWorks)
 
 TEST(Displays, twoDisplaysInTwoWindowsKeepApart)
 {
-  WindowDriver one(60, 40), two(50, 50);
+  WindowDriver one(60, 40), two(50, 50, 32, 500);
   one.display().image(pattern(30, 20), true);
   two.display().image(pattern(11, 12), true);
   two.display().mag(2);

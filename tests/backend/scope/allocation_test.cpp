@@ -1,0 +1,58 @@
+// A picture of settled size is drawn without a single allocation.
+#include "tests/backend/scope/scope_fixture.h"
+
+#include <cstdlib>
+#include <new>
+
+namespace {
+
+long allocations = 0;
+
+void* counted(std::size_t size)
+{
+  ++allocations;
+  if (void* const p = std::malloc(size ? size : 1))
+    return p;
+  throw std::bad_alloc();
+}
+
+}  // namespace
+
+void* operator new(std::size_t size) { return counted(size); }
+void* operator new[](std::size_t size) { return counted(size); }
+void operator delete(void* p) noexcept { std::free(p); }
+void operator delete[](void* p) noexcept { std::free(p); }
+void operator delete(void* p, std::size_t) noexcept { std::free(p); }
+void operator delete[](void* p, std::size_t) noexcept { std::free(p); }
+
+class ScopeAllocation : public ScopeTest {};
+
+TEST_F(ScopeAllocation, framesOfSettledSizeAllocateNothing)
+{
+  for (int const depth : allDepths) {
+    screen(depth);
+    ScopeProbe scope;
+    create(scope);
+    scope.colorMap(testColors());
+    scope.colorMapEx(testColors());
+    ccPelBuffer<unsigned char> const first = randomImage<unsigned char>(30, 20, 1), second = randomImage<unsigned char>(30, 20, 2);
+    ccPelBuffer<ccPackedRGB32Pel> const colors = randomImage<ccPackedRGB32Pel>(30, 20, 1);
+    std::unique_ptr<ccUIScope> const child(scope.createChildScope(ccUIRect(3, 3, 20, 20), true));
+    long afterFirst = 0;
+    for (int frame = 0; frame < 4; ++frame) {
+      if (frame == 1)
+        afterFirst = allocations;
+      ccPelBuffer<unsigned char> const& image = frame % 2 ? first : second;
+      scope.lockScreenUpdatesPush(true);
+      child->draw(image, ccPoint(1, 1), false, 0, true);
+      scope.draw(image, ccPoint(1, 1), true, 3, false);
+      scope.expand(image, ccPoint(-3, 1), ccPair<double>(3, 3), false, 0, false, ccUIScope::InterpolationModes());
+      child->sample(image, ccPoint(-3, 1), ccPair<double>(0.5, 0.5), true, 0, true);
+      if (depth == 32)
+        scope.draw(colors, ccPoint(2, 2), false, 0);
+      scope.set(ccUIRect(1, 1, 3, 3), ccColor::redColor());
+      scope.lockScreenUpdatesPop();
+    }
+    EXPECT_EQ(allocations, afterFirst) << depth;
+  }
+}
