@@ -107,18 +107,9 @@ ccPoint ccBezierCurve::point(double t) const { return rational_().at(t); }
 
 ccVector<2> ccBezierCurve::derivative(double t) const
 {
-  cs_Homogeneous b[4];
-  for (std::size_t i = 0; i < 4; ++i) {
-    ccVector<2> const p = (points_[i] - points_[0]) * weights_[i];
-    b[i] = {p.x(), p.y(), weights_[i]};
-  }
-  for (int k = 3; k > 1; --k)
-    for (int i = 0; i < k; ++i)
-      b[i] = cf_between(b[i], b[i + 1], t);
-  cs_Homogeneous const v = cf_between(b[0], b[1], t);
-  // The quotient rule; the derivative of the numerator and the denominator is three times the last difference.
-  double const k = 3 / v.w, dw = (b[1].w - b[0].w) / v.w;
-  return ccVector<2>(k * (b[1].x - b[0].x - v.x * dw), k * (b[1].y - b[0].y - v.y * dw));
+  ccVector<2> d;
+  rational_().at(t, &d);
+  return d;
 }
 
 ccPoint ccBezierCurve::closestPoint(ccVector<2> const& q) const { return point(cf_nearest(rational_(), q).t); }

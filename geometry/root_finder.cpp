@@ -236,7 +236,7 @@ int cf_roots(double const* coefficients, double const* bound, int degree, double
   return found;
 }
 
-ccVector<2> cs_RationalCurve::at(double t) const
+ccVector<2> cs_RationalCurve::at(double t, ccVector<2>* derivative) const
 {
   // Relative to the first point, so that coinciding points give themselves exactly.
   double w[4], x[4], y[4];
@@ -245,13 +245,23 @@ ccVector<2> cs_RationalCurve::at(double t) const
     x[i] = w[i] * (points[i].x() - points[0].x());
     y[i] = w[i] * (points[i].y() - points[0].y());
   }
-  for (int k = degree; k > 0; --k)
+  double dx = 0, dy = 0, dw = 0;
+  for (int k = degree; k > 0; --k) {
+    if (k == 1) {
+      dx = x[1] - x[0];
+      dy = y[1] - y[0];
+      dw = w[1] - w[0];
+    }
     for (int i = 0; i < k; ++i) {
       w[i] = (1 - t) * w[i] + t * w[i + 1];
       x[i] = (1 - t) * x[i] + t * x[i + 1];
       y[i] = (1 - t) * y[i] + t * y[i + 1];
     }
-  return points[0] + ccVector<2>(x[0] / w[0], y[0] / w[0]);
+  }
+  ccVector<2> const offset(x[0] / w[0], y[0] / w[0]);
+  if (derivative)
+    *derivative = (ccVector<2>(dx, dy) - offset * dw) * (degree / w[0]);
+  return points[0] + offset;
 }
 
 cs_Nearest cf_nearest(cs_RationalCurve const& given, ccVector<2> const& q)
@@ -279,6 +289,17 @@ cs_Nearest cf_nearest(cs_RationalCurve const& given, ccVector<2> const& q)
   for (int i = 0; i < count; ++i)
     if (double const distance = curve.at(roots[i]).len(); distance < best.distance)
       best = {roots[i], distance};
+  // A parameter that is right to the least interval still leaves a distance to a point of the curve itself, where the curve
+  // runs fast. There a step along the tangent is exact up to the square.
+  for (int step = 0; step < 3; ++step) {
+    ccVector<2> tangent;
+    ccVector<2> const p = curve.at(best.t, &tangent);
+    double const t = std::clamp(best.t - p.dot(tangent) / tangent.dot(tangent), 0.0, 1.0);
+    double const distance = curve.at(t).len();
+    if (!(distance < best.distance))
+      break;
+    best = {t, distance};
+  }
   return best;
 }
 
