@@ -75,7 +75,7 @@ bool equal(ccCubicSpline const& a, ccCubicSpline const& b)
 
 bool isInterp(ccCubicSpline const& s) { return dynamic_cast<ccInterpSpline const*>(&s) != nullptr; }
 
-void forRandomSplines(unsigned seed, long count, std::function<void(Random&, ccCubicSpline&)> const& body)
+void forRandomSplines(unsigned seed, int count, std::function<void(Random&, ccCubicSpline&)> const& body)
 {
   Random random(seed);
   for (long round = 0; round < rounds(count); ++round) {
@@ -441,26 +441,49 @@ TEST(CubicSpline, distanceIsThatOfTheNearestPoint)
   });
 }
 
-TEST(CubicSpline, distanceIsZeroOnItAndGrowsNoFasterThanTheWay)
+TEST(CubicSpline, hasThePropertiesOfEveryShape)
 {
-  forRandomSplines(11, 20, [](Random& random, ccCubicSpline& s) {
-    Points const on = samples(s, 6);
-    double const size = std::max(sizeOf(on), 150.0);
-    for (ccVector<2> const& p : on)
-      EXPECT_LE(s.distToPoint(p), 1e-9 * size);
-    ccVector<2> const a = random.point(150), b = random.point(150);
-    EXPECT_GE(s.distToPoint(a), 0);
-    EXPECT_LE(std::abs(s.distToPoint(a) - s.distToPoint(b)), a.distance(b) + 1e-9 * size);
-  });
-}
-
-TEST(CubicSpline, distanceScalesWithASimilarity)
-{
-  forRandomSplines(12, 20, [](Random& random, ccCubicSpline& s) {
-    double const scale = random.number(0.1, 5);
-    ccXform<2> const x(ccMatrix<2>(ccRadian(random.number(-3, 3)), scale), random.point());
-    ccVector<2> const q = random.point(150);
-    double const size = std::max(sizeOf(samples(s, 6)), 150.0) * (1 + scale);
-    EXPECT_NEAR(s.map(x)->distToPoint(x.mapPoint(q)), scale * s.distToPoint(q), 2e-9 * size);
-  });
+  using krs_test::Family;
+  auto const points = [](krs_test::Random& r) {
+    ccVector<2> const place = r.vector(r.chance(4) ? 1e5 : 100);
+    double const size = r.magnitude(0.01, 1000);
+    Points made;
+    for (int i = 1 + r.below(7); i > 0; --i)
+      made.push_back(i > 1 && r.chance(5) ? place : place + r.vector(size));
+    return made;
+  };
+  Family const families[] = {
+      {"ccDeBoorSpline",
+       [&](krs_test::Random& r) {
+         ccPtrHandle<ccDeBoorSpline> const s(new ccDeBoorSpline(points(r), r.chance(2)));
+         for (long i = 0; i < s->numControlPoints(); ++i)
+           s->weight(i, r.magnitude(0.01, 100));
+         return ccPtrHandle_const<ccShape>(s);
+       }},
+      {"ccHermiteSpline",
+       [&](krs_test::Random& r) {
+         ccPtrHandle<ccHermiteSpline> const s(new ccHermiteSpline(points(r), r.chance(2)));
+         for (long i = 0; i < s->numControlPoints(); ++i)
+           if (r.chance(3))
+             s->controlTangent(i, r.vector(r.magnitude(0.01, 1000)));
+         return ccPtrHandle_const<ccShape>(s);
+       }},
+      {"ccInterpSpline",
+       [&](krs_test::Random& r) {
+         ccPtrHandle<ccInterpSpline> const s(new ccInterpSpline(points(r), r.chance(2), r.below(3)));
+         s->endConditions(r.below(2));
+         s->endTangent(r.vector(100));
+         return ccPtrHandle_const<ccShape>(s);
+       }},
+  };
+  for (Family const& family : families) {
+    krs_test::outlineIsAtDistanceZero(family, 60);
+    krs_test::distanceIsLipschitz(family, 60);
+    krs_test::distanceAgreesWithSamples(family, 40);
+    krs_test::boxHoldsAndTouches(family, 60);
+    krs_test::mapAndBackRestores(family, 60);
+    krs_test::mapMovesEveryPoint(family, 60);
+    krs_test::distanceScalesWithSimilarities(family, 60);
+    krs_test::cloneIsEqual(family, 10);
+  }
 }

@@ -3,9 +3,9 @@
 
 #include "geometry/cubic_spline.h"
 #include "geometry/rect.h"
+#include "tests/geometry/shape_support.h"
 
 #include <cmath>
-#include <cstdlib>
 #include <functional>
 #include <limits>
 #include <random>
@@ -16,7 +16,7 @@ namespace spline_probe {
 
 using Points = std::vector<ccVector<2>>;
 
-inline long rounds(long n) { return std::getenv("KRS_LONG") ? 50 * n : n; }
+inline long rounds(int n) { return krs_test::rounds(n); }
 
 class Random {
 public:
@@ -61,20 +61,7 @@ private:
   std::mt19937 engine_;
 };
 
-// The curve by its definition, with powers of t and 1 - t.
-inline ccVector<2> at(ccBezierCurve const& c, double t)
-{
-  double const s = 1 - t;
-  double const b[4] = {s * s * s, 3 * s * s * t, 3 * s * t * t, t * t * t};
-  double x = 0, y = 0, w = 0;
-  for (int i = 0; i < 4; ++i) {
-    double const k = b[i] * c.weight(i);
-    x += k * c.controlPoint(i).x();
-    y += k * c.controlPoint(i).y();
-    w += k;
-  }
-  return ccVector<2>(x / w, y / w);
-}
+inline ccVector<2> at(ccBezierCurve const& c, double t) { return krs_test::bezierPoint(c, t); }
 
 inline Points samples(ccCubicSpline const& s, int perCurve)
 {
