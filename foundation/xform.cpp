@@ -34,6 +34,14 @@ ccMatrix<2> ccMatrix<2>::fromRotation(ccRadian rotation, ccRadian shear, double 
   return ccMatrix(rotation, rotation + shear, scale, scale * aspect);
 }
 
+double ccMatrix<2>::aspect() const
+{
+  double const x = xScale();
+  if (x == 0)
+    throw ccMathError::Singular("aspect of a matrix without x scale");
+  return yScale() / x;
+}
+
 ccMatrix<2> ccMatrix<2>::inverse() const
 {
   double const d = determinant();
@@ -46,6 +54,22 @@ ccXform<2> ccXform<2>::inverse() const
 {
   ccMatrix<2> const m = m_.inverse();
   return ccXform(m, -(m * t_));
+}
+
+bool ccXform<2>::similarity(double& scale, ccRadian& rot, bool& mirrored) const
+{
+  constexpr double tolerance = 1e-12;
+  ccVector<2> const x(m_.element(0, 0), m_.element(1, 0)), y(m_.element(0, 1), m_.element(1, 1));
+  double const xLen = x.len(), yLen = y.len();
+  if (!std::isfinite(xLen) || !std::isfinite(yLen) || std::abs(xLen - yLen) > tolerance * xLen)
+    return false;
+  if (xLen > 0 && std::abs((x / xLen).dot(y / yLen)) > tolerance)
+    return false;
+  // So that rigid moves leave radii as they are, however often they are repeated.
+  scale = std::abs(xLen - 1) <= tolerance ? 1.0 : xLen;
+  rot = x.angle();
+  mirrored = m_.determinant() < 0;
+  return true;
 }
 
 namespace {

@@ -26,7 +26,7 @@ public:
   ccRadian rotation() const { return xRot(); }
   ccRadian shear() const { return yRot() - xRot(); }
   double scale() const { return xScale(); }
-  double aspect() const { return yScale() / xScale(); }
+  double aspect() const;  // of the y scale to the x scale; an x scale of 0 throws ccMathError::Singular
 
   friend constexpr ccVector<2> operator*(ccMatrix const& m, ccVector<2> const& v)
   {
@@ -61,6 +61,9 @@ public:
   constexpr ccVector<2> mapPoint(ccVector<2> const& p) const { return m_ * p + t_; }
   constexpr ccVector<2> mapVector(ccVector<2> const& v) const { return m_ * v; }
   ccXform inverse() const;  // a singular map throws ccMathError::Singular
+  // Whether the columns are orthogonal and of equal length within 1e-12. If so, the linear part is a scale times a rotation,
+  // behind a mirroring of y where mirrored is true; a scale within 1e-12 of 1 is given as 1. Else nothing is changed.
+  bool similarity(double& scale, ccRadian& rot, bool& mirrored) const;
 
   // (f * g)(p) = f(g(p))
   friend constexpr ccXform operator*(ccXform const& f, ccXform const& g)

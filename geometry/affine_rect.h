@@ -14,11 +14,15 @@ public:
   explicit ccAffineRectangle(ccRect const&);
 
   ccPoint center() const { return center_; }
-  void center(ccPoint const& p) { center_ = p; }
+  void center(ccPoint const&);
   double xLength() const { return xLength_; }
+  void xLength(double);
   double yLength() const { return yLength_; }
+  void yLength(double);
   ccRadian xRotation() const { return xRotation_; }
-  ccRadian skew() const { return skew_; }
+  void xRotation(ccRadian);
+  ccRadian skew() const { return skew_; }  // in (-half, +half] circle; beyond a quarter turn it mirrors
+  void skew(ccRadian);                     // a bad one throws ccShapesError::DegenerateShape
   ccVector<2> xSide() const { return ccVector<2>::polar(xLength_, xRotation_); }
   ccVector<2> ySide() const { return ccVector<2>::polar(yLength_, xRotation_ + skew_ + ccRadian(cfPi / 2)); }
   // Corners by id: 0 Po, 1 Px, 2 Popp, 3 Py; the opposite corner is two ids away.
@@ -51,3 +55,6 @@ private:
   double xLength_ = 0, yLength_ = 0;
   ccRadian xRotation_, skew_;
 };
+
+// The rectangle after corner id was dragged to p; the opposite corner stays. Empty if a length would fall below 1e-10.
+std::optional<ccAffineRectangle> cfAffineRectSize(ccAffineRectangle const&, int id, ccPoint const& p);

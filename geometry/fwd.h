@@ -17,6 +17,8 @@ class ccEllipseArc2;
 class ccGenAnnulus;
 class ccGenPoly;
 class ccGenRect;
+class ccGenShape;
+class ccGraphic;
 class ccLine;
 class ccLineSeg;
 class ccOutlineSink;

@@ -1,0 +1,36 @@
+// A shape made of shapes. It holds handles; the shapes themselves are not changed, so several trees may share them.
+#pragma once
+
+#include "geometry/shape.h"
+
+#include <vector>
+
+class ccShapeTree : public ccShape {
+public:
+  ccShapeTree() = default;
+  explicit ccShapeTree(std::vector<ccPtrHandle_const<ccShape>> shapes);  // a null handle throws ccBadPointer
+
+  void addShape(ccPtrHandle_const<ccShape> const&);  // null: ccBadPointer
+  std::vector<ccPtrHandle_const<ccShape>> const& shapes() const { return shapes_; }
+  long size() const { return static_cast<long>(shapes_.size()); }
+
+  ccShapeTree map(ccXform<2> const&) const;
+  // Whether both have the same children, by identity.
+  friend bool operator==(ccShapeTree const& a, ccShapeTree const& b) { return a.shapes_ == b.shapes_; }
+
+  double distToPoint(ccVector<2> const& p) const { return distanceToPoint(p); }
+  double distanceToPoint(ccVector<2> const&) const override;
+  ccRect encloseRect() const override;
+  void outline(ccOutlineSink&) const override;
+
+protected:
+  ccPtrHandle<ccShape> clone_() const override;  // the children are cloned too
+  ccPtrHandle_const<ccShape> map_(ccXform<2> const&) const override;
+
+private:
+  std::vector<ccPtrHandle_const<ccShape>> shapes_;
+};
+
+// Moves shapes without reshaping them: each leaf of a tree, or a shape that is none, is shifted as the map shifts the centre
+// of its box. The result is never null.
+ccPtrHandle_const<ccShape> cfShapeMapShapePosition(ccShape const&, ccXform<2> const&);
