@@ -1,6 +1,8 @@
 // Declares the classes of this folder.
 #pragma once
 
+class cc2SegmentArc;
+class cc2SegmentLine;
 class cc2Wireframe;
 class ccAffineRectangle;
 class ccBezierCurve;
@@ -8,6 +10,7 @@ class ccBezierPath;
 class ccCircle;
 class ccCoordAxes;
 class ccCubicSpline;
+class ccDimTol;
 class ccEllipse;
 class ccEllipse2;
 class ccEllipseAnnulus;
@@ -26,5 +29,8 @@ class ccPointSet;
 class ccPolygon;
 class ccPolyline;
 class ccRect;
+class ccSMDGDPoly;
+class ccSMDGDPolyPrivate;
 class ccShape;
 class ccShapeTree;
+struct ccSMDGDPolyVertex;
