@@ -1,29 +1,50 @@
 #include "geometry/affine_rect.h"
 
-#include "foundation/math_error.h"
-#include "geometry/lines.h"
+#include "geometry/gen_rect.h"
+#include "geometry/plane.h"
 
 #include <algorithm>
 
 namespace {
 
-constexpr double kSkewZone = 0.001;  // radians about a quarter turn
+constexpr double kSkewZone = 0.001;     // radians about a quarter turn
+constexpr double kLeastLength = 1e-10;  // of a side that is dragged
+
+// The skew of the two side vectors, in the sense of a general rectangle's parameters.
+ccRadian cf_skew(ccGenRect const& r) { return r.handed() > 0 ? -r.skew() : ccRadian(cfPi) - r.skew(); }
 
 }  // namespace
 
 ccAffineRectangle::ccAffineRectangle(ccPoint const& center, double xLength, double yLength, ccRadian xRotation,
                                      ccRadian skew)
-    : center_(center), xLength_(xLength), yLength_(yLength), xRotation_(xRotation), skew_(ccRadian::signedNorm(skew))
+    : center_(cf_finite(center, "centre of an affine rectangle")),
+      xLength_(cf_length(xLength, "length of an affine rectangle")),
+      yLength_(cf_length(yLength, "length of an affine rectangle")),
+      xRotation_(cf_finite(xRotation, "rotation of an affine rectangle"))
 {
-  if (!std::isfinite(center.x()) || !std::isfinite(center.y()) || !std::isfinite(xRotation.value()) ||
-      !std::isfinite(xLength) || !std::isfinite(yLength) || xLength < 0 || yLength < 0)
-    throw ccShapesError::BadParams("affine rectangle");
-  if (isBadSkew(skew))
+  this->skew(skew);
+}
+
+void ccAffineRectangle::center(ccPoint const& p) { center_ = cf_finite(p, "centre of an affine rectangle"); }
+void ccAffineRectangle::xLength(double l) { xLength_ = cf_length(l, "length of an affine rectangle"); }
+void ccAffineRectangle::yLength(double l) { yLength_ = cf_length(l, "length of an affine rectangle"); }
+void ccAffineRectangle::xRotation(ccRadian a) { xRotation_ = cf_finite(a, "rotation of an affine rectangle"); }
+
+void ccAffineRectangle::skew(ccRadian k)
+{
+  cf_finite(k, "skew of an affine rectangle");
+  if (isBadSkew(k))
     throw ccShapesError::DegenerateShape("affine rectangle with flat skew");
+  skew_ = ccRadian::signedNorm(k);
 }
 
 ccAffineRectangle::ccAffineRectangle(ccRect const& r)
     : ccAffineRectangle(r.center(), std::abs(r.width()), std::abs(r.height()), ccRadian(0), ccRadian(0))
+{
+}
+
+ccAffineRectangle::ccAffineRectangle(ccGenRect const& r)
+    : ccAffineRectangle(r.center(), 2 * r.hx(), 2 * r.hy() / std::cos(r.skew().value()), r.orient(), cf_skew(r))
 {
 }
 
@@ -56,8 +77,16 @@ ccXform<2> ccAffineRectangle::unitXform() const
 
 ccAffineRectangle ccAffineRectangle::map(ccXform<2> const& m) const
 {
-  ccRadian const yRotation = xRotation_ + skew_ + ccRadian(cfPi / 2);
+  double scale = 1;
+  ccRadian rot;
+  bool mirrored = false;
+  if (m.similarity(scale, rot, mirrored) && scale > 0) {
+    ccRadian const k = mirrored ? ccRadian(cfPi) - skew_ : skew_;
+    return ccAffineRectangle(m.mapPoint(center_), xLength_ * scale, yLength_ * scale,
+                             mirrored ? rot - xRotation_ : rot + xRotation_, k);
+  }
   // A side of no length keeps its direction through its unit vector.
+  ccRadian const yRotation = xRotation_ + skew_ + ccRadian(cfPi / 2);
   ccVector<2> const xUnit = m.mapVector(ccVector<2>::polar(1, xRotation_));
   ccVector<2> const yUnit = m.mapVector(ccVector<2>::polar(1, yRotation));
   ccRadian const a = xUnit.angle();
@@ -69,9 +98,11 @@ ccAffineRectangle ccAffineRectangle::map(ccXform<2> const& m) const
 
 double ccAffineRectangle::distanceToPoint(ccVector<2> const& p) const
 {
-  double best = std::numeric_limits<double>::infinity();
+  ccVector<2> const x = xSide(), y = ySide(), o = center_ - (x + y) * 0.5;
+  ccVector<2> const corners[4] = {o, o + x, o + x + y, o + y};
+  double best = cfInfinity;
   for (int i = 0; i < 4; ++i)
-    best = std::min(best, ccLineSeg(corner(i), corner((i + 1) % 4)).distanceToPoint(p));
+    best = std::min(best, cf_segmentDistance(corners[i], corners[(i + 1) % 4], p));
   return best;
 }
 
@@ -93,3 +124,18 @@ void ccAffineRectangle::outline(ccOutlineSink& sink) const
 
 ccPtrHandle<ccShape> ccAffineRectangle::clone_() const { return new ccAffineRectangle(*this); }
 ccPtrHandle_const<ccShape> ccAffineRectangle::map_(ccXform<2> const& m) const { return new ccAffineRectangle(map(m)); }
+
+std::optional<ccAffineRectangle> cfAffineRectSize(ccAffineRectangle const& r, int id, ccPoint const& p)
+{
+  ccPoint const fixed = r.corner((id % 4 + 6) % 4), center = (p + fixed) * 0.5;
+  cf_require(id >= 0 && id < 4, "corner of an affine rectangle");
+  double const xSign = id == 1 || id == 2 ? -1 : 1, ySign = id == 2 || id == 3 ? -1 : 1;
+  ccVector<2> const x = ccVector<2>::polar(xSign, r.xRotation());
+  ccVector<2> const y = ccVector<2>::polar(ySign, r.xRotation() + r.skew() + ccRadian(cfPi / 2));
+  ccVector<2> const d = center - fixed;
+  double const det = cf_cross(x, y);  // not 0: the skew is not a bad one
+  double const xLength = -2 * cf_cross(d, y) / det, yLength = -2 * cf_cross(x, d) / det;
+  if (!(xLength >= kLeastLength) || !(yLength >= kLeastLength) || !std::isfinite(xLength) || !std::isfinite(yLength))
+    return std::nullopt;
+  return ccAffineRectangle(center, xLength, yLength, r.xRotation(), r.skew());
+}

@@ -12,6 +12,7 @@ public:
   // Negative or not finite lengths throw ccShapesError::BadParams, a bad skew DegenerateShape.
   ccAffineRectangle(ccPoint const& center, double xLength, double yLength, ccRadian xRotation, ccRadian skew);
   explicit ccAffineRectangle(ccRect const&);
+  explicit ccAffineRectangle(ccGenRect const&);  // its rounding is lost
 
   ccPoint center() const { return center_; }
   void center(ccPoint const&);

@@ -31,7 +31,7 @@ public:
   bool ends() const { return ends_; }
   void ends(bool b) { ends_ = b; }
 
-  ccRadian span() const { return ccRadian::norm(stop_ - start_); }
+  ccRadian span() const;  // in [0, full circle); within 1e-12 of a full turn it is empty
   ccRadian mid() const { return start_ + span() / 2; }
   ccPoint middle() const;                      // half way between both arcs at mid()
   ccEllipseArc2 firstArc() const;              // from start to stop

@@ -1,11 +1,19 @@
 #include "geometry/lines.h"
 
+#include "geometry/plane.h"
+
 #include <algorithm>
+
+ccLine::ccLine(ccVector<2> const& dir, ccPoint const& pos)
+    : dir_(cf_finite(dir, "direction of a line").unit()), pos_(cf_finite(pos, "point of a line"))
+{
+}
+
+void ccLine::pos(ccPoint const& p) { pos_ = cf_finite(p, "point of a line"); }
 
 double ccLine::distToPoint(ccVector<2> const& p) const
 {
-  ccVector<2> const d = p - pos_;
-  return std::abs(dir_.x() * d.y() - dir_.y() * d.x());
+  return std::abs(cf_cross(dir_, p - pos_));
 }
 
 bool ccLine::clip(ccRect const& r, ccLineSeg& part) const
@@ -29,12 +37,14 @@ bool ccLine::clip(ccRect const& r, ccLineSeg& part) const
   return true;
 }
 
-ccPoint ccLineSeg::closestPoint(ccVector<2> const& q) const
+ccLineSeg::ccLineSeg(ccPoint const& p1, ccPoint const& p2)
+    : p1_(cf_finite(p1, "end of a segment")), p2_(cf_finite(p2, "end of a segment"))
 {
-  ccVector<2> const d = p2_ - p1_;
-  double const square = d.dot(d);
-  return square > 0 ? ccPoint(p1_ + d * std::clamp((q - p1_).dot(d) / square, 0.0, 1.0)) : p1_;
 }
+
+void ccLineSeg::p1(ccPoint const& p) { p1_ = cf_finite(p, "end of a segment"); }
+void ccLineSeg::p2(ccPoint const& p) { p2_ = cf_finite(p, "end of a segment"); }
+ccPoint ccLineSeg::closestPoint(ccVector<2> const& q) const { return cf_closestOnSegment(p1_, p2_, q); }
 
 ccRect ccLineSeg::encloseRect() const
 {

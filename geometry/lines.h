@@ -7,11 +7,11 @@
 class ccLine {
 public:
   ccLine() = default;
-  ccLine(ccVector<2> const& dir, ccPoint const& pos) : dir_(dir.unit()), pos_(pos) {}
+  ccLine(ccVector<2> const& dir, ccPoint const& pos);
 
   ccVector<2> dir() const { return dir_; }  // a unit vector
   ccPoint pos() const { return pos_; }
-  void pos(ccPoint const& p) { pos_ = p; }
+  void pos(ccPoint const&);
   ccRadian angle() const { return dir_.angle(); }
   ccLine map(ccXform<2> const& x) const { return ccLine(x.mapVector(dir_), x.mapPoint(pos_)); }
   double distToPoint(ccVector<2> const& p) const;
@@ -26,16 +26,16 @@ private:
 class ccLineSeg : public ccShape {
 public:
   ccLineSeg() = default;
-  ccLineSeg(ccPoint const& p1, ccPoint const& p2) : p1_(p1), p2_(p2) {}
+  ccLineSeg(ccPoint const& p1, ccPoint const& p2);
 
   ccPoint p1() const { return p1_; }
-  void p1(ccPoint const& p) { p1_ = p; }
+  void p1(ccPoint const&);
   ccPoint p2() const { return p2_; }
-  void p2(ccPoint const& p) { p2_ = p; }
+  void p2(ccPoint const&);
   ccPoint midPoint() const { return (p1_ + p2_) * 0.5; }
   double length() const { return p1_.distance(p2_); }
   ccRadian angle() const { return (p2_ - p1_).angle(); }
-  ccPoint closestPoint(ccVector<2> const&) const;
+  ccPoint closestPoint(ccVector<2> const&) const;  // p1 where both ends coincide
   ccLineSeg map(ccXform<2> const& x) const { return ccLineSeg(x.mapPoint(p1_), x.mapPoint(p2_)); }
   friend bool operator==(ccLineSeg const& a, ccLineSeg const& b) { return a.p1_ == b.p1_ && a.p2_ == b.p2_; }
 

@@ -1,9 +1,14 @@
 #include "geometry/rect.h"
 
 #include "geometry/affine_rect.h"
-#include "geometry/lines.h"
+#include "geometry/plane.h"
 
 #include <algorithm>
+
+ccRect::ccRect(ccPoint const& ul, ccVector<2> const& sz)
+    : ul_(cf_finite(ul, "corner of a rectangle")), sz_(cf_finite(sz, "size of a rectangle"))
+{
+}
 
 bool ccRect::contains(ccVector<2> const& p) const
 {
@@ -27,9 +32,9 @@ ccRect& ccRect::operator|=(ccRect const& r)
 double ccRect::distanceToPoint(ccVector<2> const& p) const
 {
   ccPoint const corners[4] = {ul_, ccPoint(lr().x(), ul_.y()), lr(), ccPoint(ul_.x(), lr().y())};
-  double best = std::numeric_limits<double>::infinity();
+  double best = cfInfinity;
   for (int i = 0; i < 4; ++i)
-    best = std::min(best, ccLineSeg(corners[i], corners[(i + 1) % 4]).distanceToPoint(p));
+    best = std::min(best, cf_segmentDistance(corners[i], corners[(i + 1) % 4], p));
   return best;
 }
 

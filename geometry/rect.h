@@ -7,7 +7,7 @@
 class ccRect : public ccShape {
 public:
   ccRect() = default;
-  ccRect(ccPoint const& ul, ccVector<2> const& sz) : ul_(ul), sz_(sz) {}
+  ccRect(ccPoint const& ul, ccVector<2> const& sz);
   static ccRect fromCorners(ccPoint const& ul, ccPoint const& lr) { return ccRect(ul, lr - ul); }
 
   ccPoint ul() const { return ul_; }

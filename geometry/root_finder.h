@@ -19,7 +19,7 @@ struct cs_RationalCurve {
   ccVector<2> points[4];
   double weights[4] = {1, 1, 1, 1};
 
-  ccVector<2> at(double t) const;
+  ccVector<2> at(double t, ccVector<2>* derivative = nullptr) const;
 };
 
 struct cs_Nearest {

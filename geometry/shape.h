@@ -1,5 +1,7 @@
 // Base of all shapes: pure values with a distance, a box and an outline. Distance means distance to the outline, never to the
-// filled region; it is infinite for a shape without points.
+// filled region; it is infinite for a shape without points. Coordinates are doubles, y points down on screen, angles grow
+// from +x towards +y. An index out of range, a number that is not finite and a negative radius or length throw
+// ccShapesError::BadParams; a setter that throws leaves the object as it was. Objects may be read by several threads at once.
 #pragma once
 
 #include "foundation/handle.h"
@@ -22,9 +24,10 @@ class ccShape : public ccRepBase {
 public:
   ccPtrHandle<ccShape> clone() const;                       // forwards to clone_()
   ccPtrHandle_const<ccShape> map(ccXform<2> const&) const;  // forwards to map_()
-  virtual double distanceToPoint(ccVector<2> const&) const = 0;
-  virtual ccRect encloseRect() const = 0;  // tight and closed
-  ccGenRect encloseGenRect() const;                         // the same box, axis-aligned
+  virtual double distanceToPoint(ccVector<2> const&) const;  // by default over outline()
+  // Tight and closed, without the width of a pen; null for a shape without points. By default over outline().
+  virtual ccRect encloseRect() const;
+  ccGenRect encloseGenRect() const;  // the same box, axis-aligned
   virtual void outline(ccOutlineSink&) const = 0;
 
 protected:

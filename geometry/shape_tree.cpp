@@ -1,0 +1,91 @@
+#include "geometry/shape_tree.h"
+
+#include "geometry/bounds.h"
+
+namespace {
+
+// A box of all zeros belongs to a shape without points or to the point (0,0).
+bool cf_hasPoints(ccShape const& shape, ccRect const& box)
+{
+  return !box.isNull() || shape.distanceToPoint(ccVector<2>()) < cfInfinity;
+}
+
+}  // namespace
+
+ccShapeTree::ccShapeTree(std::vector<ccPtrHandle_const<ccShape>> shapes)
+{
+  shapes_.reserve(shapes.size());
+  for (auto const& shape : shapes)
+    addShape(shape);
+}
+
+void ccShapeTree::addShape(ccPtrHandle_const<ccShape> const& shape)
+{
+  if (!shape)
+    cf_throwBadPointer();
+  shapes_.push_back(shape);
+}
+
+ccShapeTree ccShapeTree::map(ccXform<2> const& x) const
+{
+  ccShapeTree image;
+  image.shapes_.reserve(shapes_.size());
+  for (auto const& shape : shapes_)
+    image.shapes_.push_back(shape->map(x));
+  return image;
+}
+
+double ccShapeTree::distanceToPoint(ccVector<2> const& p) const
+{
+  double best = cfInfinity;
+  for (auto const& shape : shapes_) {
+    ccRect const r = shape->encloseRect();
+    cs_Bounds box;
+    box.add(r.ul());
+    box.add(r.lr());
+    if (box.distance(p) < best)
+      best = std::min(best, shape->distanceToPoint(p));
+  }
+  return best;
+}
+
+ccRect ccShapeTree::encloseRect() const
+{
+  cs_Bounds bounds;
+  for (auto const& shape : shapes_) {
+    ccRect const r = shape->encloseRect();
+    if (cf_hasPoints(*shape, r)) {
+      bounds.add(r.ul());
+      bounds.add(r.lr());
+    }
+  }
+  return bounds.rect();
+}
+
+void ccShapeTree::outline(ccOutlineSink& sink) const
+{
+  for (auto const& shape : shapes_)
+    shape->outline(sink);
+}
+
+ccPtrHandle<ccShape> ccShapeTree::clone_() const
+{
+  ccPtrHandle<ccShapeTree> const copy(new ccShapeTree);
+  for (auto const& shape : shapes_)
+    copy->shapes_.push_back(shape->clone());
+  return copy;
+}
+
+ccPtrHandle_const<ccShape> ccShapeTree::map_(ccXform<2> const& x) const { return new ccShapeTree(map(x)); }
+
+ccPtrHandle_const<ccShape> cfShapeMapShapePosition(ccShape const& shape, ccXform<2> const& x)
+{
+  if (auto const* tree = dynamic_cast<ccShapeTree const*>(&shape)) {
+    ccPtrHandle<ccShapeTree> const moved(new ccShapeTree);
+    for (auto const& child : tree->shapes())
+      moved->addShape(cfShapeMapShapePosition(*child, x));
+    return moved;
+  }
+  ccPoint const center = shape.encloseRect().center();
+  return shape.map(ccXform<2>(ccMatrix<2>(), x.mapPoint(center) - center));
+}
