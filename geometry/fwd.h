@@ -1,6 +1,8 @@
 // Declares the classes of this folder.
 #pragma once
 
+class cc2SegmentArc;
+class cc2SegmentLine;
 class cc2Wireframe;
 class ccAffineRectangle;
 class ccBezierCurve;
@@ -9,6 +11,7 @@ class ccCircle;
 class ccCoordAxes;
 class ccCubicSpline;
 class ccDeBoorSpline;
+class ccDimTol;
 class ccEllipse;
 class ccEllipse2;
 class ccEllipseAnnulus;
@@ -29,5 +32,8 @@ class ccPointSet;
 class ccPolygon;
 class ccPolyline;
 class ccRect;
+class ccSMDGDPoly;
+class ccSMDGDPolyPrivate;
 class ccShape;
 class ccShapeTree;
+struct ccSMDGDPolyVertex;
