@@ -609,7 +609,7 @@ public:
   void cursor(portable::CursorShape const*) override {}
   void capture(portable::VideoWindow*) override {}
   void clip(Rect const*) override {}
-  void poll(portable::VideoSink&) override {}
+  void poll(portable::VideoSink&, bool) override {}
   void wait(int) override {}
   void wake() override {}
 };

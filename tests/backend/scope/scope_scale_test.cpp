@@ -25,11 +25,11 @@ class ScopeScale : public ScopeTest {
 protected:
   static constexpr std::uint32_t background = 0x5A;
 
-  void prepare(ScopeProbe& scope)
+  void prepare(ScopeProbe& scope, std::size_t imageColors = 256)
   {
     create(scope);
     scope.colorMap(testColors());
-    scope.colorMapEx(testColors());
+    scope.colorMapEx(testColors(imageColors));
     std::vector<unsigned char> indexes(256);
     for (std::size_t i = 0; i < 256; ++i)
       indexes[i] = static_cast<unsigned char>(255 - i);
