@@ -72,6 +72,76 @@ TEST(Matrix, inverseUndoesOrIsSingular)
   EXPECT_THROW(ccMatrix<2>(1e200, 0, 0, 1e200).inverse(), ccMathError::Singular);
 }
 
+TEST(Matrix, addingToTheRotationTurnsTheWholeMap)
+{
+  std::mt19937 random(2);
+  std::uniform_real_distribution<double> value(-3, 3);
+  for (int i = 0; i < 300; ++i) {
+    ccMatrix<2> const m(value(random), value(random), value(random), value(random));  // mirrors among them
+    double const t = value(random), c = std::cos(t), s = std::sin(t);
+    ccMatrix<2> const turned =
+        ccMatrix<2>::fromRotation(m.rotation() + ccRadian(t), m.shear(), m.aspect(), m.scale());
+    ccMatrix<2> const expected = ccMatrix<2>(c, -s, s, c) * m;
+    expectNear(turned, expected.element(0, 0), expected.element(0, 1), expected.element(1, 0), expected.element(1, 1),
+               1e-12);
+  }
+}
+
+TEST(Matrix, aMirrorShowsAsAShearBeyondAQuarterTurn)
+{
+  EXPECT_GT(std::abs(ccRadian::signedNorm(ccMatrix<2>(1, 0, 0, -1).shear()).value()), cfPi / 2);
+  EXPECT_GT(std::abs(ccRadian::signedNorm(ccMatrix<2>(2, 1, 1, -3).shear()).value()), cfPi / 2);
+  EXPECT_LT(std::abs(ccRadian::signedNorm(ccMatrix<2>(2, 1, -1, 3).shear()).value()), cfPi / 2);
+}
+
+TEST(Matrix, zeroColumnsReadAsRotationZero)
+{
+  EXPECT_EQ(ccMatrix<2>(0, 1, 0, 1).xRot(), ccRadian(0));
+  EXPECT_EQ(ccMatrix<2>(0, 1, 0, 1).xScale(), 0);
+  EXPECT_EQ(ccMatrix<2>(1, 0, 1, 0).yRot(), ccRadian(0));
+  EXPECT_THROW(ccMatrix<2>(0, 1, 0, 1).aspect(), ccMathError::Singular);
+  EXPECT_EQ(ccMatrix<2>(1, 0, 0, 0).aspect(), 0);
+}
+
+TEST(Xform, similaritiesAreToldWithScaleAngleAndMirror)
+{
+  std::mt19937 random(3);
+  std::uniform_real_distribution<double> value(-3, 3);
+  for (int i = 0; i < 300; ++i) {
+    double const angle = value(random), size = std::exp(value(random)), sign = i % 2 ? -1 : 1;
+    double const c = size * std::cos(angle), s = size * std::sin(angle);
+    double scale = 0;
+    ccRadian rot;
+    bool mirrored = false;
+    ASSERT_TRUE(ccXform<2>(ccMatrix<2>(c, -sign * s, s, sign * c), V(5, 6)).similarity(scale, rot, mirrored));
+    EXPECT_NEAR(scale, size, 1e-14 * size);
+    EXPECT_NEAR(ccRadian::signedNorm(rot - ccRadian(angle)).value(), 0, 1e-14);
+    EXPECT_EQ(mirrored, sign < 0);
+    // Rigid moves have a scale of exactly 1.
+    ASSERT_TRUE(cc2Rigid(ccDegree(10 * angle), V(1, 2)).linear().similarity(scale, rot, mirrored));
+    EXPECT_EQ(scale, 1);
+    EXPECT_FALSE(mirrored);
+  }
+}
+
+TEST(Xform, unevenAndLeaningMapsAreNoSimilarities)
+{
+  double scale = 7;
+  ccRadian rot(8);
+  bool mirrored = true;
+  double const nan = std::numeric_limits<double>::quiet_NaN();
+  for (ccMatrix<2> const& m : {ccMatrix<2>(1, 0, 0, 1 + 1e-11), ccMatrix<2>(1, 1e-11, 0, 1), ccMatrix<2>(1, 0, 0, 0),
+                               ccMatrix<2>(0, 0, 0, 1), ccMatrix<2>(nan, 0, 0, 1), ccMatrix<2>(0, 0, 0, nan)})
+    EXPECT_FALSE(ccXform<2>(m, V()).similarity(scale, rot, mirrored));
+  EXPECT_EQ(scale, 7);  // untouched
+  EXPECT_EQ(rot, ccRadian(8));
+  EXPECT_TRUE(mirrored);
+
+  EXPECT_TRUE(ccXform<2>(ccMatrix<2>(1, 1e-13, 0, 1 + 1e-13), V()).similarity(scale, rot, mirrored));
+  EXPECT_TRUE(ccXform<2>(ccMatrix<2>(0, 0, 0, 0), V()).similarity(scale, rot, mirrored));
+  EXPECT_EQ(scale, 0);
+}
+
 TEST(Xform, composesFromTheRight)
 {
   ccXform<2> const f(2, 3, V(1, 0)), g(ccMatrix<2>(0, -1, 1, 0), V(5, 7));

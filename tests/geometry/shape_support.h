@@ -15,6 +15,14 @@ namespace krs_test {
 
 using V = ccVector<2>;
 
+inline constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
+
+inline void expectNear(V const& a, V const& b, double tolerance)
+{
+  EXPECT_NEAR(a.x(), b.x(), tolerance);
+  EXPECT_NEAR(a.y(), b.y(), tolerance);
+}
+
 inline ccRadian deg(double d) { return ccRadian(d * cfPi / 180); }
 
 // More rounds where time does not matter.
