@@ -11,8 +11,6 @@ namespace {
 
 ccGenPoly square(double side = 10) { return ccGenPoly(ccRect(V(0, 0), V(side, side))); }
 
-void expectNear(V const& a, V const& b, double tolerance) { EXPECT_LE(a.distance(b), tolerance) << a.x() << " " << a.y(); }
-
 // An open corner: along +x to (0,0), then in the given direction.
 ccGenPoly corner(double degrees, double before = 10, double after = 10)
 {

@@ -9,8 +9,6 @@ using Edit = ccSMDGDPolyPrivate;
 
 namespace {
 
-void expectNear(V const& a, V const& b, double tolerance) { EXPECT_LE(a.distance(b), tolerance) << a.x() << " " << a.y(); }
-
 ccSMDGDPoly polyOf(std::vector<V> const& points, bool closed) { return ccSMDGDPoly(chain(points, closed), "poly"); }
 
 ccSMDGDPoly turnedBy(ccSMDGDPoly const& p, double degrees, V const& about = V())

@@ -9,8 +9,6 @@ namespace {
 
 cc2Wireframe squareWire() { return cc2Wireframe(ccGenPoly(ccRect(V(0, 0), V(10, 10))), tol(1)); }
 
-void expectNear(V const& a, V const& b, double tolerance) { EXPECT_LE(a.distance(b), tolerance) << a.x() << " " << a.y(); }
-
 }  // namespace
 
 TEST(DimTol, isAllZeroByDefault)
