@@ -239,7 +239,7 @@ int cf_roots(double const* coefficients, double const* bound, int degree, double
 ccVector<2> cs_RationalCurve::at(double t, ccVector<2>* derivative) const
 {
   // Relative to the first point, so that coinciding points give themselves exactly.
-  double w[4], x[4], y[4];
+  double w[4] = {}, x[4] = {}, y[4] = {};
   for (int i = 0; i <= degree; ++i) {
     w[i] = weights[i];
     x[i] = w[i] * (points[i].x() - points[0].x());
