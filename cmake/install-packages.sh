@@ -8,7 +8,7 @@ for group in "$@"; do
          libagg-dev libsdl2-dev libx11-dev" ;;
   test) packages="$packages clang libgtest-dev xvfb xauth xdotool" ;;
   bench) packages="$packages libopencv-core-dev libopencv-imgproc-dev libopencv-highgui-dev qt6-base-dev libcairo2-dev
-         libpixman-1-dev libyuv-dev libswscale-dev libvncserver-dev libxext-dev fonts-dejavu-core xvfb" ;;
+         libpixman-1-dev libyuv-dev libswscale-dev libvncserver-dev libxext-dev fonts-dejavu-core xvfb xauth" ;;
   *) echo "install-packages.sh: unknown group $group" >&2; exit 2 ;;
   esac
 done

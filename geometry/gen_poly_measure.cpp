@@ -171,7 +171,7 @@ ccRect ccGenPoly::encloseRect(ccXform<2> const& x) const
   cs_Bounds bounds;
   if (numVertices() == 1)
     bounds.add(x.mapPoint(vertices_[0].point));
-  else
+  else if (numVertices() > 1)
     forEachPiece_([&](cs_PolySegment const& s) { s.addTo(bounds, x); });
   return bounds.rect();
 }

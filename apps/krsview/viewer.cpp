@@ -79,6 +79,7 @@ ccViewer::ccViewer(ccViewOptions const& options, std::ostream& errors) : options
   }
   cf_viewers()[top_] = this;
   cf_viewers()[view_] = this;
+  plat::dropHandler([this](HWND, std::vector<std::string> const& names) { drop_(names); });
   windows.place(top_, nullptr, kShow);
   windows.setFocus(view_);
   display_ = std::make_unique<ccWin32Display>(view_);
@@ -95,6 +96,7 @@ ccViewer::ccViewer(ccViewOptions const& options, std::ostream& errors) : options
 
 ccViewer::~ccViewer()
 {
+  plat::dropHandler({});
   display_.reset();
   plat::platform().windows.destroy(top_);
   cf_viewers().erase(top_);
@@ -218,7 +220,6 @@ bool ccViewer::character_(unsigned c)
   default:
     return false;
   }
-  title_();
   return true;
 }
 
@@ -238,7 +239,6 @@ void ccViewer::zoom(int steps, ccPair<long> const& at)
   ccPoint const after = display_->displayToImage(pointed);
   display_->pan(display_->pan() + (after - before));
   display_->lockScreenUpdatesPop(ccUITablet::bothLayers);
-  title_();
 }
 
 void ccViewer::panBy(int columns, int rows)
@@ -256,8 +256,6 @@ void ccViewer::resize(long width, long height)
   windows.place(top_, &r, -1);
 }
 
-void ccViewer::title_() {}
-
 void ccViewer::fail_(std::string const& line)
 {
   anyFailed_ = true;
@@ -265,6 +263,13 @@ void ccViewer::fail_(std::string const& line)
 }
 
 void ccViewer::open(std::vector<std::string> const& names)
+{
+  list_(names);
+  for (std::size_t i = 0; i < entries_.size() && !current_; ++i)
+    show_(i);
+}
+
+void ccViewer::list_(std::vector<std::string> const& names)
 {
   for (std::string const& name : names) {
     std::error_code error;
@@ -280,8 +285,22 @@ void ccViewer::open(std::vector<std::string> const& names)
     for (fs::path const& file : folder.files)
       entries_.push_back({file, cs_Entry::unread});
   }
-  for (std::size_t i = 0; i < entries_.size() && !current_; ++i)
-    show_(i);
+}
+
+// Dropped files take the place of the list.
+void ccViewer::drop_(std::vector<std::string> const& names)
+{
+  std::vector<cs_Entry> const former = entries_;
+  std::size_t const formerIndex = index_;
+  entries_.clear();
+  list_(names);
+  for (std::size_t i = 0; i < entries_.size(); ++i)
+    if (show_(i)) {
+      applyView_();
+      return;
+    }
+  entries_ = former;
+  index_ = formerIndex;
 }
 
 bool ccViewer::show_(std::size_t index)

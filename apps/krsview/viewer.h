@@ -39,13 +39,14 @@ private:
     enum State { unread, good, bad } state = unread;
   };
 
+  void list_(std::vector<std::string> const& names);
+  void drop_(std::vector<std::string> const& names);
   bool show_(std::size_t index);
   void fail_(std::string const& line);
   bool key_(unsigned virtualKey);
   bool character_(unsigned c);
   static plat::LResult proc_(HWND, unsigned message, plat::WParam, plat::LParam);
   plat::LResult message_(HWND, unsigned message, plat::WParam, plat::LParam);
-  void title_();
   void applyView_();
 
   ccViewOptions options_;

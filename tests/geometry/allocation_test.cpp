@@ -6,6 +6,7 @@
 #include "geometry/point_set.h"
 #include "geometry/polygon.h"
 #include "geometry/shape_tree.h"
+#include "geometry/wireframe.h"
 #include "tests/geometry/shape_support.h"
 
 #include <atomic>
@@ -35,7 +36,12 @@ TEST(Shapes, distancesAndBoxesDoNotAllocate)
   ccBezierCurve const curve({V(0, 0), V(10, 50), V(70, -20), V(80, 9)}, {1, 5, 0.2, 1});
   ccBezierPath path;
   path.append(ccEllipseArc2(ccEllipse2(e), deg(0), deg(300)));
+  cc2Wireframe wire(ccGenPoly(ccRect(V(0, 0), V(20, 10))), ccDimTol());
+  wire.segmentAngleSpan(1, deg(100));
+  for (long i = 0; i < 4; ++i)
+    wire.vertexRoundingSize(i, 2);
   std::vector<ccPtrHandle_const<ccShape>> const shapes = {
+      new cc2Wireframe(wire),
       new ccLineSeg(V(1, 2), V(3, 4)),
       new ccRect(V(1, 2), V(30, 40)),
       new ccAffineRectangle(V(1, 2), 30, 40, deg(10), deg(20)),

@@ -408,3 +408,34 @@ TEST(InterpSpline, badSettingsThrowAndChangeNothing)
   EXPECT_THROW(ccInterpSpline({}, false, 3), ccShapesError::BadParams);
   EXPECT_EQ(s, before);
 }
+
+TEST(InterpSpline, anEditedSplineIsTheOneMadeAtOnce)
+{
+  Random random(9);
+  for (long round = 0; round < rounds(30); ++round) {
+    Points const points = random.points(random.whole(1, 7));
+    bool const closed = random.whole(0, 1) == 1;
+    long const mode = random.whole(0, 2);
+    ccInterpSpline s({{99, 99}, {-7, 5}, {3, 3}});
+    for (ccVector<2> const& p : points)
+      s.addControlPoint(p);
+    for (int i = 0; i < 3 && s.numControlPoints() > 2; ++i)
+      s.deleteControlPoint(0);
+    s.isClosed(closed);
+    s.intervalMode(mode);
+    Points const kept = s.controlPoints();
+    EXPECT_EQ(s, ccInterpSpline(kept, closed, mode));
+  }
+}
+
+TEST(InterpSpline, splinesOfOneCurveDifferByTheirSettings)
+{
+  // Settings that a closed spline does not use count too, as the next opening brings them back.
+  ccInterpSpline const s({{0, 0}, {4, 2}, {10, 0}}, true);
+  ccInterpSpline conditions(s), tangent(s);
+  conditions.endConditions(1);
+  tangent.endTangent(ccVector<2>(1, 0));
+  EXPECT_EQ(conditions.bezierCurve(1), s.bezierCurve(1));
+  EXPECT_FALSE(conditions == s);
+  EXPECT_FALSE(tangent == s);
+}

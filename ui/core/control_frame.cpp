@@ -9,7 +9,6 @@ ccUIControlFrame::ccUIControlFrame(ccUIFrame* parent, ccUIRect const& r) : ccUIF
 
 ccUIControlFrame::~ccUIControlFrame()
 {
-  leaveGesture();  // while the kids can still be asked for
   beginDestruction();
   cc_NodeWalk walk;
   walk.addKidsFrontToBack(*this);

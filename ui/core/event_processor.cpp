@@ -354,7 +354,7 @@ void ccUIEventProcessor::endDragOnScreen_()
 void ccUIEventProcessor::abandonDrag_()
 {
   ccUIObject const* const up = owner_->parent();
-  if (up && !up->dying())  // a dying parent may not know its kids any more
+  if (up && !up->dying())  // a dying parent's kids leave the root, which ends the drag for each
     for (ccUIObject* sib = up->backKid(); sib; sib = sib->closerSib())
       sib->dragging(false);
   owner_->dragging(false);

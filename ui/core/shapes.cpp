@@ -31,8 +31,8 @@ ccUIShapes::ccUIShapes(ccUIObject* parentNode)
 
 ccUIShapes::~ccUIShapes()
 {
-  leaveGesture();
   beginDestruction();
+  leaveGesture();
   parent(nullptr);
   if (parent_) {  // a hook of a kid has moved the whole tree to another root meanwhile
     ccLock lock(rootMutex(), /*lockNow=*/false);

@@ -29,8 +29,8 @@ ccUIShapesFrame::ccUIShapesFrame(ccUIControlFrame* parent, ccUIRect const& r) : 
 
 ccUIShapesFrame::~ccUIShapesFrame()
 {
-  leaveGesture();
   beginDestruction();
+  leaveGesture();
   // The frame is off the screen, so no shape need erase itself.
   setBit_(kCondVisible, false);
   ccUIShapes::releaseKids_(*this);

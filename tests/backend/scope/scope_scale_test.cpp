@@ -290,7 +290,8 @@ TEST_F(ScopeScale, interpolationGoesThroughTheKernel)
 TEST_F(ScopeScale, scaledGrey16BeyondAShortMapTakesTheLastColor)
 {
   ScopeProbe scope;
-  prepare(scope, 1024);
+  prepare(scope);
+  scope.colorMapEx(testColors(1024));
   ccPelBuffer<unsigned short> image(2, 1);
   image.setPel(0, 0, 1024);
   image.setPel(1, 0, 65535);
