@@ -1,5 +1,6 @@
 # krs_folder(NAME SOURCES... [LIBS...]): the objects of one folder. krs_library(NAME FOLDERS... [LIBS...]): a library made
-# of folders, static always and shared on request.
+# of folders, static always and shared on request. LIBS are what the folders link beyond our own libraries; a shared library
+# keeps them to itself, so that its users need none of their development packages.
 set(KRS_STD_HEADERS <algorithm> <array> <cmath> <cstdint> <functional> <list> <map> <memory> <mutex> <string>
     <utility> <vector>)
 
@@ -23,6 +24,7 @@ endfunction()
 
 function(krs_library name)
   cmake_parse_arguments(A "" "" "FOLDERS;USES;LIBS" ${ARGN})
+  set_property(GLOBAL APPEND PROPERTY KRS_LIBRARIES ${name})
   set(objects)
   foreach(folder ${A_FOLDERS})
     get_target_property(type ${folder} TYPE)
@@ -39,12 +41,15 @@ function(krs_library name)
   if(KRS_SHARED)
     add_library(${name}_shared SHARED ${objects})
     set_target_properties(${name}_shared PROPERTIES OUTPUT_NAME ${name} VERSION ${PROJECT_VERSION}
-                          SOVERSION ${PROJECT_VERSION_MAJOR})
+                          SOVERSION ${PROJECT_VERSION_MAJOR}.${PROJECT_VERSION_MINOR} INSTALL_RPATH "$ORIGIN")
+    target_link_libraries(${name}_shared PRIVATE ${A_LIBS})
     list(APPEND kinds ${name}_shared)
   endif()
+  target_link_libraries(${name} PUBLIC ${A_LIBS})
   foreach(kind ${kinds})
-    target_include_directories(${kind} INTERFACE $<BUILD_INTERFACE:${CMAKE_SOURCE_DIR}>)
-    target_link_libraries(${kind} PUBLIC ${A_LIBS})
+    target_include_directories(${kind} INTERFACE $<BUILD_INTERFACE:${CMAKE_SOURCE_DIR}>
+                               $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}/krsdisp>)
+    target_compile_features(${kind} INTERFACE cxx_std_20)
     foreach(used ${A_USES})
       if(kind STREQUAL name)
         target_link_libraries(${kind} PUBLIC ${used})

@@ -5,9 +5,6 @@
 #ifndef _WIN32
 #include "platform/portable/device_testing.h"  // lost surfaces, overlays, planned failures
 #endif
-#ifndef _WIN32
-#include "platform/portable/device_testing.h"  // lose, exclusive, overlays, failNext
-#endif
 
 #include <functional>
 #include <string_view>

@@ -2,6 +2,9 @@
 #include "geometry/affine_rect.h"
 #include "geometry/annulus_section.h"
 #include "geometry/coord_axes.h"
+#include "geometry/deboor_spline.h"
+#include "geometry/hermite_spline.h"
+#include "geometry/interp_spline.h"
 #include "geometry/lines.h"
 #include "geometry/point_set.h"
 #include "geometry/polygon.h"
@@ -56,6 +59,9 @@ TEST(Shapes, distancesAndBoxesDoNotAllocate)
       new ccEllipseAnnulusSection(e, outer, deg(10), deg(250)),
       new ccBezierCurve(curve),
       new ccBezierPath(path),
+      new ccDeBoorSpline({V(1, 2), V(30, 4), V(9, 70), V(50, 6), V(8, 8)}, {1, 5, 0.2, 1, 3}),
+      new ccHermiteSpline({V(1, 2), V(30, 4), V(9, 70)}, true),
+      new ccInterpSpline({V(1, 2), V(30, 4), V(9, 70)}, true, 2),
       new ccPointSet({V(1, 2), V(3, 4)}),
       new ccPolyline({V(1, 2), V(3, 4), V(9, 9)}),
       new ccPolygon({V(1, 2), V(3, 4), V(9, 9)}, 1),
