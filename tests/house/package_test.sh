@@ -6,11 +6,12 @@
 set -euo pipefail
 source=$1 build=$2 work=$3
 cxx=${CXX:-c++}
+export CMAKE_GENERATOR=${CMAKE_GENERATOR:-Ninja}
 
 fail() { echo "FAILED: $*" >&2; exit 1; }
 
 mkdir -p "$build"
-cmake -S "$source" -B "$build" -G Ninja -DKRS_TESTS=OFF -DKRS_APPS=OFF -DKRS_SHARED=ON >"$build/configure.log" ||
+cmake -S "$source" -B "$build" -DKRS_TESTS=OFF -DKRS_APPS=OFF -DKRS_SHARED=ON >"$build/configure.log" ||
   { cat "$build/configure.log"; fail "configure"; }
 cmake --build "$build" ${KRS_JOBS:+-j "$KRS_JOBS"} >"$build/build.log" || { tail -n 50 "$build/build.log"; fail "build"; }
 
@@ -65,7 +66,7 @@ uses() {
 }
 
 for kind in static shared; do
-  cmake -S "$source/tests/house/package_test" -B "$work/cmake_$kind" -G Ninja -DCMAKE_CXX_COMPILER="$cxx" \
+  cmake -S "$source/tests/house/package_test" -B "$work/cmake_$kind" -DCMAKE_CXX_COMPILER="$cxx" \
     -DCMAKE_PREFIX_PATH="$prefix" -DKIND=$kind -DPROGRAM="$work/program.cpp" >"$work/cmake_$kind.log" ||
     { cat "$work/cmake_$kind.log"; fail "find_package, $kind"; }
   cmake --build "$work/cmake_$kind" >>"$work/cmake_$kind.log" || { cat "$work/cmake_$kind.log"; fail "build, $kind"; }
