@@ -167,6 +167,25 @@ TEST(DisplayDraggedShape, theAnchorMovesOnceForEachChange)
   EXPECT_EQ(test.events().anchor(), ccPair<long>(11, 12));
 }
 
+TEST(DisplayDraggedShape, theAnchorStaysWhenTheFrameMovedBeforeTheDrag)
+{
+  HookLog log;  // outlives the shape
+  TestDisplay test(80, 60);
+  ccPelBuffer<unsigned char> image = cfGrey8(80, 60, 7);
+  image.offset({4, 3});
+  auto* const shape = new SpyShape(log, "shape", test.imageFrame(), ccVector<2>(14, 13), 10.0);
+  shape->condVisible(true);
+  test->mouseMode(ccDisplay::pointerMode);
+  test->image(image, true);
+  test.update();
+  test.moveTo({15, 15}).press().moveTo({25, 20});
+  ASSERT_TRUE(shape->dragging());
+
+  test->image(image, true);
+
+  EXPECT_EQ(test.events().anchor(), ccPair<long>(15, 15));
+}
+
 TEST(DisplayDraggedShape, theAnchorMovesByWholeZoomedPels)
 {
   HookLog log;  // outlives the shape
