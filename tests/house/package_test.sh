@@ -11,7 +11,7 @@ export CMAKE_GENERATOR=${CMAKE_GENERATOR:-Ninja}
 fail() { echo "FAILED: $*" >&2; exit 1; }
 
 mkdir -p "$build"
-cmake -S "$source" -B "$build" -DKRS_TESTS=OFF -DKRS_APPS=OFF -DKRS_SHARED=ON >"$build/configure.log" ||
+cmake -S "$source" -B "$build" -DKRS_TESTS=OFF -DKRS_APPS=OFF -DKRS_BENCH=OFF -DKRS_SHARED=ON >"$build/configure.log" ||
   { cat "$build/configure.log"; fail "configure"; }
 cmake --build "$build" ${KRS_JOBS:+-j "$KRS_JOBS"} >"$build/build.log" || { tail -n 50 "$build/build.log"; fail "build"; }
 
