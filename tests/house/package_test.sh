@@ -75,6 +75,7 @@ for kind in static shared; do
 done
 
 export PKG_CONFIG_PATH=$lib/pkgconfig
+[ "$(pkg-config --print-requires-private krsdisp)" = "" ] || fail "krsdisp.pc asks users of shared libraries for more"
 "$cxx" -std=c++20 $(pkg-config --cflags krsdisp) -c "$work/program.cpp" -o "$work/program.o"
 "$cxx" "$work/program.o" $(pkg-config --libs krsdisp) -Wl,-rpath,"$lib" -o "$work/by_pkg_shared"
 uses "$work/by_pkg_shared" shared
