@@ -133,7 +133,7 @@ public:
   static long entered, pressed;
 
 protected:
-  void mouseEnter_() override { ++entered; }
+  void idleMouseEnter_() override { ++entered; }  // no button is down
   void mouseDown_() override { ++pressed; }
 };
 long Target::entered = 0;
@@ -151,6 +151,7 @@ void runInput(int count)
   for (int i = 0; i < count; ++i) {
     ccUIRect const place(i % kColumns * kCell, i / kColumns * kCell, kTarget, kTarget);
     targets.push_back(std::make_unique<Target>(stage.display.get(), place));
+    targets.back()->opaque(ccUITablet::imageLayer, true);  // else the pointer goes through
     targets.back()->clickable(true);
     targets.back()->condVisible(true);
   }

@@ -76,6 +76,9 @@ function(krs_install_pkg_config)
   set(to ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
   file(RELATIVE_PATH up ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig ${CMAKE_INSTALL_PREFIX})
   string(REGEX REPLACE "/$" "" KRS_PC_PREFIX "\${pcfiledir}/${up}")
+  if(NOT KRS_PLATFORM_PACKAGES)
+    return()  # systems without pkg-config
+  endif()
   get_property(libraries GLOBAL PROPERTY KRS_LIBRARIES)
   list(REVERSE libraries)  # a static link asks for the users before the used
   list(TRANSFORM libraries PREPEND "-l:lib" OUTPUT_VARIABLE archives)
@@ -85,8 +88,11 @@ function(krs_install_pkg_config)
   list(JOIN archives " " archives)
   list(JOIN KRS_PLATFORM_PACKAGES " " packages)
 
+  # Not as Requires.private: that would ask users of the shared libraries for the development packages, too.
+  execute_process(COMMAND ${PKG_CONFIG_EXECUTABLE} --libs ${KRS_PLATFORM_PACKAGES} OUTPUT_VARIABLE below
+                  OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
   set(KRS_PC_TITLE "krsdisp")
-  set(KRS_PC_LINK "Requires.private: ${packages}\nLibs: -L\${libdir} ${libraries}\nLibs.private: -pthread")
+  set(KRS_PC_LINK "Libs: -L\${libdir} ${libraries}\nLibs.private: ${below} -pthread")
   configure_file(cmake/krsdisp.pc.in ${CMAKE_BINARY_DIR}/krsdisp.pc @ONLY)
   set(KRS_PC_TITLE "krsdisp, static")
   set(KRS_PC_LINK "Requires: ${packages}\nLibs: -L\${libdir} ${archives} -pthread")
