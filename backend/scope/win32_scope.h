@@ -10,6 +10,7 @@
 #include "canvas/flag_stack.h"
 #include "canvas/scope.h"
 #include "platform/handles.h"
+#include "platform/types.h"
 
 #include <iosfwd>
 #include <memory>
@@ -311,7 +312,10 @@ private:
   cc_CacheMap& pelTable_();
   ccUIRect clipToDisplay_(ccUIRect const& rootRect) const;
 
-  // Lines and text.
+  // Lines, figures and text. Rectangles are in pels of the scope.
+  template <class Paint> void paintFigure_(ccUIRect const&, Paint&&);
+  ccUIRect figureRect_(ccRect const& box, long before, double more) const;
+  template <class Points> bool chainOf_(Points const&, long reach, ccUIRect& touched);
   void paintLine_(plat::Painter&, ccPair<long> const& from, ccPair<long> const& to, ccGraphicProps const&);
   HFONT font_(long id) const;
 
@@ -375,6 +379,7 @@ private:
   ccPair<long> cachedSize_;
   cc_CacheMap colorCacheMap_;       // overlay graphics, and 8-bit screens
   cc_CacheMap imageCacheMap_;
+  std::vector<plat::Point> chain_;  // of the polygon or polyline that is being drawn
   cs_ColumnIndex columnIndex_;  // of the last scaled image: the source column of each target column
   void (*redraw_)(void*) = nullptr;
   void* redrawArgument_ = nullptr;
