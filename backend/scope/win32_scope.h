@@ -379,7 +379,6 @@ private:
   ccPair<long> cachedSize_;
   cc_CacheMap colorCacheMap_;       // overlay graphics, and 8-bit screens
   cc_CacheMap imageCacheMap_;
-  std::vector<plat::Point> chain_;  // of the polygon or polyline that is being drawn
   cs_ColumnIndex columnIndex_;  // of the last scaled image: the source column of each target column
   void (*redraw_)(void*) = nullptr;
   void* redrawArgument_ = nullptr;
@@ -389,6 +388,7 @@ private:
   unsigned char lastLiveStatus_ = 0;
   ccDirectDrawSurfacePool* cachePool_ = nullptr;  // not owned
   std::unique_ptr<cc_ScopeLive> live_;
+  std::vector<plat::Point> chain_;  // of the polygon or polyline that is being drawn
 
   friend class ccWin32Display;
   friend class ccWin32PelBufUIScope;
