@@ -22,6 +22,7 @@
 
 class cc_TabletTop;    // what a top tablet holds for its tree: scopes, marks, windows, scratch
 class cc_TabletLayers; // per-tablet state of both layers
+struct cs_Stroke;      // chords of an outline
 
 class ccUITablet : public cc_TabletEnums {
 public:
@@ -137,6 +138,47 @@ public:
   void draw(ccLineSeg const&, ccGraphicProps const&, Layers);
   void drawPointIcon(ccPoint const&, ccGraphicProps const&, Layers);
 
+  // Shapes. A colour means a one-pel solid pen. A polygon's own rule tells whether it is filled; one that is not stays open.
+  // The other closed shapes are filled if told, or by the pen's properties. Each flag may also stand before the layers.
+  void draw(ccPolygon const&, ccColor const&, Layers);
+  void draw(ccPolygon const&, ccGraphicProps const&, Layers);
+  void draw(ccPointSet const&, ccColor const&, Layers);  // an icon at each point
+  void draw(ccPointSet const&, ccGraphicProps const&, Layers);
+  void draw(ccCoordAxes const&, ccColor const&, Layers);  // two arrows
+  void draw(ccCoordAxes const&, ccGraphicProps const&, Layers);
+  void draw(ccCircle const&, ccColor const&, Layers, bool filled = false);
+  void draw(ccCircle const&, ccGraphicProps const&, Layers, bool filled = false);
+  void draw(ccEllipse const&, ccColor const&, Layers, bool filled = false);
+  void draw(ccEllipse const&, ccGraphicProps const&, Layers, bool filled = false);
+  void draw(ccGenRect const&, ccColor const&, Layers, bool filled = false);
+  void draw(ccGenRect const&, ccGraphicProps const&, Layers, bool filled = false);
+  void draw(cc2Wireframe const&, ccColor const&, Layers, bool filled = false);
+  void draw(cc2Wireframe const&, ccGraphicProps const&, Layers, bool filled = false);
+  void draw(ccEllipseAnnulusSection const&, ccColor const&, Layers, bool endSides = true, bool filled = false);
+  void draw(ccEllipseAnnulusSection const&, ccGraphicProps const&, Layers, bool endSides = true, bool filled = false);
+  void draw(ccCircle const& s, ccColor const& p, bool filled, Layers l) { draw(s, p, l, filled); }
+  void draw(ccCircle const& s, ccGraphicProps const& p, bool filled, Layers l) { draw(s, p, l, filled); }
+  void draw(ccEllipse const& s, ccColor const& p, bool filled, Layers l) { draw(s, p, l, filled); }
+  void draw(ccEllipse const& s, ccGraphicProps const& p, bool filled, Layers l) { draw(s, p, l, filled); }
+  void draw(ccGenRect const& s, ccColor const& p, bool filled, Layers l) { draw(s, p, l, filled); }
+  void draw(ccGenRect const& s, ccGraphicProps const& p, bool filled, Layers l) { draw(s, p, l, filled); }
+  void draw(cc2Wireframe const& s, ccColor const& p, bool filled, Layers l) { draw(s, p, l, filled); }
+  void draw(cc2Wireframe const& s, ccGraphicProps const& p, bool filled, Layers l) { draw(s, p, l, filled); }
+  void draw(ccEllipseAnnulusSection const& s, ccColor const& p, bool endSides, bool filled, Layers l)
+  {
+    draw(s, p, l, endSides, filled);
+  }
+  void draw(ccEllipseAnnulusSection const& s, ccGraphicProps const& p, bool endSides, bool filled, Layers l)
+  {
+    draw(s, p, l, endSides, filled);
+  }
+  void draw(ccRect const&, ccGraphicProps const&, Layers);
+  void draw(ccAffineRectangle const&, ccGraphicProps const&, Layers);
+  void draw(ccPolyline const&, ccGraphicProps const&, Layers);
+  void draw(ccBezierCurve const&, ccGraphicProps const&, Layers);
+  void draw(ccCubicSpline const&, ccGraphicProps const&, Layers);
+  void draw(ccShape const&, ccGraphicProps const&, Layers);  // any shape, by its outline
+
   // Icons drawn as text; the first character of a map separates its rows.
   static ccRLEBuffer makeIcon(char const* map, std::vector<unsigned char> const& colors);
   static bool iconTouched(char const* map, ccPair<long> const& offset, long stride);
@@ -195,6 +237,11 @@ private:
   ccXform<2> drawMap_(int layer) const;                      // tablet coordinates to top pels
   void fill_(ccUIRect const& topPels, ccColor const&, int layer);
   void penLine_(ccPair<long> const& to, ccColor const&, int layer);
+  template <class Body> void onLayers_(ccGraphicProps const&, Layers, Body&&);
+  template <class Chain> void drawChain_(Chain const&, ccGraphicProps const&, int layer, long margin);
+  template <class Figure> void drawFigure_(Figure const&, ccGraphicProps const&, int layer);
+  void drawStrokes_(std::vector<cs_Stroke> const&, ccGraphicProps const&, int layer, int fillRule);
+  void drawOutline_(ccShape const&, ccGraphicProps const&, int layer, bool fill);
   void clipTo_(ccPoint const& ul, ccPoint const& lr, Layers);
   void liftClip_(Layers);
   template <class T, class Key>

@@ -10,6 +10,7 @@
 #include "canvas/flag_stack.h"
 #include "canvas/scope.h"
 #include "platform/handles.h"
+#include "platform/types.h"
 
 #include <iosfwd>
 #include <memory>
@@ -311,7 +312,10 @@ private:
   cc_CacheMap& pelTable_();
   ccUIRect clipToDisplay_(ccUIRect const& rootRect) const;
 
-  // Lines and text.
+  // Lines, figures and text. Rectangles are in pels of the scope.
+  template <class Paint> void paintFigure_(ccUIRect const&, Paint&&);
+  ccUIRect figureRect_(ccRect const& box, long before, double more) const;
+  template <class Points> bool chainOf_(Points const&, long reach, ccUIRect& touched);
   void paintLine_(plat::Painter&, ccPair<long> const& from, ccPair<long> const& to, ccGraphicProps const&);
   HFONT font_(long id) const;
 
@@ -384,6 +388,7 @@ private:
   unsigned char lastLiveStatus_ = 0;
   ccDirectDrawSurfacePool* cachePool_ = nullptr;  // not owned
   std::unique_ptr<cc_ScopeLive> live_;
+  std::vector<plat::Point> chain_;  // of the polygon or polyline that is being drawn
 
   friend class ccWin32Display;
   friend class ccWin32PelBufUIScope;

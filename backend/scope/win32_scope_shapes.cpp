@@ -1,12 +1,343 @@
-// Shapes with curves, fills and vertices. This scope does not paint them, and so reports no change for them.
+// Shapes with curves, fills and vertices, painted on the device context of a phase. Positions of the painter are pels of the
+// scope. Each operation reports the rectangle that it may have touched.
+#include "backend/scope/shape_paths.h"
 #include "backend/scope/win32_scope.h"
+#include "canvas/draws_itself.h"
+#include "foundation/rounding.h"
+#include "geometry/ellipse_arc.h"
+#include "geometry/gen_rect.h"
+#include "geometry/gen_shape.h"
+#include "geometry/lines.h"
+#include "geometry/polygon.h"
 
-void ccWin32UIScope::draw(ccGenShape const&, ccColor const&) {}
-void ccWin32UIScope::draw(ccEllipseArc const&, ccGraphicProps const&) {}
-void ccWin32UIScope::draw(ccEllipse const&, ccGraphicProps const&) {}
-void ccWin32UIScope::draw(ccPolygon const&, ccGraphicProps const&) {}
-void ccWin32UIScope::draw(ccGraphic const&, ccGraphicProps const&) {}
-void ccWin32UIScope::draw(ccPolyline const&, ccGraphicProps const&) {}
-void ccWin32UIScope::draw(ccGenRect const&, ccGraphicProps const&) {}
-void ccWin32UIScope::draw(ccEllipseArc2 const&, ccGraphicProps const&) {}
-void ccWin32UIScope::draw(ccEllipse2 const&, ccGraphicProps const&) {}
+#include <algorithm>
+#include <cmath>
+#include <cstdlib>
+
+namespace {
+
+constexpr double uprightLimit = 1e-15;  // of a rotation, in radians
+
+// Figures turned about a pivot by the world transform, for as long as this object lives.
+class WorldTurn {
+public:
+  WorldTurn(plat::Painter& painter, double angle, ccVector<2> const& shift) : painter_(painter)
+  {
+    auto const f = [](double v) { return static_cast<float>(v); };
+    double const c = std::cos(angle), s = std::sin(angle);
+    plat::Xform const world{f(c), f(s), f(-s), f(c), f(shift.x()), f(shift.y())};
+    inForce_ = painter_.worldTransform(&world);
+  }
+  WorldTurn(WorldTurn const&) = delete;
+  WorldTurn& operator=(WorldTurn const&) = delete;
+  ~WorldTurn() { painter_.worldTransform(nullptr); }
+  bool inForce() const { return inForce_; }
+
+private:
+  plat::Painter& painter_;
+  bool inForce_;
+};
+
+// A pen, and a brush of the same colour for a filled figure.
+void dress(plat::Painter& painter, ccGraphicProps const& props, COLORREF color, bool filled)
+{
+  painter.pen(cf_penOf(props, color));
+  if (filled)
+    painter.brush(color);
+  else
+    painter.noBrush();
+}
+
+ccVector<2> middleOf(plat::Rect const& r)
+{
+  return ccVector<2>((static_cast<double>(r.left) + r.right) / 2, (static_cast<double>(r.top) + r.bottom) / 2);
+}
+
+plat::Rect shifted(plat::Rect const& r, long x, long y)
+{
+  return plat::Rect{cf_to32(r.left + x), cf_to32(r.top + y), cf_to32(r.right + x), cf_to32(r.bottom + y)};
+}
+
+// A curved figure where the device doesn't turn.
+void paintTurnedBezier(plat::Painter& painter, plat::Rect const& box, ccVector<2> const& round, double rotation,
+                       ccVector<2> const& pivot, bool filled)
+{
+  plat::Point points[kBezierPoints];
+  cf_rectToBezier(box, round, -rotation, pivot, points);
+  painter.bezier(points, filled);
+}
+
+// A rectangle with sharp corners where the device doesn't turn.
+void paintTurnedBox(plat::Painter& painter, plat::Rect const& box, double rotation, ccVector<2> const& pivot)
+{
+  double const c = std::cos(rotation), s = std::sin(rotation);
+  ccVector<2> const corners[] = {ccVector<2>(box.left, box.top), ccVector<2>(box.right - 1.0, box.top),
+                                 ccVector<2>(box.right - 1.0, box.bottom - 1.0), ccVector<2>(box.left, box.bottom - 1.0)};
+  plat::Point points[4];
+  for (int i = 0; i < 4; ++i) {
+    ccVector<2> const v = corners[i] - pivot;
+    points[i] = cf_toPoint(cfPelOf(v.x() * c - v.y() * s + pivot.x()), cfPelOf(v.x() * s + v.y() * c + pivot.y()));
+  }
+  painter.polygon(points, plat::FillRule::alternate);
+}
+
+// Two coincident points would stand for all of the ellipse. One is moved in x and one in y, such that the way from the first
+// to the last in the sense of growing angles stays short.
+void partRays(plat::Point& first, plat::Point& last)
+{
+  if (static_cast<long>(first.x) + first.y + 1 > 0) {
+    ++first.x;
+    ++last.y;
+  } else {
+    ++first.y;
+    ++last.x;
+  }
+}
+
+}  // namespace
+
+// What a figure with this box touches: its corner less `before`, its size and `more`.
+ccUIRect ccWin32UIScope::figureRect_(ccRect const& box, long before, double more) const
+{
+  ccVector<2> const at = box.ul() - ccVector<2>(clientOffset());
+  return ccUIRect(cf_to32(floorTL(at.x()) - before), cf_to32(floorTL(at.y()) - before),
+                  cf_to32(ceilTL(box.width() + more)), cf_to32(ceilTL(box.height() + more)));
+}
+
+// The frame of every figure. paint(painter) may widen what was touched by returning a rectangle.
+template <class Paint> void ccWin32UIScope::paintFigure_(ccUIRect const& touched, Paint&& paint)
+{
+  ccUIRect const r = touched & ownRect_();
+  if (r.isNull())
+    return;
+  ccUIRect drawn = r;
+  if (win32DrawStart(kPaint)) {
+    if (plat::Painter* const painter = painter_()) {
+      drawn = (r | paint(*painter)) & ownRect_();
+      painter->noBrush();
+    }
+    win32Changed(drawn);
+  }
+  win32DrawStop();
+  report_(drawn, false);
+}
+
+// --- Chains of vertices
+
+// Fills chain_ of the root. False without a vertex.
+template <class Points> bool ccWin32UIScope::chainOf_(Points const& points, long reach, ccUIRect& touched)
+{
+  std::vector<plat::Point>& chain = root_().chain_;
+  chain.clear();
+  for (ccVector<2> const& v : points)
+    chain.push_back(cf_toPoint(xCoord(ccPoint(v)), yCoord(ccPoint(v))));
+  if (chain.empty())
+    return false;
+  plat::Point low = chain[0], high = chain[0];
+  for (plat::Point const& p : chain) {
+    low = plat::Point{std::min(low.x, p.x), std::min(low.y, p.y)};
+    high = plat::Point{std::max(high.x, p.x), std::max(high.y, p.y)};
+  }
+  touched = ccUIRect::fromEdges(low.x - reach, low.y - reach, high.x + reach, high.y + reach);
+  return true;
+}
+
+void ccWin32UIScope::draw(ccPolygon const& polygon, ccGraphicProps const& props)
+{
+  if (polygon.size() == 1)
+    return draw(ccPoint(polygon[0]), props);
+  ccUIRect touched;
+  if (!chainOf_(polygon.points(), cf_halfWidthOfEnds(props), touched))
+    return;
+  paintFigure_(touched, [&](plat::Painter& painter) {
+    plat::Point const origin = painter.windowOrigin(plat::Point{0, 0});
+    dress(painter, props, bgrColor_(props.penColor()), polygon.fillRule() != 0);
+    if (polygon.fillRule() != 0)
+      painter.polygon(root_().chain_, polygon.fillRule() == 1 ? plat::FillRule::alternate : plat::FillRule::winding);
+    else
+      painter.polyline(root_().chain_);
+    painter.windowOrigin(origin);
+    return ccUIRect();
+  });
+}
+
+void ccWin32UIScope::draw(ccPolyline const& polyline, ccGraphicProps const& props)
+{
+  if (polyline.size() == 1)
+    return draw(ccPoint(polyline[0]), props);
+  ccUIRect touched;
+  if (!chainOf_(polyline.points(), cf_halfWidthOfEnds(props), touched))
+    return;
+  if (polyline.closed())
+    root_().chain_.push_back(root_().chain_.front());
+  paintFigure_(touched, [&](plat::Painter& painter) {
+    plat::Point const origin = painter.windowOrigin(plat::Point{0, 0});
+    dress(painter, props, bgrColor_(props.penColor()), false);
+    painter.polyline(root_().chain_);
+    painter.windowOrigin(origin);
+    return ccUIRect();
+  });
+}
+
+// --- Rectangles
+
+void ccWin32UIScope::draw(ccGenRect const& rect, ccGraphicProps const& props)
+{
+  long const h = cf_halfWidth(props);
+  ccRect const box = rect.encloseRect();
+  ccVector<2> const at = box.ul() - ccVector<2>(clientOffset());
+  ccUIRect const touched(cf_to32(floorTL(at.x()) - h - 1), cf_to32(floorTL(at.y()) - h - 1),
+                         cf_to32(ceilTL(box.width()) + 2 * h + 2), cf_to32(ceilTL(box.height()) + 2 * h + 2));
+  paintFigure_(touched, [&](plat::Painter& painter) {
+    dress(painter, props, bgrColor_(props.penColor()), props.fill());
+    ccPoint const corner = rect.center() - rect.halfLengths();
+    long const x = xCoord(corner), y = yCoord(corner);
+    plat::Rect const figure{cf_to32(x), cf_to32(y), cf_to32(x + floorTL(rect.hx() * 2)),
+                            cf_to32(y + floorTL(rect.hy() * 2))};
+    ccVector<2> const round = rect.round();
+    plat::Size const ends{cf_to32(cfTruncToLong(round.x() * 2)), cf_to32(cfTruncToLong(round.y() * 2))};
+    double const angle = rect.orient().value();
+    if (angle == 0) {
+      painter.roundRect(figure, ends);
+      return ccUIRect();
+    }
+    ccVector<2> const c = rect.center() - ccVector<2>(clientOffset());
+    double const cs = std::cos(angle), sn = std::sin(angle);
+    WorldTurn const turn(painter, angle,
+                         ccVector<2>(c.x() - (c.x() * cs - c.y() * sn), c.y() - (c.x() * sn + c.y() * cs)));
+    if (turn.inForce())
+      painter.roundRect(figure, ends);
+    else if (round.x() > 0 && round.y() > 0)
+      paintTurnedBezier(painter, figure, round, angle, c, props.fill());
+    else
+      paintTurnedBox(painter, figure, angle, c);
+    return ccUIRect();
+  });
+}
+
+// --- Ellipses and arcs
+
+void ccWin32UIScope::draw(ccEllipse const& ellipse, ccGraphicProps const& props)
+{
+  if (ellipse.rx() <= 0 || ellipse.ry() <= 0)
+    return draw(ellipse.center(), props);
+  long const h = cf_halfWidth(props);
+  ccUIRect const touched = figureRect_(ellipse.encloseRect(), 3 * h, static_cast<double>(5 * h));
+  paintFigure_(touched, [&](plat::Painter& painter) {
+    dress(painter, props, bgrColor_(props.penColor()), props.fill());
+    ccVector<2> const d = ellipse.center() - ccVector<2>(clientOffset());
+    ccVector<2> const shift(floorT(d.x()), floorT(d.y()));
+    ccVector<2> const rest = d - shift;
+    double const angle = ellipse.rotation().value();
+    bool const upright = std::abs(angle) <= uprightLimit;
+    double const c = std::cos(angle), s = std::sin(angle);
+    double const ex = rest.x() * c + rest.y() * s, ey = rest.y() * c - rest.x() * s;
+    plat::Rect const box{cf_to32(floorTL(ex - ellipse.rx())), cf_to32(floorTL(ey - ellipse.ry())),
+                         cf_to32(ceilTL(ex + ellipse.rx()) - 1), cf_to32(ceilTL(ey + ellipse.ry()) - 1)};
+    plat::Rect const placed = shifted(box, cfTruncToLong(shift.x()), cfTruncToLong(shift.y()));
+    if (upright) {
+      painter.ellipse(placed);
+      return ccUIRect();
+    }
+    WorldTurn const turn(painter, angle, shift);
+    if (turn.inForce())
+      painter.ellipse(box);
+    else
+      paintTurnedBezier(painter, placed, ccVector<2>(), angle, middleOf(placed), props.fill());
+    return ccUIRect();
+  });
+}
+
+void ccWin32UIScope::draw(ccEllipseArc const& arc, ccGraphicProps const& props)
+{
+  if (arc.span().value() == 0)
+    return draw(arc.startPoint(), props);
+  long const h = cf_halfWidth(props);
+  ccUIRect const touched = figureRect_(arc.encloseRect(), 2 * h, static_cast<double>(4 * h));
+  paintFigure_(touched, [&](plat::Painter& painter) {
+    dress(painter, props, bgrColor_(props.penColor()), false);
+    ccEllipse const ellipse = arc.ellipse();
+    ccVector<2> const d = ellipse.center() - ccVector<2>(clientOffset());
+    ccVector<2> const shift(floorT(d.x()), floorT(d.y()));
+    long const rx = std::max(floorTL(ellipse.rx()), 1L), ry = std::max(floorTL(ellipse.ry()), 1L);
+    ccRect const around = ellipse.encloseRect();
+    // The rays' whole-pel ends must tell directions apart for the smallest radius as well.
+    double const reach = std::max(around.sz().len() / 2, 8.0);
+    auto const ray = [reach](ccRadian phi) {
+      return cf_toPoint(cfTruncToLong(reach * std::cos(phi.value())), cfTruncToLong(reach * std::sin(phi.value())));
+    };
+    plat::Point first = ray(arc.phiStart()), last = ray(arc.phiEnd());
+    if (arc.span().value() < 0)
+      std::swap(first, last);
+    bool const fullTurn = std::abs(arc.span().value()) >= 2 * cfPi;
+    if (fullTurn)
+      last = first;
+    else if (first == last) {
+      bool const most = std::abs(arc.span().value()) > cfPi;  // all but a sliver: the long way round
+      most ? partRays(last, first) : partRays(first, last);
+    }
+    // The device runs against the sense of growing angles, so it starts at the last ray.
+    plat::Rect const box{cf_to32(-rx), cf_to32(-ry), cf_to32(rx), cf_to32(ry)};
+    long const x = cfTruncToLong(shift.x()), y = cfTruncToLong(shift.y());
+    auto const placed = [x, y](plat::Point p) { return cf_toPoint(p.x + x, p.y + y); };
+    double const angle = ellipse.rotation().value();
+    cf_beginBounds(painter);
+    if (std::abs(angle) <= uprightLimit) {
+      painter.arc(shifted(box, x, y), placed(last), placed(first));
+    } else {
+      WorldTurn const turn(painter, angle, shift);
+      if (turn.inForce())
+        painter.arc(box, last, first);
+      else
+        painter.arc(shifted(box, x, y), placed(last), placed(first));
+    }
+    return cf_endBounds(painter);
+  });
+}
+
+void ccWin32UIScope::draw(ccEllipse2 const& ellipse, ccGraphicProps const& props)
+{
+  if (!ellipse.isDegenerate())
+    return draw(ellipse.oldEllipse(), props);
+  ccPoint first, last;
+  ellipse.degenerateSegment(first, last);
+  draw(ccLineSeg(first, last), props);
+}
+
+// A flat arc is drawn as the line that it covers, and as an arc besides.
+void ccWin32UIScope::draw(ccEllipseArc2 const& arc, ccGraphicProps const& props)
+{
+  if (arc.isDegenerate()) {
+    ccPoint first, last;
+    arc.degenerateSegment(first, last);
+    draw(ccLineSeg(first, last), props);
+  }
+  draw(arc.oldEllipseArc(), props);
+}
+
+// --- Things that draw themselves
+
+void ccWin32UIScope::draw(ccGenShape const& shape, ccColor const& color)
+{
+  paintFigure_(figureRect_(shape.encloseRect(), 1, 2), [&](plat::Painter& painter) {
+    if (auto const* self = dynamic_cast<ccDrawsItself const*>(&shape)) {
+      dress(painter, ccGraphicProps(color, 1, ceSolidPen, false), bgrColor_(color), false);
+      self->drawOn(&painter);
+      painter.worldTransform(nullptr);
+    }
+    return ccUIRect();
+  });
+}
+
+void ccWin32UIScope::draw(ccGraphic const& graphic, ccGraphicProps const& props)
+{
+  long const h = cf_halfWidth(props);
+  paintFigure_(figureRect_(graphic.encloseRect(), h, static_cast<double>(2 * h)), [&](plat::Painter& painter) {
+    if (auto const* self = dynamic_cast<ccDrawsItself const*>(&graphic)) {
+      dress(painter, props, bgrColor_(props.penColor()), props.fill());
+      self->drawOn(&painter);
+      painter.worldTransform(nullptr);
+    }
+    return ccUIRect();
+  });
+}

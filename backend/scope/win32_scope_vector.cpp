@@ -1,47 +1,15 @@
 // Lines, text and flood fill, painted on the device context of a phase. Positions of the painter are pels of the scope.
 #include "backend/scope/win32_scope.h"
 
+#include "backend/scope/shape_paths.h"
 #include "canvas/format.h"
 #include "canvas/graphic_props.h"
-#include "foundation/rounding.h"
 #include "geometry/lines.h"
-#include "platform/paint.h"
 
 #include <algorithm>
 #include <cstdlib>
 
 namespace {
-
-constexpr unsigned boundsReset = 1, boundsEnable = 4, boundsDisable = 8, boundsSet = 3;
-
-plat::i32 to32(long v) { return static_cast<plat::i32>(std::clamp(v, -0x40000000L, 0x3FFFFFFFL)); }
-
-plat::Point toPoint(long x, long y) { return plat::Point{to32(x), to32(y)}; }
-
-plat::Pen penOf(ccGraphicProps const& props, COLORREF color)
-{
-  plat::Pen pen;
-  pen.color = color;
-  pen.width = to32(std::max(props.penWidth(), 1L));
-  pen.style = static_cast<plat::u8>(props.penStyle() >= 0 && props.penStyle() <= 4 ? props.penStyle() : 0);
-  pen.join = props.joinStyle() == 1 ? 1 : 0;
-  pen.cap = static_cast<plat::u8>(props.capStyle() == 1 || props.capStyle() == 2 ? props.capStyle() : 0);
-  return pen;
-}
-
-// How far a line reaches beyond its geometry.
-long halfWidth(ccGraphicProps const& props) { return floorTL(static_cast<double>(props.penWidth()) * 0.5) + 1; }
-
-// Starts to note what is painted, and ends it. In pels of the scope.
-void beginBounds(plat::Painter& painter) { painter.setBounds(nullptr, boundsReset | boundsEnable); }
-
-ccUIRect endBounds(plat::Painter& painter)
-{
-  plat::Rect bounds;
-  bool const any = painter.getBounds(bounds, boundsReset) == boundsSet;
-  painter.setBounds(&bounds, boundsDisable);
-  return any ? ccUIRect::fromEdges(bounds.left, bounds.top, bounds.right, bounds.bottom) : ccUIRect();
-}
 
 // Where text of this alignment starts: the horizontal flag, and the row at which it begins. Rows 0 to 2 of the alignments are
 // top, middle and bottom.
@@ -78,12 +46,9 @@ void ccWin32UIScope::drawTo(ccPoint const& p, ccGraphicProps const& props)
 
 void ccWin32UIScope::drawToRel(long dx, long dy, ccGraphicProps const& props)
 {
-  constexpr double squareCapReach = 1.42;
   ccPair<long> const from = currentPoint();
   ccPair<long> const to = from + ccPair<long>(dx, dy);
-  long h = halfWidth(props);
-  if (props.capStyle() == 2)
-    h = cfTruncToLong(static_cast<double>(h) * squareCapReach);
+  long const h = cf_halfWidthOfEnds(props);
   ccUIRect const r = ccUIRect(std::min(from.x(), to.x()) - h, std::min(from.y(), to.y()) - h, std::labs(dx) + 2 * h,
                               std::labs(dy) + 2 * h) &
                      ownRect_();
@@ -102,7 +67,7 @@ void ccWin32UIScope::drawToRel(long dx, long dy, ccGraphicProps const& props)
 void ccWin32UIScope::paintLine_(plat::Painter& painter, ccPair<long> const& from, ccPair<long> const& to,
                                 ccGraphicProps const& props)
 {
-  painter.pen(penOf(props, bgrColor_(props.penColor())));
+  painter.pen(cf_penOf(props, bgrColor_(props.penColor())));
   bool const wide = props.penWidth() >= 2;
   if (wide && props.penStyle() != ceSolidPen && (from.x() == to.x() || from.y() == to.y())) {
     // Only what can be seen: a long broken line costs dearly outside the surface.
@@ -113,16 +78,16 @@ void ccWin32UIScope::paintLine_(plat::Painter& painter, ccPair<long> const& from
              clientOffset();
     };
     ccPair<long> const a = inside(from), b = inside(to);
-    plat::Point const points[] = {toPoint(a.x(), a.y()), toPoint(b.x(), b.y())};
+    plat::Point const points[] = {cf_toPoint(a.x(), a.y()), cf_toPoint(b.x(), b.y())};
     painter.polyline(points);
     painter.moveTo(points[1]);
     return;
   }
-  plat::Point const points[] = {toPoint(from.x(), from.y()), toPoint(to.x(), to.y())};
+  plat::Point const points[] = {cf_toPoint(from.x(), from.y()), cf_toPoint(to.x(), to.y())};
   painter.polyline(points);
   painter.moveTo(points[1]);
   if (!wide)
-    painter.lineTo(toPoint(to.x() + 1, to.y() + 1));  // the last pel of the line
+    painter.lineTo(cf_toPoint(to.x() + 1, to.y() + 1));  // the last pel of the line
 }
 
 // --- Text
@@ -142,13 +107,13 @@ void ccWin32UIScope::draw(std::string const& text, ccPoint const& p, ccColor con
   ccUIRect drawn;
   if (win32DrawStart(kPaint)) {
     if (plat::Painter* const painter = painter_()) {
-      beginBounds(*painter);
+      cf_beginBounds(*painter);
       painter->textColors(bgrColor_(color), bgrColor_(back), !back.isPass());
       painter->font(font_(format.fontId()));
-      plat::Point const at = toPoint(xCoord(p), textTop(*painter, text, format, yCoord(p)));
+      plat::Point const at = cf_toPoint(xCoord(p), textTop(*painter, text, format, yCoord(p)));
       plat::Rect rect{at.x, at.y, at.x, at.y};
       painter->drawText(text, rect, textFlags(format));
-      drawn = endBounds(*painter) & ownRect_();
+      drawn = cf_endBounds(*painter) & ownRect_();
     }
     win32Changed(drawn);
   }
@@ -166,7 +131,7 @@ ccUIRect ccWin32UIScope::textRect(std::string const& text, ccPoint const& p, ccU
     if (plat::Painter* const painter = painter_()) {
       constexpr unsigned calculateOnly = 0x400;
       painter->font(font_(format.fontId()));
-      plat::Point const at = toPoint(xCoord(p), textTop(*painter, text, format, yCoord(p)));
+      plat::Point const at = cf_toPoint(xCoord(p), textTop(*painter, text, format, yCoord(p)));
       plat::Rect rect{at.x, at.y, at.x, at.y};
       painter->drawText(text, rect, textFlags(format) | calculateOnly);
       full = ccUIRect(at.x, at.y, rect.right - rect.left, rect.bottom - rect.top);
@@ -190,9 +155,9 @@ void ccWin32UIScope::fill(ccPoint const& p, ccColor const& color, ccColor const&
   if (win32DrawStart(kPaint)) {
     if (plat::Painter* const painter = painter_()) {
       painter->brush(bgrColor_(color));
-      beginBounds(*painter);
-      painter->floodFill(toPoint(xCoord(p), yCoord(p)), bgrColor_(border), /*surface=*/!toBorder);
-      drawn = endBounds(*painter) & ownRect_();
+      cf_beginBounds(*painter);
+      painter->floodFill(cf_toPoint(xCoord(p), yCoord(p)), bgrColor_(border), /*surface=*/!toBorder);
+      drawn = cf_endBounds(*painter) & ownRect_();
       painter->noBrush();
     }
     win32Changed(drawn);
