@@ -85,9 +85,13 @@ void paintTurnedBox(plat::Painter& painter, plat::Rect const& box, double rotati
 // to the last in the sense of growing angles stays short.
 void partRays(plat::Point& first, plat::Point& last)
 {
-  if (static_cast<long>(first.x) + first.y + 1 > 0) {
+  // Rays start half a pel before the origin, in the middle of a box of an even number of pels.
+  long const side = static_cast<long>(first.x) + first.y + 2;
+  if (side >= 0) {
     ++first.x;
     ++last.y;
+    if (side == 0)  // still on one ray
+      ++(first.x > 0 ? last.y : first.x);
   } else {
     ++first.y;
     ++last.x;

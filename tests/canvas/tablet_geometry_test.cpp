@@ -12,7 +12,10 @@
 #include "canvas/tablet_path.h"
 #include "tests/canvas/tablet_fixture.h"
 
+#include <gtest/gtest.h>
+
 #include <cmath>
+#include <limits>
 
 namespace {
 
@@ -161,7 +164,7 @@ TEST(TabletGeometry, farCoordinatesAreCutBeforeTheScope)
 
 TEST(TabletGeometry, mapsThatAreNotFiniteDrawNothing)
 {
-  for (double const bad : {std::nan(""), INFINITY}) {
+  for (double const bad : {std::nan(""), std::numeric_limits<double>::infinity()}) {
     TestTree tree;
     tree.top.screenMap_ = ccXform<2>(bad, 1, ccVector<2>());
     EXPECT_TRUE(kinds(tree, [](TestTablet& t) {
