@@ -127,10 +127,10 @@ TEST_F(ScopeShapes, turnedRectangleStandsAboutItsCentreInRootAndChild)
     std::unique_ptr<ccUIScope> const part(scope.createChildScope(ccUIRect(10, 4, 25, 22), true));
     (child ? *part : static_cast<ccUIScope&>(scope)).draw(rect, pen());
     ccUIRect const ink = inked(scope);
-    EXPECT_NEAR(ink.left(), 17, 1) << child;
-    EXPECT_NEAR(ink.right(), 23, 1) << child;
-    EXPECT_NEAR(ink.top(), 6, 1) << child;
-    EXPECT_NEAR(ink.bottom(), 24, 1) << child;
+    EXPECT_NEAR(static_cast<double>(ink.left()), 17, 1) << child;
+    EXPECT_NEAR(static_cast<double>(ink.right()), 23, 1) << child;
+    EXPECT_NEAR(static_cast<double>(ink.top()), 6, 1) << child;
+    EXPECT_NEAR(static_cast<double>(ink.bottom()), 24, 1) << child;
   }
 }
 
