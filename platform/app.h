@@ -25,7 +25,7 @@ bool init(InitOptions const& = {});
 // when there is nothing to do. False after quit.
 bool pump(int timeoutMs = 0);
 
-int run();  // pumps until quit, whose code it returns
+int run();  // pumps until quit, whose code it returns; for applications that have no loop of their own
 void quit(int code);
 
 // A window of the machine (a window handle on Windows, elsewhere an X11 window id) as a window of ours. Null where that

@@ -258,7 +258,8 @@ bool Core::pump(int timeoutMs)
 
 int Core::run()
 {
-  while (pump(-1)) {
+  claimUi();
+  while (onUi() && modalRound()) {
   }
   quit_ = false;  // an application may run again
   return quitCode_;
@@ -273,7 +274,7 @@ void Core::quit(int code)
 
 bool Core::modalRound()
 {
-  if (!quit_ && !round(/*nested=*/true) && !quit_)
+  if (!quit_ && !round(/*alone=*/true) && !quit_)
     wait(-1);
   return !quit_;
 }
@@ -294,10 +295,10 @@ void Core::wait(int timeoutMs)
     video_->wait(timeoutMs);
 }
 
-bool Core::round(bool nested)
+bool Core::round(bool alone)
 {
   ++round_;
-  video_->poll(*this, nested);
+  video_->poll(*this, alone);
   bool any = false;
   for (int i = 0; i < maxStepsPerRound && !quit_ && step(); ++i)
     any = true;

@@ -92,7 +92,7 @@ public:
   bool pump(int timeoutMs);
   int run();
   void quit(int code);
-  bool round(bool nested = false);            // all that is due now; false when there was nothing
+  bool round(bool alone = false);             // all that is due now; false when there was nothing
   void drain();                               // rounds until there is nothing
   bool modalRound();                          // a round of a nested loop, waiting for work; false after quit
   void advance(unsigned ms);                  // of the virtual clock

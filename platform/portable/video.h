@@ -74,8 +74,9 @@ public:
   virtual void capture(VideoWindow*) = 0;       // null releases
   virtual void clip(Rect const* screen) = 0;    // null: the whole screen
 
-  // Hands over what has come in. In a nested loop that is also what an application's own loop would have handed over.
-  virtual void poll(VideoSink&, bool nested) = 0;
+  // Hands over what has come in. Alone: no loop of the application's runs meanwhile, so that is also what such a loop
+  // would have handed over.
+  virtual void poll(VideoSink&, bool alone) = 0;
   virtual void wait(int milliseconds) = 0;  // until something comes in or wake(); negative: without limit
   virtual void wake() = 0;                 // any thread; one that comes before wait() is not lost
 };

@@ -116,6 +116,7 @@ SdlWindow* SdlVideo::find(SDL_Event const& event)
 
 bool SdlVideo::handle(SDL_Event const& event, VideoSink& sink)
 {
+  reported_ = {};  // the application fetches its events
   if (event.type == wakeEvent_)
     return true;
   if (event.type == SDL_SYSWMEVENT) {

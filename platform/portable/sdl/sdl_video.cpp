@@ -127,7 +127,9 @@ Ptr<VideoWindow> SdlVideo::attach(HWND handle, uptr native, Rect& screen)
   if (!child)
     return nullptr;
   Point const at = child->origin();
-  auto window = std::make_unique<SdlWindow>(*this, handle, std::move(child), at);
+  SDL_Window* const inside = child->window();
+  auto window =
+      std::make_unique<SdlWindow>(*this, handle, inside, SdlWindow::Maker::library, at, std::move(child));
   Size const size = window->size();
   screen = {at.x, at.y, at.x + size.w, at.y + size.h};
   return window;
@@ -150,11 +152,15 @@ void SdlVideo::add(SdlWindow& window)
 {
   windows_.push_back(&window);
   applyClip(window);
+  if (window.child() && children_++ == 0)
+    systemEvents_ = SDL_EventState(SDL_SYSWMEVENT, SDL_ENABLE);
 }
 
 void SdlVideo::remove(SdlWindow& window)
 {
   std::erase(windows_, &window);
+  if (window.child() && --children_ == 0)
+    SDL_EventState(SDL_SYSWMEVENT, systemEvents_);
   if (windows_.empty() && inside_)
     leave();
 }
@@ -241,9 +247,9 @@ void SdlVideo::applyClip(SdlWindow& window)
     SDL_SetWindowMouseRect(w, on ? &rect : nullptr);
 }
 
-void SdlVideo::poll(VideoSink& sink, bool nested)
+void SdlVideo::poll(VideoSink& sink, bool alone)
 {
-  nested_ = nested;
+  alone_ = alone;
   for (SdlWindow* const window : windows_)
     if (!window->gone && !window->window()) {
       window->gone = true;
@@ -274,12 +280,12 @@ void SdlVideo::poll(VideoSink& sink, bool nested)
 int SdlVideo::take(void* video, SDL_Event* event)
 {
   SdlVideo& self = *static_cast<SdlVideo*>(video);
-  if (!self.takes(*event, self.find(*event)))
-    return ++self.left_ <= maxEventsOfOthers;
   // What it points to lives no longer than this call.
   if (event->type == SDL_SYSWMEVENT)
     self.systemEvent(*event, *self.sink_);
-  else
+  if (!self.takes(*event, self.find(*event)))
+    return ++self.left_ <= maxEventsOfOthers;
+  if (event->type != SDL_SYSWMEVENT)
     self.taken_.push_back(*event);
   return 0;
 }
@@ -287,20 +293,24 @@ int SdlVideo::take(void* video, SDL_Event* event)
 int SdlVideo::look(void* video, SDL_Event* event)
 {
   SdlVideo& self = *static_cast<SdlVideo*>(video);
-  if (self.takes(*event, self.find(*event)))
+  if (self.takes(*event, self.find(*event))) {
     self.seen_ = Queue::ours;
-  else if (self.seen_ == Queue::empty)
+  } else if (self.seen_ == Queue::empty) {
     self.seen_ = Queue::others;
+    self.oldest_ = {event->type, event->common.timestamp};
+  }
   return 1;
 }
 
 bool SdlVideo::takes(SDL_Event const& event, SdlWindow const* window) const
 {
-  if (event.type == wakeEvent_ || event.type == SDL_SYSWMEVENT)
+  if (event.type == wakeEvent_)
     return true;
+  if (event.type == SDL_SYSWMEVENT)
+    return !shared() || systemEvents_ != SDL_ENABLE;
   if (!window)
     return !shared();
-  return window->maker() == SdlWindow::Maker::library || nested_;
+  return window->maker() == SdlWindow::Maker::library || alone_;
 }
 
 SdlVideo::Queue SdlVideo::lookAtQueue()
@@ -323,8 +333,11 @@ void SdlVideo::wait(int milliseconds)
   for (;;) {
     SDL_PumpEvents();
     Queue const queue = lookAtQueue();
-    // The application's loop gets its turn, unless it stands still behind ours.
-    if (queue == Queue::ours || (queue == Queue::others && !nested_))
+    if (queue == Queue::ours)
+      return;
+    // The application's loop gets its turn, unless it stands still behind ours or has not fetched the event for which it
+    // got the last one.
+    if (queue == Queue::others && !alone_ && std::exchange(reported_, oldest_) != oldest_)
       return;
     int rest = -1;
     if (milliseconds >= 0) {
@@ -352,9 +365,10 @@ void SdlVideo::wake()
     awake_ = true;
   }
   woken_.notify_one();
+  // Past the filters that an application may have set.
   SDL_Event event{};
   event.type = wakeEvent_;
-  SDL_PushEvent(&event);
+  SDL_PeepEvents(&event, 1, SDL_ADDEVENT, SDL_FIRSTEVENT, SDL_LASTEVENT);
 }
 
 }  // namespace plat::portable

@@ -17,8 +17,8 @@ class SdlWindow;
 
 // SDL's event queue may be the application's too: when the application started SDL, or has windows of its own. Then
 // events of its windows stay in the queue. In a loop of the application only those of windows that the library made are
-// taken; the rest comes by handleSdlEvent. In a nested loop of the library (a menu, a message box) the application's
-// loop stands still, so what is meant for attached windows is taken as well.
+// taken; the rest comes by handleSdlEvent. In run() and in a nested loop of the library (a menu, a message box) the
+// application's loop stands still, so what is meant for attached windows is taken as well.
 class SdlVideo final : public Video {
 public:
   static Ptr<Video> make();  // null when there is no display
@@ -35,7 +35,7 @@ public:
   void cursor(CursorShape const*) override;
   void capture(VideoWindow*) override;
   void clip(Rect const* screen) override;
-  void poll(VideoSink&, bool nested) override;
+  void poll(VideoSink&, bool alone) override;
   void wait(int milliseconds) override;
   void wake() override;
 
@@ -79,7 +79,7 @@ private:
   bool const foreignSdl_;  // the application started SDL before us
   u32 const wakeEvent_;
   std::vector<SdlWindow*> windows_;
-  bool nested_ = false;
+  bool alone_ = false;
   Size screen_;
 
   // While the queue is looked through.
@@ -87,6 +87,15 @@ private:
   std::vector<SDL_Event> taken_;
   Queue seen_ = Queue::empty;
   std::size_t left_ = 0;  // events of others
+  struct Mark {
+    u32 type = 0, timestamp = 0;
+    bool operator==(Mark const&) const = default;
+  };
+  Mark oldest_;    // of the events of others
+  Mark reported_;  // for which the last wait ended
+
+  u8 systemEvents_ = 0;  // what the application had chosen for them
+  int children_ = 0;
 
   unsigned buttons_ = 0;
   float wheelRest_ = 0;  // of fine turns, below one unit

@@ -47,16 +47,11 @@ void convertRect(PelBlock const& to, PelBlock const& from, Rect const& r)
 
 }  // namespace
 
-SdlWindow::SdlWindow(SdlVideo& video, HWND handle, SDL_Window* window, Maker maker, Point origin)
-    : video_(video), handle_(handle), id_(SDL_GetWindowID(window)), maker_(maker), origin_(origin)
+SdlWindow::SdlWindow(SdlVideo& video, HWND handle, SDL_Window* window, Maker maker, Point origin, Ptr<X11Child> child)
+    : video_(video), handle_(handle), id_(SDL_GetWindowID(window)), maker_(maker), origin_(origin),
+      child_(std::move(child))
 {
   video_.add(*this);
-}
-
-SdlWindow::SdlWindow(SdlVideo& video, HWND handle, Ptr<X11Child> child, Point origin)
-    : SdlWindow(video, handle, child->window(), Maker::library, origin)
-{
-  child_ = std::move(child);
 }
 
 SdlWindow::~SdlWindow()
@@ -92,9 +87,11 @@ void SdlWindow::show(bool visible, bool activate)
     return;
   if (!visible)
     return SDL_HideWindow(w);
+  char const* const set = SDL_GetHint(SDL_HINT_WINDOW_NO_ACTIVATION_WHEN_SHOWN);
+  std::string const former = set ? set : "";
   SDL_SetHint(SDL_HINT_WINDOW_NO_ACTIVATION_WHEN_SHOWN, activate ? "0" : "1");
   SDL_ShowWindow(w);
-  SDL_ResetHint(SDL_HINT_WINDOW_NO_ACTIVATION_WHEN_SHOWN);
+  SDL_SetHint(SDL_HINT_WINDOW_NO_ACTIVATION_WHEN_SHOWN, former.c_str());
 }
 
 void SdlWindow::minimize(bool on)

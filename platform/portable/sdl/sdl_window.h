@@ -20,8 +20,7 @@ class SdlWindow final : public VideoWindow {
 public:
   enum class Maker { library, application };
 
-  SdlWindow(SdlVideo&, HWND, SDL_Window*, Maker, Point origin);
-  SdlWindow(SdlVideo&, HWND, Ptr<X11Child>, Point origin);
+  SdlWindow(SdlVideo&, HWND, SDL_Window*, Maker, Point origin, Ptr<X11Child> = nullptr);
   ~SdlWindow() override;
 
   void show(bool visible, bool activate) override;
@@ -35,7 +34,7 @@ public:
   HWND handle() const { return handle_; }
   u32 id() const { return id_; }
   Maker maker() const { return maker_; }
-  X11Child* child() { return child_.get(); }
+  X11Child* child() const { return child_.get(); }
   SDL_Window* window() const;  // null once its maker has destroyed it
   Size size() const;
   Point origin() const { return origin_; }  // of the pels, on the screen as the core knows it

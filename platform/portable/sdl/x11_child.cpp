@@ -96,7 +96,6 @@ public:
     found_ = true;
     size_ = {attributes.width, attributes.height};
     formerMask_ = attributes.your_event_mask;
-    systemEvents_ = SDL_EventState(SDL_SYSWMEVENT, SDL_ENABLE);
     XSelectInput(display_, owner_, formerMask_ | StructureNotifyMask);
     XSetWindowAttributes wanted;
     wanted.event_mask = childEvents;
@@ -123,7 +122,6 @@ public:
         XSelectInput(display_, owner_, formerMask_);
       }
       XSync(display_, False);
-      SDL_EventState(SDL_SYSWMEVENT, systemEvents_);
       ErrorShield::instance().remove(child_);
     }
     ErrorShield::instance().remove(owner_);
@@ -167,7 +165,6 @@ private:
   SDL_Window* window_ = nullptr;
   Size size_;
   long formerMask_ = 0;  // what SDL itself wants to hear of the owner, if that is a window of SDL's
-  Uint8 systemEvents_ = SDL_IGNORE;
   bool found_ = false;
   bool gone_ = false;
 };

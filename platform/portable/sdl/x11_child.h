@@ -17,7 +17,7 @@ public:
   virtual ~X11Child() = default;  // destroys the child; the owner stays
 
   virtual SDL_Window* window() = 0;
-  virtual News look(SDL_Event const& system) = 0;  // at an SDL_SYSWMEVENT
+  virtual News look(SDL_Event const& system) = 0;  // at an SDL_SYSWMEVENT; these must be enabled
   virtual Point origin() = 0;                      // on the screen
 };
 

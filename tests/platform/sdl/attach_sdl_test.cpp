@@ -2,10 +2,13 @@
 #include "platform/sdl.h"
 #include "tests/platform/sdl/sdl_fixture.h"
 
+#include <algorithm>
 #include <chrono>
+#include <thread>
 
 #include <SDL.h>
 #include <SDL_syswm.h>
+#include <sys/resource.h>
 
 using namespace plat;
 using xserver::tool;
@@ -166,6 +169,59 @@ TEST_F(AttachSdl, pumpReturnsForTheApplicationsEvents)
 
   pump(20000);
 
+  EXPECT_LT(steady_clock::now() - start, seconds(10));
+}
+
+TEST_F(AttachSdl, eventsThatTheApplicationDoesNotFetchKeepNoProcessorBusy)
+{
+  SDL_Event mine = keyDown(other, SDLK_a);
+  SDL_PushEvent(&mine);
+  pump(20000);
+  rusage before, after;
+  getrusage(RUSAGE_SELF, &before);
+
+  for (int i = 0; i < 10; ++i)
+    pump(100);
+
+  getrusage(RUSAGE_SELF, &after);
+  auto const us = [](rusage const& r) {
+    return (r.ru_utime.tv_sec + r.ru_stime.tv_sec) * 1000000 + r.ru_utime.tv_usec + r.ru_stime.tv_usec;
+  };
+  EXPECT_LT(us(after) - us(before), 50000);
+  EXPECT_EQ(waiting(SDL_KEYDOWN), 1);
+}
+
+TEST_F(AttachSdl, runTakesWhatIsForAttachedWindows)
+{
+  recorder.hook = [](Message const& m, LResult&) {
+    if (m.number == 256)
+      quit(7);
+    return false;
+  };
+  SDL_Event mine = keyDown(other, SDLK_a), yours = keyDown(theirs, SDLK_b);
+  SDL_PushEvent(&mine);
+  SDL_PushEvent(&yours);
+
+  EXPECT_EQ(run(), 7);
+
+  ASSERT_EQ(recorder.of(256).size(), 1u);
+  EXPECT_EQ(recorder.of(256)[0].wParam, 0x42u);
+  EXPECT_EQ(waiting(SDL_KEYDOWN), 1);
+}
+
+TEST_F(AttachSdl, filtersOfTheApplicationDoNotKeepTheLoopAsleep)
+{
+  using namespace std::chrono;
+  SDL_SetEventFilter([](void*, SDL_Event*) { return 0; }, nullptr);
+  auto const start = steady_clock::now();
+  bool called = false;
+  std::thread poster([&] { windows().post(window, [&] { called = true; }); });
+  while (!called && steady_clock::now() < start + seconds(10))
+    pump(20000);
+  poster.join();
+  SDL_SetEventFilter(nullptr, nullptr);
+
+  EXPECT_TRUE(called);
   EXPECT_LT(steady_clock::now() - start, seconds(10));
 }
 
