@@ -13,7 +13,7 @@ namespace {
 
 TEST(DisplayThreads, imagesFromSeveralThreadsWhileEventsAreProcessed)
 {
-  constexpr int kProducers = 3, kRounds = 60;
+  constexpr int kProducers = 3, kRounds = 20;
   TestDisplay test(60, 50, {.overlay = true});
   test.scope().keepLog(false);
   test.overlayScope().keepLog(false);
