@@ -2,6 +2,8 @@
 
 #include "geometry/bezier.h"
 
+#include <optional>
+
 namespace {
 
 constexpr double kFullTurn = 2 * cfPi;
@@ -89,69 +91,54 @@ struct cs_Side {
   double curvature;
 };
 
-// Offsets from the vertex at signed distance d from both sides. A point p lies at signed distance d from the circle (or line)
-// through the vertex with tangent t, left normal n and curvature k where k (p.p - d d) / 2 = n.p - d. With Q = (p.p - d d) / 2
-// both conditions are linear in p, so p = A + B Q, and Q solves a quadratic equation.
-class cc_CenterFinder {
-public:
-  cc_CenterFinder(cs_Side const& in, cs_Side const& out, double cross, double d, double trim)
-      : in_(in), out_(out), d_(d)
-  {
-    ccVector<2> const lines = in.normal * d - in.along * trim;  // the centre if both were lines
-    if (in.curvature == 0 && out.curvature == 0) {
-      centers_[number_++] = lines;
-      return;
-    }
-    ccVector<2> const bend = (out.along * in.curvature - in.along * out.curvature) / cross;
-    double const a = bend.dot(bend), b = lines.dot(bend) - 1, c = trim * trim;
-    double const discriminant = b * b - a * c;
-    // Q is never negative: no point is farther from a curve than from one of its points.
-    if (!(b < 0) || !(discriminant >= -kDoubleRoot * b * b))
-      return;
-    double const q = -b + std::sqrt(std::max(discriminant, 0.0));
-    add_(lines + bend * (c / q));
-    if (a > 0)
-      add_(lines + bend * (q / a));
-  }
+// How far p, seen from the vertex, is from the signed distance d to the circle or line of a side, in a form without division: a
+// point at that distance of a curve through the vertex with left normal n and curvature k has n.p - d = k (p.p - d d) / 2.
+double cf_excess(cs_Side const& s, double d, ccVector<2> const& p)
+{
+  return s.normal.dot(p) - d - s.curvature * (p.dot(p) - d * d) / 2;
+}
 
-  int number() const { return number_; }
-  ccVector<2> const& center(int i) const { return centers_[i]; }
+// A step of Newton's method towards signed distance d from both sides.
+void cf_improve(ccVector<2>& p, cs_Side const& in, cs_Side const& out, double d)
+{
+  ccVector<2> const g1 = in.normal - p * in.curvature, g2 = out.normal - p * out.curvature;
+  double const f1 = cf_excess(in, d, p), f2 = cf_excess(out, d, p), det = cf_cross(g1, g2);
+  if (!(std::abs(det) > 1e-6 * g1.len() * g2.len()))
+    return;  // almost a double root: a step would leave it
+  ccVector<2> const better = p + ccVector<2>(f2 * g1.y() - f1 * g2.y(), f1 * g2.x() - f2 * g1.x()) / det;
+  if (cf_isFinite(better))
+    p = better;
+}
 
-private:
-  void add_(ccVector<2> const& p)
-  {
-    if (!cf_isFinite(p))
-      return;
-    centers_[number_] = p;
-    // Where the sides almost coincide A and B Q are large and cancel each other; two steps of Newton's method restore the
-    // lost digits.
-    for (int step = 0; step < 2; ++step)
-      improve_(centers_[number_]);
-    ++number_;
-  }
-
-  double excess_(cs_Side const& s, ccVector<2> const& p) const
-  {
-    return s.normal.dot(p) - d_ - s.curvature * (p.dot(p) - d_ * d_) / 2;
-  }
-
-  void improve_(ccVector<2>& p) const
-  {
-    ccVector<2> const g1 = in_.normal - p * in_.curvature, g2 = out_.normal - p * out_.curvature;
-    double const f1 = excess_(in_, p), f2 = excess_(out_, p), det = cf_cross(g1, g2);
-    if (!(std::abs(det) > 1e-6 * g1.len() * g2.len()))
-      return;  // almost a double root: a step would leave it
-    ccVector<2> const better = p + ccVector<2>(f2 * g1.y() - f1 * g2.y(), f1 * g2.x() - f2 * g1.x()) / det;
-    if (cf_isFinite(better))
-      p = better;
-  }
-
-  cs_Side const& in_;
-  cs_Side const& out_;
-  double d_;
-  ccVector<2> centers_[2];
-  int number_ = 0;
-};
+// The place at signed distance d from both sides, seen from the vertex. sine and cosine are those of the turn there.
+//
+// With Q = (p.p - d d) / 2 the place is d + k1 Q along the left normal of the incoming side and x along its direction, where
+// sine x = (k1 cosine - k2) Q - d (1 - cosine) and x x = 2 Q (1 - d k1) - k1 k1 Q Q. So Q solves a quadratic equation; nothing
+// is divided by the sine, which may be small. Of its two solutions the nearer one moves out of the vertex as d grows from 0; the
+// other one comes from where the curves meet again, and trims more.
+std::optional<ccVector<2>> cf_center(cs_Side const& in, cs_Side const& out, double sine, double cosine, double d)
+{
+  double const bent = cosine >= 0 ? sine * sine / (1 + cosine) : 1 - cosine;
+  if (in.curvature == 0 && out.curvature == 0)
+    return in.normal * d - in.along * (std::abs(d) * bent / std::abs(sine));
+  double const k = in.curvature, difference = k * cosine - out.curvature, room = 1 - d * k;
+  double const half = sine * sine * room + d * bent * difference;
+  double const rest = sine * sine * room * room + 2 * room * d * bent * difference - k * k * d * d * bent * bent;
+  // Q is never negative, since no point is farther from a curve than from one of its points. This also rules out a circle that
+  // would enclose the circle of an arc.
+  if (!(half > 0) || !(sine * sine * rest >= -kDoubleRoot * half * half))
+    return std::nullopt;
+  double const q = d * bent * (d * bent) / (half + std::abs(sine) * std::sqrt(std::max(rest, 0.0)));
+  double const x = std::sqrt(std::max(q * (2 * room - k * k * q), 0.0));
+  bool const isBehind = (difference * q < d * bent) == (sine > 0);
+  ccVector<2> p = in.normal * (d + k * q) + in.along * (isBehind ? -x : x);
+  if (!cf_isFinite(p))
+    return std::nullopt;
+  // Above all x has lost digits, where a root was taken of a difference.
+  for (int step = 0; step < 2; ++step)
+    cf_improve(p, in, out, d);
+  return p;
+}
 
 }  // namespace
 
@@ -251,35 +238,21 @@ void cs_PolySegment::outline(ccOutlineSink& sink) const
 
 cs_PolyRounding cf_roundCorner(cs_PolySegment const& in, cs_PolySegment const& out, double radius)
 {
-  cs_PolyRounding best;
+  cs_PolyRounding result;
   if (!(radius > 0) || in.isPoint() || out.isPoint())
-    return best;
+    return result;
   cs_Side const before(in, false), after(out, true);
   double const cross = cf_cross(before.along, after.along), dot = before.along.dot(after.along);
   if (!(std::abs(cross) > kStraight))
-    return best;
-  double const side = cross > 0 ? 1 : -1, d = side * radius;
-  if (!(before.curvature * d < 1) || !(after.curvature * d < 1))
-    return best;  // larger than the circle inside which it would lie
-  double const trim = dot >= 0 ? radius * std::abs(cross) / (1 + dot) : radius * (1 - dot) / std::abs(cross);
-  cc_CenterFinder const finder(before, after, cross, d, trim);
-  for (int i = 0; i < finder.number(); ++i) {
-    double trimIn = 0, trimOut = 0;
-    if (!before.foot(finder.center(i), trimIn) || !after.foot(finder.center(i), trimOut))
-      continue;
-    if (best.fits && trimIn + trimOut >= best.trimIn + best.trimOut)
-      continue;
-    best.fits = true;
-    best.center = in.b + finder.center(i);
-    best.trimIn = trimIn;
-    best.trimOut = trimOut;
-  }
-  if (!best.fits)
-    return best;
-  double const turn = std::atan2(cross, dot) + best.trimIn * in.span.value() + best.trimOut * out.span.value();
-  double swept = ccRadian::norm(ccRadian(side * turn)).value();
-  if (swept > kFullTurn - kAngleSlack)
-    swept = 0;
-  best.arc = {in.pointAt(1 - best.trimIn), out.pointAt(best.trimOut), ccRadian(side * swept)};
-  return best;
+    return result;
+  double const side = cross > 0 ? 1 : -1;
+  std::optional<ccVector<2>> const center = cf_center(before, after, cross, dot, side * radius);
+  if (!center || !before.foot(*center, result.trimIn) || !after.foot(*center, result.trimOut))
+    return cs_PolyRounding();
+  result.fits = true;
+  result.center = in.b + *center;
+  double const turn = std::atan2(cross, dot) + result.trimIn * in.span.value() + result.trimOut * out.span.value();
+  double const swept = ccRadian::norm(ccRadian(side * turn)).value();
+  result.arc = {in.pointAt(1 - result.trimIn), out.pointAt(result.trimOut), ccRadian(side * swept)};
+  return result;
 }

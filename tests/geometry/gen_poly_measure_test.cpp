@@ -292,6 +292,8 @@ TEST(GenPolyRounding, theClosingSegmentIsSharedToo)
   EXPECT_FALSE(poly.isValid());
   EXPECT_TRUE(poly.rounding(0).fits);
   EXPECT_FALSE(poly.rounding(3).fits);
+  EXPECT_EQ(poly.distToPoint(V(0, 10)), 0);
+  EXPECT_GT(poly.distToPoint(V(0, 0)), 2);
 }
 
 TEST(GenPolyRounding, ofRoundingsThatOverlapTheFirstIsMeasured)
@@ -432,6 +434,26 @@ TEST(GenPolyRounding, isTheOneThatTrimsLeast)
   EXPECT_GT(several, 2);
 }
 
+TEST(GenPolyRounding, keepsItsDigitsWhereTheSidesAlmostCoincide)
+{
+  // Along +x, then back along a circle of radius 5 above that starts at an angle to the line. The rounding circle lies on the
+  // line and touches the other one from outside.
+  for (double const angle : {1e-2, 1e-5, 1e-8, 1e-11}) {
+    SCOPED_TRACE(angle);
+    double const radius = 5, r = 0.5;
+    V const center(radius * std::sin(angle), radius * std::cos(angle));
+    double const x = center.x() - std::sqrt((radius + r + center.y() - r) * (radius + r - center.y() + r));
+    // A quarter of the circle, to the right of travel all the way.
+    V const start = -center, end(start.y(), -start.x());
+    cs_PolySegment const in{V(-10, 0), V(0, 0), ccRadian(0)}, out{V(0, 0), center + end, deg(-90)};
+
+    cs_PolyRounding const rounding = cf_roundCorner(in, out, r);
+
+    ASSERT_TRUE(rounding.fits);
+    expectNear(rounding.center, V(x, r), 1e-11);
+  }
+}
+
 TEST(GenPolyRounding, touchesBothSegmentsAndRunsOnSmoothly)
 {
   Random random(5);
@@ -475,8 +497,18 @@ TEST(GenPolyRounding, theOneOfASegmentAgreesWithTheWholeOutline)
   int refused = 0;
   for (int i = 0; i < rounds(500); ++i) {
     cc2Wireframe wire = randomWire(random, PolyKind());
+    double size = 300;
+    if (random.chance(2)) {
+      // A regular polygon with sides of length 2, whose roundings overlap from sums of 2 / tan(180 degrees / n) on.
+      std::vector<V> corners;
+      int const n = 3 + random.below(8);
+      for (int k = 0; k < n; ++k)
+        corners.push_back(V::polar(1 / std::sin(cfPi / n), deg(360.0 * k / n)));
+      wire = chain(corners, true);
+      size = 2 / std::tan(cfPi / n);
+    }
     for (long k = 0; k < wire.numVertices(); ++k)
-      wire.vertexRoundingSize(k, random.chance(4) ? 0 : random.magnitude(0.01, 300));
+      wire.vertexRoundingSize(k, random.chance(4) ? 0 : size * random.magnitude(0.2, 1));
     long expected = 0;
     for (long k = 0; k < wire.numVertices(); ++k) {
       expected += wire.rounding(k).fits;

@@ -259,6 +259,8 @@ TEST(PolyEdit, dominantAngleOfADiagonalIsPlusFortyFiveDegrees)
 {
   for (V const& d : {V(1, 1), V(-1, 1), V(1, -1), V(-3, -3)})
     EXPECT_NEAR(ccDegree(Edit::dominantAngle(polyOf({V(0, 0), d}, false))).value(), 45, 1e-12);
+  // A last step too short to count, which makes the sum of the fourth powers just negative in y.
+  EXPECT_NEAR(ccDegree(Edit::dominantAngle(polyOf({V(-1, -1), V(0, 0), V(1e-17, 2e-17)}, false))).value(), 45, 1e-12);
 }
 
 TEST(PolyEdit, dominantAngleIsZeroWhereNoneStandsOut)
