@@ -4,9 +4,10 @@
 #include "platform/portable/region.h"
 #include "platform/portable/sdl/sdl_video.h"
 
-#include <SDL.h>
-
 #include <algorithm>
+#include <utility>
+
+#include <SDL.h>
 
 namespace plat::portable {
 namespace {

@@ -349,11 +349,11 @@ TEST_F(OnScreen, theCursorIsTheResourcePicture)
 
   CursorPicture const* const wanted = platform().resources.cursor(601);
   ASSERT_NE(wanted, nullptr);
-  XFixesCursorImage* image = nullptr;
+  std::unique_ptr<XFixesCursorImage, int (*)(void*)> image(nullptr, &XFree);
   int const width = static_cast<int>(wanted->picture.front().size());
   int const height = static_cast<int>(wanted->picture.size());
   ASSERT_TRUE(comes([&] {
-    image = XFixesGetCursorImage(xserver::connection());
+    image.reset(XFixesGetCursorImage(xserver::connection()));
     return image && image->xhot == wanted->hotSpot.x && image->yhot == wanted->hotSpot.y && image->width == width &&
            image->height == height;
   }));
