@@ -37,7 +37,10 @@ void ccEllipseAnnulusSection::stop(ccRadian a) { stop_ = cf_finite(a, "stop of a
 ccRadian ccEllipseAnnulusSection::span() const
 {
   ccRadian const s = ccRadian::norm(stop_ - start_);
-  return s.value() > 2 * cfPi - kEmptySpan ? ccRadian(0) : s;
+  // Angles of many turns have fewer digits.
+  double const slack = kEmptySpan + 2 * std::numeric_limits<double>::epsilon() *
+                                        std::max(std::abs(start_.value()), std::abs(stop_.value()));
+  return s.value() > 2 * cfPi - slack ? ccRadian(0) : s;
 }
 
 ccPoint ccEllipseAnnulusSection::middle() const
@@ -147,5 +150,7 @@ std::optional<ccEllipseAnnulusSection> cfSectionWarp(ccEllipseAnnulusSection con
     stop = stop + ccRadian(cfPi);
     reversed = !reversed;
   }
+  if (!cf_isFinite(center) || !cf_isFinite(start) || !cf_isFinite(stop))
+    return std::nullopt;
   return ccEllipseAnnulusSection(center, inner, outer, start, stop, reversed, !reversed, true);
 }

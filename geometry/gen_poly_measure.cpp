@@ -150,7 +150,7 @@ bool ccGenPoly::isValid() const
 double ccGenPoly::distanceToPoint(ccVector<2> const& p) const
 {
   if (numVertices() < 2)
-    return vertices_.empty() ? cfInfinity : p.distance(vertices_[0].point);
+    return vertices_.empty() ? cfInfinity : cf_distance(p.distance(vertices_[0].point));
   double best = cfInfinity;
   forEachPiece_([&](cs_PolySegment const& s) {
     // An arc of at most half a turn lies within the circle over its chord.
@@ -168,6 +168,7 @@ ccRect ccGenPoly::encloseRect() const { return encloseRect(ccXform<2>::I); }
 
 ccRect ccGenPoly::encloseRect(ccXform<2> const& x) const
 {
+  cf_finite(x, "map of a polygon");
   cs_Bounds bounds;
   if (numVertices() == 1)
     bounds.add(x.mapPoint(vertices_[0].point));
@@ -214,6 +215,7 @@ bool ccGenPoly::keepsClass_(ccXform<2> const& x) const
 
 void ccGenPoly::mapInPlace_(ccXform<2> const& x)
 {
+  cf_finite(x, "map of a polygon");
   cf_require(keepsClass_(x), "map of a polygon with arcs that makes them elliptic");
   double scale = 1;
   ccRadian rot;
@@ -230,6 +232,8 @@ void ccGenPoly::mapInPlace_(ccXform<2> const& x)
 void ccGenPoly::mapInPlace_(cc2Rigid const& rigid, double scale)
 {
   cf_finite(scale, "scale of a polygon");
+  cf_finite(rigid.trans(), "map of a polygon");
+  cf_finite(ccRadian(rigid.angle()), "map of a polygon");
   for (ccSMDGDPolyVertex& v : vertices_) {
     v.point = rigid.mapPoint(v.point * scale);
     v.roundingSize *= std::abs(scale);

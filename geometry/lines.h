@@ -40,7 +40,7 @@ public:
   friend bool operator==(ccLineSeg const& a, ccLineSeg const& b) { return a.p1_ == b.p1_ && a.p2_ == b.p2_; }
 
   double distToPoint(ccVector<2> const& p) const { return distanceToPoint(p); }
-  double distanceToPoint(ccVector<2> const& p) const override { return closestPoint(p).distance(p); }
+  double distanceToPoint(ccVector<2> const&) const override;
   ccRect encloseRect() const override;
   void outline(ccOutlineSink&) const override;
 

@@ -162,7 +162,7 @@ ccRadian ccSMDGDPolyPrivate::dominantAngle(ccSMDGDPoly const& poly)
     y += length * 2 * x2 * y2;
     total += length;
   }
-  if (std::hypot(x, y) <= kNoDominance * total)
+  if (!(std::hypot(x, y) > kNoDominance * total))
     return ccRadian(0);
   double const angle = std::atan2(y, x) / 4;
   return ccRadian(angle <= -cfPi / 4 ? cfPi / 4 : angle);
