@@ -180,7 +180,8 @@ void cloneIsEqual(Family const& family, int n)
     ccPtrHandle<ccShape> const copy = shape.clone();
     Sampler const s(shape, 4), same(*copy, 4);
     EXPECT_NE(copy.get(), &shape);
-    EXPECT_EQ(typeid(*copy), typeid(shape));
+    ccShape const& copied = *copy;
+    EXPECT_EQ(typeid(copied), typeid(shape));
     EXPECT_EQ(s.points, same.points);
     V const p = around(random, s);
     EXPECT_EQ(copy->distanceToPoint(p), shape.distanceToPoint(p));
