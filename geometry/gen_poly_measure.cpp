@@ -79,6 +79,20 @@ cs_PolyRounding ccGenPoly::rounding(long i) const
   return isRounded ? own : cs_PolyRounding();
 }
 
+std::vector<cs_PolyRounding> ccGenPoly::roundings() const
+{
+  std::vector<cs_PolyRounding> all;
+  all.reserve(vertices_.size());
+  long const last = numVertices() - 1;
+  for (long i = 0; i <= last; ++i) {
+    cs_PolyRounding own = corner_(i);
+    if (i > 0 && (cf_overlap(all.back(), own) || (i == last && cf_overlap(own, all.front()))))
+      own = cs_PolyRounding();
+    all.push_back(own);
+  }
+  return all;
+}
+
 // Calls piece for each segment between its roundings and for each rounding that fits, in order of travel: from the end of the
 // rounding of vertex 0 to there again, or from end to end. There are two vertices or more.
 template <class Piece> void ccGenPoly::forEachPiece_(Piece const& piece) const

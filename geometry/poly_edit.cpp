@@ -193,10 +193,11 @@ void ccSMDGDPolyPrivate::snapRectilinear(ccSMDGDPoly& poly)
 
   ccSMDGDPoly snapped = poly;
   cf_store(snapped, vertices, !poly.isOpen());
-  long const count = poly.numVertices();
-  for (long i = poly.isOpen() ? 1 : 0; i < (poly.isOpen() ? count - 1 : count); ++i)
-    if (!snapped.wireframe().rounding(i).fits)
-      vertices[static_cast<std::size_t>(i)].roundingSize = 0;
+  std::vector<cs_PolyRounding> const roundings = snapped.wireframe().roundings();
+  std::size_t const ends = poly.isOpen() ? 1 : 0;
+  for (std::size_t i = ends; i + ends < vertices.size(); ++i)
+    if (!roundings[i].fits)
+      vertices[i].roundingSize = 0;
   cf_store(poly, std::move(vertices), !poly.isOpen());
 }
 

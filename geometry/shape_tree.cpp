@@ -10,6 +10,19 @@ bool cf_hasPoints(ccShape const& shape, ccRect const& box)
   return !box.isNull() || shape.distanceToPoint(ccVector<2>()) < cfInfinity;
 }
 
+constexpr int kMaxLevels = 1000;  // each takes a part of the stack
+
+// Whether the shape can hang levels below the top without holding the top itself.
+bool cf_canHang(ccShape const& shape, ccShape const& top, int levels)
+{
+  auto const* tree = dynamic_cast<ccShapeTree const*>(&shape);
+  if (!tree)
+    return true;
+  return tree != &top && levels < kMaxLevels &&
+         std::all_of(tree->shapes().begin(), tree->shapes().end(),
+                     [&](auto const& child) { return cf_canHang(*child, top, levels + 1); });
+}
+
 }  // namespace
 
 ccShapeTree::ccShapeTree(std::vector<ccPtrHandle_const<ccShape>> shapes)
@@ -23,6 +36,7 @@ void ccShapeTree::addShape(ccPtrHandle_const<ccShape> const& shape)
 {
   if (!shape)
     cf_throwBadPointer();
+  cf_require(cf_canHang(*shape, *this, 1), "tree that holds itself or is too deep");
   shapes_.push_back(shape);
 }
 

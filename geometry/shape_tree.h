@@ -10,7 +10,8 @@ public:
   ccShapeTree() = default;
   explicit ccShapeTree(std::vector<ccPtrHandle_const<ccShape>> shapes);  // a null handle throws ccBadPointer
 
-  void addShape(ccPtrHandle_const<ccShape> const&);  // null: ccBadPointer
+  // null: ccBadPointer. A tree that holds this one, or of more than 1000 levels: ccShapesError::BadParams.
+  void addShape(ccPtrHandle_const<ccShape> const&);
   std::vector<ccPtrHandle_const<ccShape>> const& shapes() const { return shapes_; }
   long size() const { return static_cast<long>(shapes_.size()); }
 
