@@ -85,3 +85,11 @@ void ccGenAnnulus::outline(ccOutlineSink& sink) const
 
 ccPtrHandle<ccShape> ccGenAnnulus::clone_() const { return new ccGenAnnulus(*this); }
 ccPtrHandle_const<ccShape> ccGenAnnulus::map_(ccXform<2> const& x) const { return new ccGenAnnulus(map(x)); }
+
+bool cfIsNested(ccGenRect const& inner, ccGenRect const& outer)
+{
+  constexpr double room = 2;  // client units
+  ccVector<2> const one(1, 1), in = inner.fromUnit(one - inner.rounding()), out = outer.fromUnit(one - outer.rounding());
+  return inner.hx() <= outer.hx() - room && inner.hy() <= outer.hy() - room && std::abs(in.x()) <= std::abs(out.x()) &&
+         std::abs(in.y()) <= std::abs(out.y());
+}

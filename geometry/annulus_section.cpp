@@ -154,3 +154,20 @@ std::optional<ccEllipseAnnulusSection> cfSectionWarp(ccEllipseAnnulusSection con
     return std::nullopt;
   return ccEllipseAnnulusSection(center, inner, outer, start, stop, reversed, !reversed, true);
 }
+
+ccEllipseAnnulusSection cfSectionTurn(ccEllipseAnnulusSection const& s, ccRadian by)
+{
+  ccPoint const m = s.middle();
+  return s.map(ccXform<2>(1, 1, m) * ccXform<2>(ccMatrix<2>(by, 1), ccVector<2>()) * ccXform<2>(1, 1, -m));
+}
+
+std::optional<ccEllipseAnnulusSection> cfSectionSize(ccEllipseAnnulusSection const& s, bool first, double factor)
+{
+  ccEllipse e = first ? s.first() : s.second();
+  ccVector<2> const radii = e.radii() * factor;
+  if (!(factor >= 0) || !cf_isFinite(radii))
+    return std::nullopt;
+  e.radii(radii);
+  return ccEllipseAnnulusSection(first ? e : s.first(), first ? s.second() : e, s.start(), s.stop(), s.reversed(),
+                                 s.forward(), s.ends());
+}

@@ -247,7 +247,7 @@ std::optional<ccGenRect> cfGenRectSize(ccGenRect const& r, ccVector<2> const& un
   double const c = std::cos(r.orient().value()), s = std::sin(r.orient().value());
   double hx = std::abs(d.y() * s + d.x() * c), hy = std::abs(d.y() * c - d.x() * s);
   if (keepAspect && r.hx() != 0)
-    hy = hx * r.hy() / r.hx();
+    hy = hx * (r.hy() / r.hx());  // so that a circle stays one to the last bit
   if (std::abs(unit.x()) != 1)
     hx = r.hx();
   if (std::abs(unit.y()) != 1)

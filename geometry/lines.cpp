@@ -65,3 +65,10 @@ void ccLineSeg::outline(ccOutlineSink& sink) const
 
 ccPtrHandle<ccShape> ccLineSeg::clone_() const { return new ccLineSeg(*this); }
 ccPtrHandle_const<ccShape> ccLineSeg::map_(ccXform<2> const& x) const { return new ccLineSeg(map(x)); }
+
+ccPoint cfLineSegEnd(ccLineSeg const& s, int end) { return end == 1 ? s.p1() : end == 2 ? s.p2() : s.midPoint(); }
+
+ccLineSeg cfMoveLineSegEnd(ccLineSeg const& s, int end, ccPoint const& to)
+{
+  return end == 1 ? ccLineSeg(to, s.p2()) : end == 2 ? ccLineSeg(s.p1(), to) : s;
+}

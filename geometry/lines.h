@@ -51,3 +51,7 @@ protected:
 private:
   ccPoint p1_, p2_;
 };
+
+// The ends of a segment by number, 1 or 2; another number gives the middle, and moves nothing.
+ccPoint cfLineSegEnd(ccLineSeg const&, int end);
+ccLineSeg cfMoveLineSegEnd(ccLineSeg const&, int end, ccPoint const& to);

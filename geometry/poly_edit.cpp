@@ -310,3 +310,39 @@ std::optional<cc2Wireframe> cfClosePolygon(cc2Wireframe const& wire, long dragge
   closed.close(wire.segmentAngleSpan(0), wire.segmentLengthTol(0));
   return closed;
 }
+
+cc2Wireframe cfSplitSegment(cc2Wireframe const& wire, long segment, ccVector<2> const& at, ccDimTol const& tol)
+{
+  ccRadian const half = wire.segmentAngleSpan(segment) / 2;
+  cc2Wireframe split = wire;
+  split.insertVertex(wire.previousVertexIndex(segment), at, 0, half, tol);
+  split.segmentAngleSpan(segment + 1, half);
+  return split;
+}
+
+cc2Wireframe cfExtendPolygon(cc2Wireframe const& wire, bool atFirst, ccVector<2> const& to, bool closes,
+                             ccDimTol const& tol)
+{
+  cc2Wireframe extended = wire;
+  if (wire.numVertices() < 2)
+    return extended;
+  if (!wire.isOpen())
+    extended.open();
+  else if (closes)
+    extended.close(ccRadian(0), tol);
+  else
+    extended.insertVertex(atFirst ? -1 : wire.numVertices() - 1, to, 0, ccRadian(0), tol);
+  return extended;
+}
+
+cc2Wireframe cfCloseRectilinear(cc2Wireframe const& wire, ccDimTol const& tol)
+{
+  ccSMDGDPoly poly(wire, "poly");
+  ccSMDGDPolyPrivate::closeRectilinear(poly);
+  cc2Wireframe closed = poly.wireframe();
+  long const last = closed.numSegments() - 1;
+  closed.segmentLengthTol(last, tol);
+  if (wire.numVertices() % 2 == 1)
+    closed.segmentLengthTol(last - 1, tol);
+  return closed;
+}

@@ -1,6 +1,7 @@
 #include "geometry/shape_tree.h"
 
 #include "geometry/bounds.h"
+#include "geometry/gen_rect.h"
 
 namespace {
 
@@ -102,4 +103,18 @@ ccPtrHandle_const<ccShape> cfShapeMapShapePosition(ccShape const& shape, ccXform
   }
   ccPoint const center = shape.encloseRect().center();
   return shape.map(ccXform<2>(ccMatrix<2>(), x.mapPoint(center) - center));
+}
+
+ccXform<2> cfTurnPosition(ccXform<2> const& x, ccRadian by)
+{
+  ccMatrix<2> const& m = x.matrix();
+  return ccXform<2>(ccMatrix<2>::fromRotation(m.rotation() + by, m.shear(), m.aspect(), m.scale()), x.trans());
+}
+
+ccXform<2> cfSizePosition(ccXform<2> const& x, ccGenRect const& current, ccGenRect const& edited)
+{
+  ccMatrix<2> const& m = x.matrix();
+  ccXform<2> const a = current.xformTo(edited);
+  return ccXform<2>(ccMatrix<2>(m.xRot(), m.yRot(), m.xScale() * a.matrix().xScale(), m.yScale() * a.matrix().yScale()),
+                    a.trans());
 }
