@@ -89,9 +89,19 @@ private:
   template <class Body> void paintAll(Body&& body);
   // Calls body(part) for each rectangle that the clip leaves.
   template <class Body> void paint(Body&& body);
-  u32 pelValueOf(COLORREF, Part const&);
+  u32 pelValueOf(COLORREF color, Part const& part)
+  {
+    return part.block.depth >= 24 ? rgbOf(color) : packedPelOf(color, part);
+  }
+  u32 packedPelOf(COLORREF, Part const&);
   Rect clipBox() const;         // in device pels
-  void touch(Rect const&);      // device pels that were painted, before the clip
+  bool counts() const { return boundsOn_ || window_; }  // what is painted is kept account of
+  void touch(Rect const& painted)  // device pels, before the clip
+  {
+    if (counts())
+      account(painted);
+  }
+  void account(Rect const&);
 
   template <class Pel> class Plot;
   // Calls body(part, plot, pel) with a plot and a pel of the colour, of the block's pel type.

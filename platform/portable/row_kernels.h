@@ -1,0 +1,52 @@
+// Work on rows of 32-bit pels that gains from wide registers: chosen once for the processor at hand, with a plain form of
+// each beside it that does the same on any.
+#pragma once
+
+#include "platform/portable/pel_row.h"
+
+namespace plat::portable {
+
+// Rows of pels; pitches are in bytes, and no byte outside the pels named is touched.
+struct RowKernels {
+  // count pels, of which pel i is painted when bit i % 24 of the pattern is set.
+  void (*masked)(u32* to, std::size_t count, u32 pattern, u32 pel);
+  // rows rows down from one that begins at pels: in row i the pels from[i] up to but not to[i], as far as they lie in
+  // left up to but not right.
+  void (*spans)(u8* pels, std::ptrdiff_t pitch, i32 rows, i32 const* from, i32 const* to, i32 left, i32 right, u32 pel);
+  // rows rows of at most 16 pels, painted where a bit is set.
+  void (*bits)(u8* pels, std::ptrdiff_t pitch, i32 rows, u16 const* bits, u32 pel);
+  // rows rows of width pels, at most 16, moved towards a colour by coverage 0 to 255. Rows of the coverage are 16 bytes
+  // apart; all 16 may be read. Each channel becomes the rounded quotient (c a + v (255 - a)) / 255; pels of coverage 0
+  // stay as they are, others get a top byte of 0.
+  void (*blend)(u8* pels, std::ptrdiff_t pitch, i32 rows, i32 width, u8 const* coverage, u32 rgb);
+};
+
+RowKernels const& plainRowKernels();
+extern RowKernels const* chosenRowKernels;
+inline RowKernels const& rowKernels() { return *chosenRowKernels; }
+
+template <class Pel> inline void plainMaskedRow(Pel* to, std::size_t count, u32 pattern, Pel pel)
+{
+  for (std::size_t i = 0; i < count; i += 24)
+    for (std::size_t k = 0, end = count - i < 24 ? count - i : 24; k < end; ++k)
+      if (pattern >> k & 1u)
+        to[i + k] = pel;
+}
+
+template <class Pel> inline void maskedRow(Pel* to, std::size_t count, u32 pattern, Pel pel)
+{
+  if constexpr (sizeof(Pel) == 4)
+    rowKernels().masked(to, count, pattern, pel);
+  else
+    plainMaskedRow(to, count, pattern, pel);
+}
+
+// Red and blue share a word; v / 255 rounded is (v + 128 + (v + 128) / 256) / 256 for v up to 255 * 255.
+inline u32 blended(u32 old, u32 rgb, u32 a)
+{
+  u32 const redBlue = (rgb & 0xFF00FFu) * a + (old & 0xFF00FFu) * (255u - a) + 0x800080u;
+  u32 const green = (rgb >> 8 & 0xFFu) * a + (old >> 8 & 0xFFu) * (255u - a) + 0x80u;
+  return ((redBlue + (redBlue >> 8 & 0xFF00FFu)) >> 8 & 0xFF00FFu) | ((green + (green >> 8)) & 0xFF00u);
+}
+
+}  // namespace plat::portable
