@@ -218,7 +218,11 @@ void MemPainter::strokeWide(bool closed)
   if (!stroker_)
     stroker_ = std::make_unique<Stroker>();
   filler_.clear();
-  touch(stroker_->stroke(outline_, closed, {pen_.width * penScale(), pen_.style, pen_.join, pen_.cap}, filler_));
+  Stroker::Style const style{pen_.width * penScale(), pen_.style, pen_.join, pen_.cap};
+  Rect covered;
+  if (outline_.size() != 2 || !stroker_->strokeLine(outline_[0], outline_[1], style, filler_, covered))
+    covered = stroker_->stroke(outline_, closed, style, filler_);
+  touch(covered);
   fillSpans(pen_.color, FillRule::winding);
 }
 
@@ -228,11 +232,20 @@ void MemPainter::fillSpans(COLORREF color, FillRule rule)
     Rect const& c = part.clip;
     Point const shift = part.shift;
     PelBlock const& block = part.block;
-    filler_.fill(rule, {c.left - shift.x, c.top - shift.y, c.right - shift.x, c.bottom - shift.y},
-                 [&](i32 y, i32 x0, i32 x1) {
-                   fillRow(reinterpret_cast<decltype(pel)*>(pelAddress(block, x0 + shift.x, y + shift.y)),
-                           static_cast<std::size_t>(x1 - x0), pel);
-                 });
+    using Pel = decltype(pel);
+    Rect const clip{c.left - shift.x, c.top - shift.y, c.right - shift.x, c.bottom - shift.y};
+    if (filler_.tabulate(rule, clip)) {
+      if (filler_.rows() == 0)
+        return;
+      u8* const pels = pelAddress(block, shift.x, filler_.firstRow() + shift.y, sizeof(Pel));
+      for (int i = 0; i < filler_.spansPerRow(); ++i)
+        paintSpans(pels, block.pitch, filler_.rows(), filler_.from(i), filler_.to(i), pel);
+      return;
+    }
+    filler_.fill(rule, clip, [&](i32 y, i32 x0, i32 x1) {
+      fillRow(reinterpret_cast<Pel*>(pelAddress(block, x0 + shift.x, y + shift.y, sizeof(Pel))),
+              static_cast<std::size_t>(x1 - x0), pel);
+    });
   });
 }
 

@@ -22,12 +22,41 @@ namespace plat::portable {
 
 namespace {
 
-void spansPlain(u8* pels, std::ptrdiff_t pitch, i32 rows, i32 const* from, i32 const* to, i32 left, i32 right, u32 pel)
+void spansPlain(u8* pels, std::ptrdiff_t pitch, i32 rows, i32 const* from, i32 const* to, u32 pel)
 {
-  for (i32 i = 0; i < rows; ++i, pels += pitch) {
-    i32 const x0 = std::max(from[i], left), x1 = std::min(to[i], right);
-    if (x0 < x1)
-      fillRow(reinterpret_cast<u32*>(pels) + x0, static_cast<std::size_t>(x1 - x0), pel);
+  for (i32 i = 0; i < rows; ++i, pels += pitch)
+    if (from[i] < to[i])
+      fillRow(reinterpret_cast<u32*>(pels) + from[i], static_cast<std::size_t>(to[i] - from[i]), pel);
+}
+
+// Sums wrap around in what lies beyond a ramp's end.
+void rampsPlain(Ramp const* ramps, std::size_t count, int tagBits)
+{
+  for (Ramp const* ramp = ramps; ramp != ramps + count; ++ramp) {
+    std::uint64_t at = static_cast<std::uint64_t>(ramp->start);
+    for (i32 i = 0; i < ramp->count; ++i) {
+      ramp->to[i] = (static_cast<i32>(static_cast<std::int64_t>(at) >> rampBits) << tagBits) + ramp->tag;
+      at += static_cast<std::uint64_t>(ramp->grow);
+    }
+  }
+}
+
+void sortAcrossPlain(i32* columns, std::size_t stride, int count, i32 rows, i32 low, i32 high)
+{
+  auto const column = [=](int k) { return columns + static_cast<std::size_t>(k) * stride; };
+  for (int last = count - 1; last > 0; --last)
+    for (int k = 0; k < last; ++k) {
+      i32 *const a = column(k), *const b = column(k + 1);
+      for (i32 i = 0; i < rows; ++i) {
+        i32 const less = std::min(a[i], b[i]), more = std::max(a[i], b[i]);
+        a[i] = less;
+        b[i] = more;
+      }
+    }
+  for (int k = 0; k < count; ++k) {
+    i32* const a = column(k);
+    for (i32 i = 0; i < rows; ++i)
+      a[i] = std::min(std::max(a[i], low), high);
   }
 }
 
@@ -48,11 +77,11 @@ void blendPlain(u8* pels, std::ptrdiff_t pitch, i32 rows, i32 width, u8 const* c
       }
 }
 
-constexpr RowKernels plain{plainMaskedRow<u32>, spansPlain, bitsPlain, blendPlain};
+constexpr RowKernels plain{plainMaskedRow<u32>, spansPlain, rampsPlain, sortAcrossPlain, bitsPlain, blendPlain};
 
 #if KRS_WIDE_ROWS
 
-#define KRS_WIDE __attribute__((target("avx512f,avx512bw,avx512vl,bmi2")))
+#define KRS_WIDE __attribute__((target("avx512f,avx512bw,avx512dq,avx512vl,bmi2")))
 
 KRS_WIDE void maskedWide(u32* to, std::size_t count, u32 pattern, u32 pel)
 {
@@ -75,19 +104,66 @@ KRS_WIDE void maskedWide(u32* to, std::size_t count, u32 pattern, u32 pel)
     _mm512_mask_storeu_epi32(to + 32, static_cast<__mmask16>(rest >> 32), wide);
 }
 
-KRS_WIDE void spansWide(u8* pels, std::ptrdiff_t pitch, i32 rows, i32 const* from, i32 const* to, i32 left, i32 right,
-                        u32 pel)
+KRS_WIDE void spansWide(u8* pels, std::ptrdiff_t pitch, i32 rows, i32 const* from, i32 const* to, u32 pel)
 {
   __m512i const wide = _mm512_set1_epi32(static_cast<int>(pel));
   for (i32 i = 0; i < rows; ++i, pels += pitch) {
-    i32 const x0 = std::max(from[i], left), x1 = std::min(to[i], right);
-    i32 count = x1 - x0;
+    i32 const x0 = from[i];
+    i32 count = to[i] - x0;
     if (count <= 0)
       continue;
     u32* at = reinterpret_cast<u32*>(pels) + x0;
     for (; count > 16; count -= 16, at += 16)
       _mm512_storeu_si512(at, wide);
     _mm512_mask_storeu_epi32(at, static_cast<__mmask16>(_bzhi_u32(0xFFFF, static_cast<unsigned>(count))), wide);
+  }
+}
+
+KRS_WIDE void rampsWide(Ramp const* ramps, std::size_t count, int tagBits)
+{
+  __m512i const places = _mm512_setr_epi64(0, 1, 2, 3, 4, 5, 6, 7);
+  __m128i const bits = _mm_cvtsi32_si128(tagBits);
+  for (Ramp const* ramp = ramps; ramp != ramps + count; ++ramp) {
+    __m512i const grow = _mm512_set1_epi64(ramp->grow), tag = _mm512_set1_epi64(ramp->tag);
+    __m512i at = _mm512_add_epi64(_mm512_set1_epi64(ramp->start), _mm512_mullo_epi64(grow, places));
+    __m512i const step = _mm512_slli_epi64(grow, 3);
+    i32* to = ramp->to;
+    for (i32 left = ramp->count; left > 0; left -= 8, to += 8) {
+      __m512i const whole = _mm512_add_epi64(_mm512_sll_epi64(_mm512_srai_epi64(at, rampBits), bits), tag);
+      _mm256_storeu_si256(reinterpret_cast<__m256i*>(to), _mm512_cvtepi64_epi32(whole));
+      at = _mm512_add_epi64(at, step);
+    }
+  }
+}
+
+template <std::size_t Count>
+KRS_WIDE void sortColumnsWide(i32* columns, std::size_t stride, i32 rows, __m512i low, __m512i high)
+{
+  for (i32 i = 0; i < rows; i += 16) {
+    __m512i v[Count];
+    for (std::size_t k = 0; k < Count; ++k)
+      v[k] = _mm512_loadu_si512(columns + k * stride + i);
+    for (std::size_t last = Count - 1; last > 0; --last)
+      for (std::size_t k = 0; k < last; ++k) {
+        __m512i const less = _mm512_min_epi32(v[k], v[k + 1]);
+        v[k + 1] = _mm512_max_epi32(v[k], v[k + 1]);
+        v[k] = less;
+      }
+    for (std::size_t k = 0; k < Count; ++k)
+      _mm512_storeu_si512(columns + k * stride + i,
+                          _mm512_min_epi32(_mm512_max_epi32(v[k], low), high));
+  }
+}
+
+KRS_WIDE void sortAcrossWide(i32* columns, std::size_t stride, int count, i32 rows, i32 low, i32 high)
+{
+  __m512i const from = _mm512_set1_epi32(low), to = _mm512_set1_epi32(high);
+  switch (count) {
+  case 2: return sortColumnsWide<2>(columns, stride, rows, from, to);
+  case 4: return sortColumnsWide<4>(columns, stride, rows, from, to);
+  case 6: return sortColumnsWide<6>(columns, stride, rows, from, to);
+  case 8: return sortColumnsWide<8>(columns, stride, rows, from, to);
+  default: return sortAcrossPlain(columns, stride, count, rows, low, high);
   }
 }
 
@@ -125,7 +201,7 @@ KRS_WIDE void blendWide(u8* pels, std::ptrdiff_t pitch, i32 rows, i32 width, u8 
   }
 }
 
-constexpr RowKernels wide{maskedWide, spansWide, bitsWide, blendWide};
+constexpr RowKernels wide{maskedWide, spansWide, rampsWide, sortAcrossWide, bitsWide, blendWide};
 
 #endif
 
@@ -133,8 +209,8 @@ RowKernels const& chosen()
 {
 #if KRS_WIDE_ROWS
   __builtin_cpu_init();
-  if (__builtin_cpu_supports("avx512f") && __builtin_cpu_supports("avx512bw") && __builtin_cpu_supports("avx512vl") &&
-      __builtin_cpu_supports("bmi2"))
+  if (__builtin_cpu_supports("avx512f") && __builtin_cpu_supports("avx512bw") && __builtin_cpu_supports("avx512dq") &&
+      __builtin_cpu_supports("avx512vl") && __builtin_cpu_supports("bmi2"))
     return wide;
 #endif
   return plain;

@@ -6,13 +6,28 @@
 
 namespace plat::portable {
 
+// Equally spaced numbers with binary places.
+struct Ramp {
+  i32* to;
+  std::int64_t start, grow;
+  i32 count;
+  i32 tag;
+};
+constexpr int rampBits = 44;
+constexpr int columnLimit = 16;
+
 // Rows of pels; pitches are in bytes, and no byte outside the pels named is touched.
 struct RowKernels {
   // count pels, of which pel i is painted when bit i % 24 of the pattern is set.
   void (*masked)(u32* to, std::size_t count, u32 pattern, u32 pel);
-  // rows rows down from one that begins at pels: in row i the pels from[i] up to but not to[i], as far as they lie in
-  // left up to but not right.
-  void (*spans)(u8* pels, std::ptrdiff_t pitch, i32 rows, i32 const* from, i32 const* to, i32 left, i32 right, u32 pel);
+  // rows rows down from one that begins at pels: in row i the pels from[i] up to but not to[i].
+  void (*spans)(u8* pels, std::ptrdiff_t pitch, i32 rows, i32 const* from, i32 const* to, u32 pel);
+  // Writes each ramp: 2^tagBits floor((start + i grow) / 2^rampBits) + tag for i from 0 up to but not count, and up to 7
+  // numbers more, which the next ramp may overwrite.
+  void (*ramps)(Ramp const*, std::size_t count, int tagBits);
+  // Sorts count columns of rows numbers across: in each row the least comes into the first column. Up to 15 rows more are
+  // sorted. All are then brought into low to high. Columns lie stride numbers apart; at most columnLimit of them.
+  void (*sortAcross)(i32* columns, std::size_t stride, int count, i32 rows, i32 low, i32 high);
   // rows rows of at most 16 pels, painted where a bit is set.
   void (*bits)(u8* pels, std::ptrdiff_t pitch, i32 rows, u16 const* bits, u32 pel);
   // rows rows of width pels, at most 16, moved towards a colour by coverage 0 to 255. Rows of the coverage are 16 bytes
@@ -39,6 +54,19 @@ template <class Pel> inline void maskedRow(Pel* to, std::size_t count, u32 patte
     rowKernels().masked(to, count, pattern, pel);
   else
     plainMaskedRow(to, count, pattern, pel);
+}
+
+// As RowKernels::spans.
+template <class Pel>
+inline void paintSpans(u8* pels, std::ptrdiff_t pitch, i32 rows, i32 const* from, i32 const* to, Pel pel)
+{
+  if constexpr (sizeof(Pel) == 4) {
+    rowKernels().spans(pels, pitch, rows, from, to, pel);
+  } else {
+    for (i32 i = 0; i < rows; ++i, pels += pitch)
+      if (from[i] < to[i])
+        fillRow(reinterpret_cast<Pel*>(pels) + from[i], static_cast<std::size_t>(to[i] - from[i]), pel);
+  }
 }
 
 // Red and blue share a word; v / 255 rounded is (v + 128 + (v + 128) / 256) / 256 for v up to 255 * 255.
