@@ -60,24 +60,31 @@ void sortAcrossPlain(i32* columns, std::size_t stride, int count, i32 rows, i32 
   }
 }
 
-void bitsPlain(u8* pels, std::ptrdiff_t pitch, i32 rows, u16 const* bits, u32 pel)
+void stampPlain(BitTile const* tiles, std::size_t count, std::ptrdiff_t pitch, u32 pel)
 {
-  for (i32 i = 0; i < rows; ++i, pels += pitch)
-    for (u32 left = bits[i]; left != 0; left &= left - 1)
-      reinterpret_cast<u32*>(pels)[__builtin_ctz(left)] = pel;
+  for (BitTile const* tile = tiles; tile != tiles + count; ++tile) {
+    u8* row = tile->pels;
+    for (i32 i = 0; i < tile->rows; ++i, row += pitch)
+      for (u32 left = tile->bits[i]; left != 0; left &= left - 1)
+        reinterpret_cast<u32*>(row)[__builtin_ctz(left)] = pel;
+  }
 }
 
-void blendPlain(u8* pels, std::ptrdiff_t pitch, i32 rows, i32 width, u8 const* coverage, u32 rgb)
+void blendPlain(CoverTile const* tiles, std::size_t count, std::ptrdiff_t pitch, u32 rgb)
 {
-  for (i32 i = 0; i < rows; ++i, pels += pitch, coverage += 16)
-    for (i32 x = 0; x < width; ++x)
-      if (u32 const a = coverage[x]) {
-        u32& pel = reinterpret_cast<u32*>(pels)[x];
-        pel = blended(pel, rgb, a);
-      }
+  for (CoverTile const* tile = tiles; tile != tiles + count; ++tile) {
+    u8* row = tile->pels;
+    u8 const* cover = tile->coverage;
+    for (i32 i = 0; i < tile->rows; ++i, row += pitch, cover += 16)
+      for (std::size_t x = 0; x < 16; ++x)
+        if (u32 const a = cover[x]) {
+          u32& pel = reinterpret_cast<u32*>(row)[x];
+          pel = blended(pel, rgb, a);
+        }
+  }
 }
 
-constexpr RowKernels plain{plainMaskedRow<u32>, spansPlain, rampsPlain, sortAcrossPlain, bitsPlain, blendPlain};
+constexpr RowKernels plain{plainMaskedRow<u32>, spansPlain, rampsPlain, sortAcrossPlain, stampPlain, blendPlain};
 
 #if KRS_WIDE_ROWS
 
@@ -167,11 +174,15 @@ KRS_WIDE void sortAcrossWide(i32* columns, std::size_t stride, int count, i32 ro
   }
 }
 
-KRS_WIDE void bitsWide(u8* pels, std::ptrdiff_t pitch, i32 rows, u16 const* bits, u32 pel)
+KRS_WIDE void stampWide(BitTile const* tiles, std::size_t count, std::ptrdiff_t pitch, u32 pel)
 {
   __m512i const wide = _mm512_set1_epi32(static_cast<int>(pel));
-  for (i32 i = 0; i < rows; ++i, pels += pitch)
-    _mm512_mask_storeu_epi32(pels, bits[i], wide);
+  for (BitTile const* tile = tiles; tile != tiles + count; ++tile) {
+    u8* row = tile->pels;
+    u16 const* bits = tile->bits;
+    for (i32 left = tile->rows; left > 0; --left, row += pitch)
+      _mm512_mask_storeu_epi32(row, *bits++, wide);
+  }
 }
 
 // 256 times the mixed channel, and a rest: v * 255 + (c - v) * a, all of it modulo 2^16. No sum exceeds 255 * 255 + 382.
@@ -182,26 +193,29 @@ KRS_WIDE inline __m512i mixed(__m512i v, __m512i c, __m512i a)
   return _mm512_add_epi16(sum, _mm512_srli_epi16(sum, 8));
 }
 
-KRS_WIDE void blendWide(u8* pels, std::ptrdiff_t pitch, i32 rows, i32 width, u8 const* coverage, u32 rgb)
+KRS_WIDE void blendWide(CoverTile const* tiles, std::size_t count, std::ptrdiff_t pitch, u32 rgb)
 {
   // Two channels lie in words of 16 bits: blue and red, green and nothing.
-  __mmask16 const inside = static_cast<__mmask16>(_bzhi_u32(0xFFFF, static_cast<unsigned>(width)));
   __m512i const low = _mm512_set1_epi32(0x00FF00FF), green = _mm512_set1_epi32(0x0000FF00);
   __m512i const redBlue = _mm512_set1_epi32(static_cast<int>(rgb & 0xFF00FFu));
   __m512i const greenOnly = _mm512_set1_epi32(static_cast<int>(rgb >> 8 & 0xFFu));
-  for (i32 i = 0; i < rows; ++i, pels += pitch, coverage += 16) {
-    __m512i const one = _mm512_cvtepu8_epi32(_mm_loadu_si128(reinterpret_cast<__m128i const*>(coverage)));
-    __m512i const a = _mm512_or_si512(one, _mm512_slli_epi32(one, 16));
-    __mmask16 const painted = _mm512_mask_test_epi32_mask(inside, one, one);
-    __m512i const old = _mm512_maskz_loadu_epi32(inside, pels);
-    __m512i const rb = _mm512_and_si512(old, low), g = _mm512_and_si512(_mm512_srli_epi32(old, 8), low);
-    __m512i const outer = _mm512_srli_epi16(mixed(rb, redBlue, a), 8);
-    __m512i const inner = _mm512_and_si512(mixed(g, greenOnly, a), green);
-    _mm512_mask_storeu_epi32(pels, painted, _mm512_or_si512(outer, inner));
+  for (CoverTile const* tile = tiles; tile != tiles + count; ++tile) {
+    u8* row = tile->pels;
+    u8 const* cover = tile->coverage;
+    for (i32 left = tile->rows; left > 0; --left, row += pitch, cover += 16) {
+      __m512i const one = _mm512_cvtepu8_epi32(_mm_loadu_si128(reinterpret_cast<__m128i const*>(cover)));
+      __m512i const a = _mm512_or_si512(one, _mm512_slli_epi32(one, 16));
+      __mmask16 const painted = _mm512_test_epi32_mask(one, one);
+      __m512i const old = _mm512_maskz_loadu_epi32(painted, row);
+      __m512i const rb = _mm512_and_si512(old, low), g = _mm512_and_si512(_mm512_srli_epi32(old, 8), low);
+      __m512i const outer = _mm512_srli_epi16(mixed(rb, redBlue, a), 8);
+      __m512i const inner = _mm512_and_si512(mixed(g, greenOnly, a), green);
+      _mm512_mask_storeu_epi32(row, painted, _mm512_or_si512(outer, inner));
+    }
   }
 }
 
-constexpr RowKernels wide{maskedWide, spansWide, rampsWide, sortAcrossWide, bitsWide, blendWide};
+constexpr RowKernels wide{maskedWide, spansWide, rampsWide, sortAcrossWide, stampWide, blendWide};
 
 #endif
 

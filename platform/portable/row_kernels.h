@@ -14,6 +14,18 @@ struct Ramp {
   i32 tag;
 };
 constexpr int rampBits = 44;
+
+// A part of a glyph, 16 pels wide: in each row a bit or a byte of coverage for each pel, the leftmost first.
+struct BitTile {
+  u8* pels;  // upper left
+  u16 const* bits;
+  i32 rows;
+};
+struct CoverTile {
+  u8* pels;
+  u8 const* coverage;  // 16 a row
+  i32 rows;
+};
 constexpr int columnLimit = 16;
 
 // Rows of pels; pitches are in bytes, and no byte outside the pels named is touched.
@@ -28,12 +40,11 @@ struct RowKernels {
   // Sorts count columns of rows numbers across: in each row the least comes into the first column. Up to 15 rows more are
   // sorted. All are then brought into low to high. Columns lie stride numbers apart; at most columnLimit of them.
   void (*sortAcross)(i32* columns, std::size_t stride, int count, i32 rows, i32 low, i32 high);
-  // rows rows of at most 16 pels, painted where a bit is set.
-  void (*bits)(u8* pels, std::ptrdiff_t pitch, i32 rows, u16 const* bits, u32 pel);
-  // rows rows of width pels, at most 16, moved towards a colour by coverage 0 to 255. Rows of the coverage are 16 bytes
-  // apart; all 16 may be read. Each channel becomes the rounded quotient (c a + v (255 - a)) / 255; pels of coverage 0
-  // stay as they are, others get a top byte of 0.
-  void (*blend)(u8* pels, std::ptrdiff_t pitch, i32 rows, i32 width, u8 const* coverage, u32 rgb);
+  // Paints tiles where a bit is set.
+  void (*stamp)(BitTile const*, std::size_t count, std::ptrdiff_t pitch, u32 pel);
+  // Moves the pels of tiles towards a colour. Each channel becomes the rounded quotient (c a + v (255 - a)) / 255; pels
+  // of coverage 0 stay as they are, others get a top byte of 0.
+  void (*blend)(CoverTile const*, std::size_t count, std::ptrdiff_t pitch, u32 rgb);
 };
 
 RowKernels const& plainRowKernels();
