@@ -19,7 +19,10 @@ double controlFraction(double round, double halfSide)
 
 }  // namespace
 
-plat::i32 cf_to32(long v) { return static_cast<plat::i32>(std::clamp(v, -0x40000000L, 0x3FFFFFFFL)); }
+plat::i32 cf_to32(std::int64_t v)
+{
+  return static_cast<plat::i32>(std::clamp<std::int64_t>(v, -0x40000000, 0x3FFFFFFF));
+}
 
 plat::Pen cf_penOf(ccGraphicProps const& props, COLORREF color)
 {
@@ -32,7 +35,11 @@ plat::Pen cf_penOf(ccGraphicProps const& props, COLORREF color)
   return pen;
 }
 
-long cf_halfWidth(ccGraphicProps const& props) { return floorTL(static_cast<double>(props.penWidth()) * 0.5) + 1; }
+long cf_halfWidth(ccGraphicProps const& props)
+{
+  constexpr double widest = 1 << 20;  // more than any painter draws
+  return floorTL(std::clamp(static_cast<double>(props.penWidth()), 0.0, widest) * 0.5) + 1;
+}
 
 long cf_halfWidthOfEnds(ccGraphicProps const& props)
 {

@@ -8,8 +8,8 @@
 
 inline constexpr int kBezierPoints = 13;
 
-plat::i32 cf_to32(long);
-inline plat::Point cf_toPoint(long x, long y) { return plat::Point{cf_to32(x), cf_to32(y)}; }
+plat::i32 cf_to32(std::int64_t);
+inline plat::Point cf_toPoint(std::int64_t x, std::int64_t y) { return plat::Point{cf_to32(x), cf_to32(y)}; }
 plat::Pen cf_penOf(ccGraphicProps const&, COLORREF);
 // How far a stroke reaches beyond its geometry, in pels.
 long cf_halfWidth(ccGraphicProps const&);
