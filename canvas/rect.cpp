@@ -48,11 +48,6 @@ ccUIRect::ccUIRect(long x, long y, long w, long h)
 {
 }
 
-ccUIRect ccUIRect::fromEdges(long left, long top, long right, long bottom)
-{
-  return ccUIRect(cs_Edges{clampEdge(left), clampEdge(top), clampEdge(right), clampEdge(bottom)});
-}
-
 void ccUIRect::ul(ccPair<long> const& p)
 {
   long const w = width();

@@ -16,7 +16,11 @@ public:
   constexpr ccUIRect() = default;  // null
   ccUIRect(long x, long y, long w, long h);
   ccUIRect(ccPair<long> const& ul, ccPair<long> const& sz) : ccUIRect(ul.x(), ul.y(), sz.x(), sz.y()) {}
-  static ccUIRect fromEdges(long left, long top, long right, long bottom);
+  static ccUIRect fromEdges(long left, long top, long right, long bottom)
+  {
+    return ccUIRect(cs_Edges{std::clamp(left, -kFar, kFar), std::clamp(top, -kFar, kFar), std::clamp(right, -kFar, kFar),
+                             std::clamp(bottom, -kFar, kFar)});
+  }
 
   constexpr long left() const { return l_; }
   constexpr long top() const { return t_; }

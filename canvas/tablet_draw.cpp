@@ -66,17 +66,6 @@ cc_Pieces::cc_Pieces(ccUITablet& t, int layer, ccUIRect const& box, Box kind)
   region_ = &region;
 }
 
-bool ccUITablet::isRecorder_() const { return layers_->recorder; }
-
-bool ccUITablet::isDrawnIn_(int layer, ccColor const& color) const { return layer == overlayLayer || !color.isPass(); }
-
-ccPair<long> ccUITablet::dragShift_(int layer) const
-{
-  cc_TabletTop const* const top = top_();
-  bool const shifted = top && !top->inPass() && top->isAnimating(layer) && layers_->dragEpoch == top->dragEpoch();
-  return shifted ? layers_->dragDel : ccPair<long>();
-}
-
 ccPair<long> ccUITablet::pelShift_(int layer) const
 {
   ccPair<long> const sketch = cf_nearPel(ccPoint(screenMap_.mapVector(layers_->sketchOffset)));
@@ -95,13 +84,6 @@ ccPoint ccUITablet::penPlace_(ccPoint const& p, int layer) const
   ccVector<2> const at = screenMap_ * (p + layers_->sketchOffset);
   ccPair<long> const shift = cf_nearSum(screenOrigin_, dragShift_(layer));
   return ccVector<2>(cfPelFloor(at.x()), cfPelFloor(at.y())) + ccVector<2>(shift);
-}
-
-ccXform<2> ccUITablet::drawMap_(int layer) const
-{
-  ccVector<2> const shift =
-      ccVector<2>(cf_nearSum(screenOrigin_, dragShift_(layer))) + screenMap_.mapVector(layers_->sketchOffset);
-  return ccXform<2>(screenMap_.matrix(), screenMap_.trans() + shift);
 }
 
 // ---- Fills

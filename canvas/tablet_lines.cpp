@@ -19,6 +19,8 @@ constexpr double widestPen = 1 << 20;
 
 long cf_penMargin(ccGraphicProps const& props)
 {
+  if (props.penWidth() <= 1)
+    return 3;
   // Half a diagonal of the pen's square end, and the roundings of both ends.
   double const width = std::clamp(static_cast<double>(props.penWidth()), 1.0, widestPen);
   return static_cast<long>(std::ceil(0.71 * width)) + 2;

@@ -270,3 +270,23 @@ private:
   ccGraphicProps pen_;
   std::unique_ptr<cc_DrawScratch> scratch_;  // made by the first figure
 };
+
+// What every drawing call asks first.
+inline cc_TabletTop* ccUITablet::top_() const { return layers_->top; }
+inline bool ccUITablet::isRecorder_() const { return layers_->recorder; }
+inline bool ccUITablet::isDrawnIn_(int layer, ccColor const& color) const
+{
+  return layer == overlayLayer || !color.isPass();
+}
+inline ccPair<long> ccUITablet::dragShift_(int layer) const
+{
+  cc_TabletTop const* const top = top_();
+  bool const shifted = top && !top->inPass() && top->isAnimating(layer) && layers_->dragEpoch == top->dragEpoch();
+  return shifted ? layers_->dragDel : ccPair<long>();
+}
+inline ccXform<2> ccUITablet::drawMap_(int layer) const
+{
+  ccVector<2> const shift =
+      ccVector<2>(cf_nearSum(screenOrigin_, dragShift_(layer))) + screenMap_.mapVector(layers_->sketchOffset);
+  return ccXform<2>(screenMap_.matrix(), screenMap_.trans() + shift);
+}

@@ -319,6 +319,7 @@ private:
   ccUIRect chainOf_(std::span<ccVector<2> const>, long reach);
   void paintChain_(ccUIRect const& touched, ccGraphicProps const&, int fillRule);
   void drawFarChain_(std::span<ccVector<2> const>, ccGraphicProps const&, int fillRule, bool closed);
+  void drawLine_(ccPair<long> const& from, ccPair<long> const& to, ccGraphicProps const&);
   void paintLine_(plat::Painter&, ccPair<long> const& from, ccPair<long> const& to, ccGraphicProps const&);
   HFONT font_(long id) const;
 

@@ -149,9 +149,16 @@ ccUIRect ccWin32UIScope::chainOf_(std::span<ccVector<2> const> points, long reac
   std::vector<plat::Point>& chain = root_().chain_;
   chain.resize(points.size());
   plat::Point low{ccUIRect::kFar, ccUIRect::kFar}, high{-ccUIRect::kFar, -ccUIRect::kFar};
+  // The rule of xCoord, in a form without branches.
+  ccVector<2> const offset(clientOffset());
+  auto const pelOf = [](double v) {
+    constexpr double far = ccUIRect::kFar;
+    double const at = std::min(std::max(v + 0.5 + 1e-6, -far), far);
+    plat::i32 const whole = static_cast<plat::i32>(at);
+    return whole - (at < static_cast<double>(whole) ? 1 : 0);
+  };
   for (std::size_t i = 0; i < points.size(); ++i) {
-    ccPoint const p(points[i]);
-    plat::Point const pel = cf_toPoint(xCoord(p), yCoord(p));
+    plat::Point const pel{pelOf(points[i].x() - offset.x()), pelOf(points[i].y() - offset.y())};
     low = plat::Point{std::min(low.x, pel.x), std::min(low.y, pel.y)};
     high = plat::Point{std::max(high.x, pel.x), std::max(high.y, pel.y)};
     chain[i] = pel;
@@ -277,7 +284,10 @@ void ccWin32UIScope::draw(ccEllipse const& ellipse, ccGraphicProps const& props)
   if (!isModest(ellipse.center(), std::max(ellipse.rx(), ellipse.ry())))
     return;
   long const h = cf_halfWidth(props);
-  ccUIRect const touched = figureRect_(ellipse.encloseRect(), 3 * h, static_cast<double>(5 * h));
+  ccRect const around = ellipse.rotation().value() == 0
+                            ? ccRect(ellipse.center() - ellipse.radii(), ellipse.radii() * 2)
+                            : ellipse.encloseRect();
+  ccUIRect const touched = figureRect_(around, 3 * h, static_cast<double>(5 * h));
   paintFigure_(touched, [&](plat::Painter& painter) {
     dress(painter, props, bgrColor_(props.penColor()), props.fill());
     ccVector<2> const d = ellipse.center() - ccVector<2>(clientOffset());
@@ -285,7 +295,7 @@ void ccWin32UIScope::draw(ccEllipse const& ellipse, ccGraphicProps const& props)
     ccVector<2> const rest = d - shift;
     double const angle = ellipse.rotation().value();
     bool const upright = std::abs(angle) <= uprightLimit;
-    double const c = std::cos(angle), s = std::sin(angle);
+    double const c = angle == 0 ? 1 : std::cos(angle), s = angle == 0 ? 0 : std::sin(angle);
     double const ex = rest.x() * c + rest.y() * s, ey = rest.y() * c - rest.x() * s;
     constexpr std::int64_t endPel = 1;
     plat::Rect const box{cf_to32(floorTL(ex - ellipse.rx())), cf_to32(floorTL(ey - ellipse.ry())),

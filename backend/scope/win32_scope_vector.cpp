@@ -40,16 +40,9 @@ void ccWin32UIScope::draw(ccLineSeg const& seg, ccGraphicProps const& props)
   cs_Reach reach;
   reach.add(a);
   reach.add(b);
-  if (reach.isWithin(cf_pelReach)) {
-    drawStart(seg.p1());
-    drawTo(seg.p2(), props);
-  } else {
-    if (reach.isFinite() && cf_cutSegment(a, b, cf_pelReach)) {
-      drawStart(a + offset);
-      drawTo(b + offset, props);
-    }
-    drawStart(seg.p2());
-  }
+  if (reach.isWithin(cf_pelReach) || (reach.isFinite() && cf_cutSegment(a, b, cf_pelReach)))
+    drawLine_(ccPair<long>(cfPelOf(a.x()), cfPelOf(a.y())), ccPair<long>(cfPelOf(b.x()), cfPelOf(b.y())), props);
+  drawStart(seg.p2());
 }
 
 // Nothing is drawn from or to a place that isn't one.
@@ -67,7 +60,11 @@ void ccWin32UIScope::drawToRel(long dx, long dy, ccGraphicProps const& props)
     return;
   ccPair<long> const from = currentPoint();
   moveToRel(dx, dy);
-  ccPair<long> const to = currentPoint();
+  drawLine_(from, currentPoint(), props);
+}
+
+void ccWin32UIScope::drawLine_(ccPair<long> const& from, ccPair<long> const& to, ccGraphicProps const& props)
+{
   long const h = cf_halfWidthOfEnds(props);
   ccUIRect const r = ccUIRect::fromEdges(std::min(from.x(), to.x()) - h, std::min(from.y(), to.y()) - h,
                                          std::max(from.x(), to.x()) + h, std::max(from.y(), to.y()) + h) &
