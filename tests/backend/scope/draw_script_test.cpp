@@ -51,20 +51,36 @@ std::vector<std::string> linesOf(fs::path const& file)
   return lines;
 }
 
+// Stock colours where they stand, a cube of colours from 10 and greys.
+std::vector<ccRGB> palette()
+{
+  std::vector<ccRGB> entries(256);
+  for (std::size_t i = 0; i < 256; ++i)
+    entries[i] = ccColor(static_cast<unsigned char>(i)).toRGB();
+  for (std::size_t i = 0; i < 216; ++i)
+    entries[10 + i] = ccRGB(static_cast<unsigned char>(i / 36 * 51), static_cast<unsigned char>(i / 6 % 6 * 51),
+                            static_cast<unsigned char>(i % 6 * 51));
+  for (std::size_t i = 226; i < 243; ++i) {
+    unsigned char const grey = static_cast<unsigned char>((i - 226) * 14 + 7);
+    entries[i] = ccRGB(grey, grey, grey);
+  }
+  return entries;
+}
+
 // A surface's pels as words of 0x00RRGGBB.
 Pels seen(Pels const& pels, int depth)
 {
-  std::vector<plain::Rgb> palette;
-  for (plat::PaletteEntry const& e : plat::platform().objects.systemEntries()) {
+  std::vector<plain::Rgb> entries;
+  for (ccRGB const& e : palette()) {
     plain::Rgb c;
     c.r = e.r;
     c.g = e.g;
     c.b = e.b;
-    palette.push_back(c);
+    entries.push_back(c);
   }
   Pels words;
   for (std::uint32_t const pel : pels) {
-    plain::Rgb const c = plain::seen(pel, depth, palette);
+    plain::Rgb const c = plain::seen(pel, depth, entries);
     words.push_back(static_cast<std::uint32_t>(c.r * 65536 + c.g * 256 + c.b));
   }
   return words;
@@ -99,6 +115,8 @@ protected:
         makeWindow({10, 10, 10 + static_cast<plat::i32>(drawScriptWidth), 10 + static_cast<plat::i32>(drawScriptHeight)});
     ScopeProbe scope;
     EXPECT_EQ(scope.create(window, ccPair<long>(drawScriptWidth, drawScriptHeight), -1), 0);
+    scope.palette(palette());
+    scope.colorMap(palette());
     std::vector<Pels> pictures;
     for (DrawStep const& step : family.steps) {
       step.draw(scope);
