@@ -24,7 +24,7 @@ constexpr cs_Page kPages[] = {
     {"points", "Points, axes, icons, pels and fills", cf_pagePoints},
     {"text", "Text", cf_pageText},
     {"sketches", "Sketches", cf_pageSketches},
-    {"coordinates", "Image, client and display coordinates at eightfold zoom", cf_pageCoordinates},
+    {"coordinates", "Three coordinate systems at eightfold zoom", cf_pageCoordinates},
     {"layers", "Overlay over image", cf_pageLayers},
     {"maps", "Maps: rotation, shear, mirror, reduction", cf_pageMaps},
     {"colours", "Colours", cf_pageColours},

@@ -32,14 +32,14 @@ void cf_pagePens(ccGalleryStage& stage)
   stage.heading("Styles", ccPoint(16, 48));
   char const* const styles[] = {"solid", "dash", "dot", "dashDot", "dashDotDot"};
   for (int i = 0; i < 5; ++i) {
-    double const y = 76 + 22 * i;
+    double const y = 80 + 22 * i;
     stage.text(styles[i], ccPoint(16, y), ccUIFormat::centerLeft);
     tablet.draw(ccLineSeg(ccPoint(110, y), ccPoint(300, y)),
                 ccGraphicProps(ccColor::blueColor(), 1, static_cast<cePenStyle>(i), false), layer);
   }
   stage.heading("Styles of wide pens", ccPoint(336, 48));
   for (int i = 0; i < 5; ++i) {
-    double const y = 76 + 22 * i;
+    double const y = 80 + 22 * i;
     ccGraphicProps pen(ccColor::dkGreenColor(), 5, static_cast<cePenStyle>(i), false);
     pen.capStyle(1);
     stage.text(styles[i], ccPoint(336, y), ccUIFormat::centerLeft);
@@ -110,7 +110,7 @@ void cf_pagePolygons(ccGalleryStage& stage)
   tablet.draw(ccPolygon(cf_star(stage.next("filled, pen of 9"), 50), 2),
               ccGraphicProps(ccColor::dkGreenColor(), 9, ceSolidPen, true), layer);
 
-  ccPoint c = stage.next("polygons over each other");
+  ccPoint c = stage.next("one over another");
   for (int i = 0; i < 3; ++i) {
     ccColor const colors[] = {ccColor::redColor(), ccColor::orangeColor(), ccColor::yellowColor()};
     ccPoint const at = c + ccVector<2>(-20 + 20 * i, -10 + 10 * i);
@@ -152,7 +152,7 @@ void cf_pageRectangles(ccGalleryStage& stage)
   tablet.draw(rect(stage.next("filled")), filled, layer);
   tablet.draw(rect(stage.next("broken")), ccGraphicProps(ccColor::blueColor(), 1, ceDotPen, false), layer);
 
-  tablet.draw(ccAffineRectangle(stage.next("ccAffineRectangle, turned"), 90, 50, ccDegree(25), ccDegree(0)), thin, layer);
+  tablet.draw(ccAffineRectangle(stage.next("ccAffineRectangle"), 90, 50, ccDegree(25), ccDegree(0)), thin, layer);
   tablet.draw(ccAffineRectangle(stage.next("skewed"), 70, 55, ccDegree(0), ccDegree(30)), wide, layer);
   tablet.draw(ccGenRect(stage.next("ccGenRect, turned"), half, ccDegree(-20), sharp), thin, layer);
   tablet.draw(ccGenRect(stage.next("turned and filled"), half, ccDegree(-20), sharp), filled, layer);
@@ -160,8 +160,7 @@ void cf_pageRectangles(ccGalleryStage& stage)
   tablet.draw(ccGenRect(stage.next("round corners"), half, ccDegree(0), ccVector<2>(16, 16)), wide, layer);
   tablet.draw(ccGenRect(stage.next("unequal roundings"), half, ccDegree(15), ccVector<2>(40, 14)), filled, layer);
   tablet.draw(ccGenRect(stage.next("skew 25"), 45, 32, 1, ccDegree(25), ccDegree(0), ccVector<2>(0.4, 0.4)), thin, layer);
-  tablet.draw(ccGenRect(stage.next("skew 25, mirrored"), 45, 32, -1, ccDegree(25), ccDegree(0), ccVector<2>(0.4, 0.4)), thin,
-              layer);
+  tablet.draw(ccGenRect(stage.next("skew -25, turned"), 45, 32, 1, ccDegree(-25), ccDegree(30), ccVector<2>(1, 1)), wide, layer);
 }
 
 void cf_pageEllipses(ccGalleryStage& stage)

@@ -79,8 +79,8 @@ ccPelBuffer<unsigned char> ccGalleryStage::part(long w, long h)
       double const dx = (static_cast<double>(x) - cx) / size, dy = (static_cast<double>(y) - cy) / size;
       double const r = std::hypot(dx, dy);
       double const hole = std::hypot(std::abs(dx) - 0.45, std::abs(dy) - 0.45);
-      bool const metal = r < 0.9 && r > 0.25 && hole > 0.12;
-      out.setPel(x, y, static_cast<unsigned char>(metal ? 200 - 30 * r : r < 0.9 ? 40 : 60));
+      bool const metal = r < 0.84 && r > 0.25 && hole > 0.12;
+      out.setPel(x, y, static_cast<unsigned char>(metal ? 200 - 30 * r : r < 0.84 ? 40 : 60));
     }
   return out;
 }
@@ -142,4 +142,6 @@ void ccGalleryStage::show()
 {
   for (auto const cs : {ccDisplay::imageCoords, ccDisplay::clientCoords, ccDisplay::displayCoords})
     display_.drawSketch(tablets_[cs].sketch(), cs);
+  for (auto const& frame : frames_)
+    frame->redraw(ccUITablet::bothLayers);
 }

@@ -80,14 +80,13 @@ void cf_pagePoints(ccGalleryStage& stage)
     tablet.drawToRelPels(0, -6, ccColor::redColor(), layer);
   }
 
-  // Rectangles of whole pels, which no zoom moves. In display coordinates they are those of the window.
+  // Rectangles of whole pels, which no zoom moves.
   auto const at = [](ccPoint const& p) {
     return ccUIRect(static_cast<long>(p.x()) - 50, static_cast<long>(p.y()) - 30, 100, 60);
   };
-  ccUITablet& shown = stage.tablet(ccDisplay::displayCoords);
-  shown.set(at(stage.next("set")), ccColor::cyanColor(), layer);
-  shown.outline(at(stage.next("outline, 6 wide")), ccColor::blueColor(), 6, layer);
-  shown.outline3D(at(stage.next("outline3D, 5 wide")), ccColor::whiteColor(), ccColor::dkGreyColor(), 5, layer);
+  tablet.set(at(stage.next("set")), ccColor::cyanColor(), layer);
+  tablet.outline(at(stage.next("outline, 6 wide")), ccColor::blueColor(), 6, layer);
+  tablet.outline3D(at(stage.next("outline3D, 5 wide")), ccColor::whiteColor(), ccColor::dkGreyColor(), 5, layer);
   c = stage.next("drawClipRect");
   tablet.drawClipRect(ccRect(c + ccVector<2>(-40, -25), ccVector<2>(80, 50)), layer);
   tablet.draw(ccCircle(c, 46), ccColor::orangeColor(), layer, /*filled=*/true);
@@ -105,7 +104,7 @@ void cf_pageText(ccGalleryStage& stage)
                                "centerRight", "bottomLeft", "bottomCenter", "bottomRight"};
   for (int i = 0; i < 9; ++i) {
     ccPoint const at(90 + 230 * (i % 3), 92 + 44 * (i / 3));
-    tablet.drawPointIcon(at, ccGraphicProps(ccColor::redColor(), 1, ceSolidPen, false), layer);
+    tablet.drawPointIcon(at, ccGraphicProps(ccColor::orangeColor(), 1, ceSolidPen, false), layer);
     stage.text(names[i], at, static_cast<ccUIFormat::Alignment>(i));
   }
 
@@ -139,7 +138,7 @@ void cf_pageText(ccGalleryStage& stage)
   write("italic", ccPoint(350, 362), cc_GalleryFonts::italic, layer);
   write("bold italic", ccPoint(350, 384), cc_GalleryFonts::boldItalic, layer);
   write("fixed pitch 0123", ccPoint(350, 406), cc_GalleryFonts::fixedPitch, layer);
-  write("Gr\xF6\xDF" "e 5 \xB5m, 20 \xB0" "C", ccPoint(480, 340), cc_GalleryFonts::bold, layer);
+  stage.text("Gr\xF6\xDF" "e 5 \xB5m, 20 \xB0" "C", ccPoint(484, 344));
 
   // What a text will cover is asked of the display, before it is drawn.
   std::string const boxed = "in its textRect";
@@ -164,9 +163,9 @@ void cf_pageSketches(ccGalleryStage& stage)
   recorder.draw(ccCircle(ccPoint(-15, 8), 3), ccColor::whiteColor(), layer, true);
   ccUISketch const chip = recorder.sketch();
 
-  stage.heading("One sketch, drawn at twelve places", ccPoint(16, 48));
-  for (int i = 0; i < 12; ++i)
-    tablet.draw(chip, ccPoint(60 + 76 * (i % 6), 100 + 66 * (i / 6)), ccUITablet::bothLayers);
+  stage.heading("One sketch, drawn at sixteen places", ccPoint(16, 48));
+  for (int i = 0; i < 16; ++i)
+    tablet.draw(chip, ccPoint(56 + 75 * (i % 8), 100 + 66 * (i / 8)), ccUITablet::bothLayers);
 
   // Sketches nest: a row of chips with a label is drawn three times.
   ccUITablet row;
@@ -174,21 +173,21 @@ void cf_pageSketches(ccGalleryStage& stage)
     row.draw(chip, ccPoint(70 * i, 0), ccUITablet::bothLayers);
   row.draw(ccRect(ccPoint(-35, -32), ccVector<2>(210, 64)), ccGraphicProps(ccColor::blueColor(), 1, ceDashPen, false), layer);
   stage.heading("A sketch of sketches", ccPoint(16, 222));
-  tablet.draw(row.sketch(), ccPoint(60, 280), ccUITablet::bothLayers);
-  tablet.draw(row.sketch(), ccPoint(300, 280), ccUITablet::bothLayers);
+  tablet.draw(row.sketch(), ccPoint(56, 280), ccUITablet::bothLayers);
+  tablet.draw(row.sketch(), ccPoint(356, 280), ccUITablet::bothLayers);
 
   // A clip limits what follows it.
   stage.heading("A sketch within a clip", ccPoint(16, 336));
-  tablet.drawClipRect(ccRect(ccPoint(60, 362), ccVector<2>(130, 90)), layer);
+  tablet.drawClipRect(ccRect(ccPoint(22, 362), ccVector<2>(130, 90)), layer);
   for (int i = 0; i < 12; ++i)
-    tablet.draw(chip, ccPoint(56 + 56 * (i % 4), 376 + 58 * (i / 4)), ccUITablet::bothLayers);
+    tablet.draw(chip, ccPoint(18 + 56 * (i % 4), 376 + 58 * (i / 4)), ccUITablet::bothLayers);
   tablet.drawClipRect(ccRect(), layer);
-  tablet.draw(ccRect(ccPoint(60, 362), ccVector<2>(130, 90)), ccGraphicProps(ccColor::redColor(), 1, ceSolidPen, false), layer);
+  tablet.draw(ccRect(ccPoint(22, 362), ccVector<2>(130, 90)), ccGraphicProps(ccColor::redColor(), 1, ceSolidPen, false), layer);
 
   ccUISketch both = chip;
   both += chip;
   both.erase();  // empties this one only
   stage.text("Copies share what is recorded. A display keeps the\nsketches that it was given, and draws them again\n"
              "whenever its image changes or moves.",
-             ccPoint(300, 380));
+             ccPoint(230, 382));
 }

@@ -17,30 +17,29 @@ void cf_pageCoordinates(ccGalleryStage& stage)
   pels.clientFromImageXform(imageFromClient.inverse());
   stage.image(pels);
   stage.display().mag(8);
-  stage.display().pan(ccVector<2>(0, -6));
+  stage.display().pan(ccVector<2>(0, -2));
 
   ccUITablet::Layers const layer = stage.layer();
-  auto const format = [](ccUIFormat::Alignment alignment) { return ccUIFormat(alignment); };
 
-  // Around image pel (50, 47): the pens stay thin and the text small.
+  // Pens stay thin and texts small, whatever the zoom.
   ccUITablet& image = stage.tablet(ccDisplay::imageCoords);
-  image.draw(ccCircle(ccPoint(53, 49), 13), ccColor::yellowColor(), layer);
-  image.draw(ccLineSeg(ccPoint(46, 49), ccPoint(60, 49)), ccGraphicProps(ccColor::yellowColor(), 1, ceDashPen, false), layer);
-  image.drawPointIcon(ccPoint(53, 49), ccGraphicProps(ccColor::yellowColor(), 1, ceSolidPen, false), layer);
-  image.draw("image coordinates\nradius 13 pels", ccPoint(53, 50.5), ccColor::yellowColor(), ccColor::passColor(),
-             format(ccUIFormat::topCenter), layer);
+  image.draw(ccCircle(ccPoint(55, 55), 12), ccColor::blueColor(), layer);
+  image.draw(ccLineSeg(ccPoint(43, 55), ccPoint(67, 55)), ccGraphicProps(ccColor::blueColor(), 1, ceDashPen, false), layer);
+  image.drawPointIcon(ccPoint(55, 55), ccGraphicProps(ccColor::redColor(), 1, ceSolidPen, false), layer);
+  image.draw("image coordinates:\nradius 12 pels", ccPoint(55, 57), ccColor::whiteColor(), ccColor::blueColor(),
+             ccUIFormat(ccUIFormat::topCenter), layer);
 
   ccUITablet& client = stage.tablet(ccDisplay::clientCoords);
   client.draw(ccCoordAxes(ccPoint(0, 0), ccPoint(6, 0), ccPoint(0, 6)), ccColor::cyanColor(), layer);
   client.draw(ccRect(ccPoint(1, 1), ccVector<2>(4, 3)), ccGraphicProps(ccColor::cyanColor(), 3, ceSolidPen, false), layer);
-  client.draw("client coordinates\n4 by 3 units", ccPoint(3, 2.5), ccColor::cyanColor(), ccColor::passColor(),
-              format(ccUIFormat::center), layer);
+  client.draw("client:\n4 by 3 units", ccPoint(3, 2.5), ccColor::cyanColor(), ccColor::blackColor(),
+              ccUIFormat(ccUIFormat::center), layer);
 
   ccUITablet& shown = stage.tablet(ccDisplay::displayCoords);
   shown.set(ccUIRect(16, 424, 300, 40), ccColor::blackColor(), layer);
   shown.outline3D(ccUIRect(16, 424, 300, 40), ccColor::ltGreyColor(), ccColor::dkGreyColor(), 2, layer);
   shown.draw("display coordinates: this box stays where it is", ccPoint(166, 444), ccColor::whiteColor(), ccColor::passColor(),
-             format(ccUIFormat::center), layer);
+             ccUIFormat(ccUIFormat::center), layer);
 }
 
 void cf_pageLayers(ccGalleryStage& stage)
@@ -94,7 +93,7 @@ void cf_pageMaps(ccGalleryStage& stage)
       {"as it is", ccMatrix<2>()},
       {"turned by 30", ccMatrix<2>(ccDegree(30), 1)},
       {"turned by 90", ccMatrix<2>(ccDegree(90), 1)},
-      {"twice as large", ccMatrix<2>(ccDegree(0), 1.5)},
+      {"enlarged", ccMatrix<2>(ccDegree(0), 1.4)},
       {"reduced", ccMatrix<2>(ccDegree(0), 0.5)},
       {"mirrored in x", ccMatrix<2>(-1, 0, 0, 1)},
       {"mirrored in y", ccMatrix<2>(1, 0, 0, -1)},
@@ -136,6 +135,7 @@ void cf_pageColours(ccGalleryStage& stage)
     stage.text(colors[i].name, ccPoint(static_cast<double>(x) + 34, static_cast<double>(y) + 40), ccUIFormat::topCenter);
   }
 
+  // On the image: what has the value of the pass colour would be a hole in the overlay, also if it is named otherwise.
   int const bits[] = {8, 15, 16, 24, 32};
   stage.heading("Any red, green and blue, as a screen of " + std::to_string(bits[stage.display().displayFormat()]) +
                     " bits a pel shows it",
@@ -145,10 +145,11 @@ void cf_pageColours(ccGalleryStage& stage)
     auto const w = static_cast<unsigned char>(255 - v);
     ccColor const ramps[] = {ccColor(v, 0, 0), ccColor(0, v, 0), ccColor(0, 0, v), ccColor(v, v, v), ccColor(v, w, 128)};
     for (long k = 0; k < 5; ++k)
-      tablet.set(ccUIRect(16 + 4 * i, 232 + 18 * k, 4, 16), ramps[k], layer);
+      tablet.set(ccUIRect(16 + 4 * i, 232 + 18 * k, 4, 16), ramps[k], ccUITablet::imageLayer);
   }
 
   stage.heading("The 256 entries of the palette", ccPoint(16, 336));
   for (long i = 0; i < 256; ++i)
-    tablet.set(ccUIRect(16 + 9 * (i % 64), 358 + 24 * (i / 64), 8, 22), ccColor(static_cast<unsigned char>(i)), layer);
+    tablet.set(ccUIRect(16 + 19 * (i % 64) / 2, 358 + 24 * (i / 64), 8, 22), ccColor(static_cast<unsigned char>(i)),
+               ccUITablet::imageLayer);
 }
