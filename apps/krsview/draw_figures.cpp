@@ -2,6 +2,8 @@
 
 #include "geometry/all.h"
 
+#include <algorithm>
+#include <cmath>
 #include <map>
 
 namespace {
@@ -56,6 +58,11 @@ ccGenRect cf_genRect(Fields& f, ccPoint const& center)
     auto const part = [](double r, double h) { return h > 0 ? std::min(r / h, 1.0) : 0.0; };
     rounding = ccVector<2>(part(round.x(), half.x()), part(round.y(), half.y()));
   }
+  auto const isFraction = [](double v) { return v >= 0 && v <= 1; };
+  if (!isFraction(rounding.x()) || !isFraction(rounding.y()))
+    f.fail("rounding", "two numbers from 0 to 1");
+  if (std::abs(f.angle("skew", 0).value()) >= cfPi / 2)
+    f.fail("skew", "an angle between -90 and 90 degrees");
   long const handed = f.whole("handed", -1, 1, 1);
   if (handed == 0)
     f.fail("handed", "1 or -1");

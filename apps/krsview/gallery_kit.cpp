@@ -16,7 +16,7 @@ constexpr long kTitleY = 8, kTop = 40, kMargin = 16, kCaption = 18;
 cc_GalleryFonts::cc_GalleryFonts(ccWin32Display& display)
 {
   plat::FontDesc const wanted[count] = {
-      {"", 18, true, false, false, true},  {"", 13, true, false, false, false},  {"", 13, false, false, false, true},
+      {"", 18, true, false, false, false},  {"", 13, true, false, false, false},  {"", 13, false, false, false, true},
       {"", 24, false, false, false, false}, {"", 24, false, false, false, true}, {"", 16, true, false, false, false},
       {"", 16, false, true, false, false}, {"", 16, true, true, false, false},   {"", 16, false, false, true, false},
   };
@@ -89,10 +89,10 @@ void ccGalleryStage::title(std::string const& text)
 {
   ccUIFormat format;
   format.fontId(font(cc_GalleryFonts::title));
-  // On the image layer, where edges are smooth.
-  tablet(ccDisplay::displayCoords).set(ccUIRect(0, 0, 4096, kTop - 8), ccColor(40, 60, 90), ccUITablet::imageLayer);
-  tablet(ccDisplay::displayCoords)
-      .draw(text, ccPoint(kMargin, kTitleY - 2), ccColor::whiteColor(), ccColor::passColor(), format, ccUITablet::imageLayer);
+  // The frame of display coordinates lies before the others, so what zooms slides below the title.
+  ccUITablet& shown = tablet(ccDisplay::displayCoords);
+  shown.set(ccUIRect(0, 0, 4096, kTop - 8), ccColor(40, 60, 90), layer());
+  shown.draw(text, ccPoint(kMargin, kTitleY - 2), ccColor::whiteColor(), ccColor::passColor(), format, layer());
 }
 
 void ccGalleryStage::text(std::string const& text, ccPoint const& at, ccUIFormat::Alignment alignment, ccColor const& color,

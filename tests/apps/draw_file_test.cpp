@@ -4,7 +4,9 @@
 
 #include <gtest/gtest.h>
 
-#include <set>
+#include <algorithm>
+#include <cmath>
+#include <utility>
 
 using Rows = std::vector<std::string>;
 
@@ -190,13 +192,13 @@ TEST(DrawFile, brokenStylesOfThinPensRunInTheirPatterns)
       {"solid", std::string(37, 'R')},
       {"dash", std::string(18, 'R') + "......" + std::string(13, 'R')},
       {"dot", "RRR...RRR...RRR...RRR...RRR...RRR...R"},
-      {"dashDot", "RRRRRRRRR......RRR......RRRRRRRRR......RRR"},
-      {"dashDotDot", "RRRRRRRRR...RRR...RRR...RRRRRRRRR...RRR"},
+      {"dashDot", "RRRRRRRRR......RRR......RRRRRRRRR...R"},  // a line's last pel is always painted
+      {"dashDotDot", "RRRRRRRRR...RRR...RRR...RRRRRRRRR...R"},
   };
   for (auto const& s : styles) {
     std::string const entry =
         std::string(R"({"kind": "lineSeg", "p1": [1, 10], "p2": [37, 10], "color": "red", "style": ")") + s.style + "\"}";
-    EXPECT_EQ(drawn(entry).rows(1, 10, 38, 11)[0], s.pattern.substr(0, 37)) << s.style;
+    EXPECT_EQ(drawn(entry).rows(1, 10, 38, 11)[0], s.pattern) << s.style;
   }
 }
 
@@ -301,11 +303,11 @@ TEST(DrawFile, fillRulesOfAPolygonThatRunsTwiceRound)
 
   DrawnPels const open = p(""), evenOdd = p(R"(, "fillRule": 1)"), winding = p(R"(, "fillRule": 2)"), filled = p(R"(, "fill": true)");
 
-  EXPECT_EQ(open.at(7, 7), kBlack);
+  EXPECT_EQ(open.at(7, 20), kBlack);
   EXPECT_EQ(open.at(14, 10), kRed);
-  EXPECT_EQ(evenOdd.at(7, 14), kRed);
+  EXPECT_EQ(evenOdd.at(7, 20), kRed);
   EXPECT_EQ(evenOdd.at(14, 14), kBlack);
-  EXPECT_EQ(winding.at(7, 14), kRed);
+  EXPECT_EQ(winding.at(7, 20), kRed);
   EXPECT_EQ(winding.at(14, 14), kRed);
   EXPECT_EQ(filled.pels, evenOdd.pels);
 }
@@ -369,22 +371,24 @@ TEST(DrawFile, circlesAndEllipsesHaveTheirRadii)
 {
   DrawnPels const circle = drawn(R"({"kind": "circle", "center": [20, 15], "radius": 8, "color": "red"})");
   DrawnPels const filled = drawn(R"({"kind": "circle", "center": [20, 15], "radius": 8, "color": "red", "fill": true})");
-  // All pels lie within one pel of the circle.
+  // A figure of the surface ends two pels before its box does: columns 12 to 26, rows 7 to 21. All pels lie within one pel of
+  // the circle of radius 7 about the middle of these, (19, 14).
   for (long y = 0; y < 30; ++y)
     for (long x = 0; x < 40; ++x) {
-      double const r = std::hypot(static_cast<double>(x) - 20, static_cast<double>(y) - 15);
+      double const r = std::hypot(static_cast<double>(x) - 19, static_cast<double>(y) - 14);
       if (circle.at(x, y) == kRed) {
-        EXPECT_NEAR(r, 8, 1.3) << x << "," << y;
+        EXPECT_NEAR(r, 7, 1) << x << "," << y;
       }
-      if (r < 6.5) {
+      if (r < 6) {
         EXPECT_EQ(filled.at(x, y), kRed) << x << "," << y;
-        EXPECT_EQ(circle.at(x, y), kBlack) << x << "," << y;
       }
-      if (r > 9.5) {
+      if (r > 8) {
         EXPECT_EQ(filled.at(x, y), kBlack) << x << "," << y;
       }
     }
-  EXPECT_GT(circle.count(kRed), 40);
+  for (DrawnPels const* p : {&circle, &filled})
+    for (auto const& [x, y] : {std::pair(12, 14), std::pair(26, 14), std::pair(19, 7), std::pair(19, 21)})
+      EXPECT_EQ(p->at(x, y), kRed) << x << "," << y;
   for (char const* const kind : {"ellipse", "ellipse2"}) {
     DrawnPels const e =
         drawn(std::string(R"({"kind": ")") + kind + R"(", "center": [20, 15], "radii": [14, 4], "rotation": 90, "color": "red", "fill": true})");
@@ -505,7 +509,7 @@ TEST(DrawFile, curvesRunThroughTheirEndsAndTheMiddleThatTheirFormulaGives)
   DrawnPels const bezier =
       drawn(R"({"kind": "bezierCurve", "controlPoints": [[4, 24], [4, 0], [36, 0], [36, 24]], "color": "red"})");
   EXPECT_EQ(bezier.at(4, 24), kRed);
-  EXPECT_EQ(bezier.at(36, 24), kRed);
+  EXPECT_EQ(bezier.at(36, 23), kRed);  // of an open chain the last pel is left out
   EXPECT_EQ(bezier.at(20, 6), kRed);
   // With weights 1, 2, 2, 1 the middle has 1/14 of the ends each and 6/14 of the others: 48/14 = 3.4.
   DrawnPels const heavy = drawn(
@@ -532,8 +536,15 @@ TEST(DrawFile, splinesFollowTheirPoints)
   for (char const* const kind : {"interpSpline", "hermiteSpline", "deBoorSpline"}) {
     std::string const start = std::string(R"({"kind": ")") + kind + "\", " + points;
     DrawnPels const open = drawn(start + "}"), closed = drawn(start + R"(, "isClosed": true})");
-    EXPECT_EQ(open.count(kRed, 18, 21, 23, 30), 0) << kind;
-    EXPECT_GT(closed.count(kRed), open.count(kRed) + 10) << kind;
+    EXPECT_EQ(open.at(4, 20), kRed) << kind;
+    if (std::string(kind) == "deBoorSpline") {
+      EXPECT_EQ(closed.at(4, 20), kBlack);
+      EXPECT_EQ(closed.at(12, 17), kRed);  // (P2 + 4 P0 + P1) / 6 = (12, 17.3)
+    } else {
+      EXPECT_EQ(closed.at(4, 20), kRed) << kind;
+      EXPECT_EQ(open.count(kRed, 8, 21, 33, 30), 0) << kind;
+      EXPECT_GT(closed.count(kRed, 8, 21, 33, 30), 15) << kind;  // the way back
+    }
     EXPECT_EQ(drawn(start + R"(, "closed": true})").pels, closed.pels) << kind;
   }
 }
