@@ -63,11 +63,11 @@ void cf_pageLayers(ccGalleryStage& stage)
               ccUIFormat(ccUIFormat::center), overlay);
 
   // What a measuring tool would show: wide, thin and broken lines over the image.
-  tablet.draw(ccEllipseAnnulusSection(ccPoint(320, 240), 190, 222, ccDegree(20), ccDegree(160)),
+  tablet.draw(ccEllipseAnnulusSection(ccPoint(320, 240), 166, 196, ccDegree(20), ccDegree(160)),
               ccGraphicProps(ccColor::yellowColor(), 2, ceSolidPen, false), overlay);
   for (int i = 0; i < 12; ++i) {
     ccVector<2> const ray = ccVector<2>::polar(1, ccDegree(26 + 11.6 * i));
-    tablet.draw(ccLineSeg(ccPoint(320, 240) + ray * 190, ccPoint(320, 240) + ray * 222), ccColor::yellowColor(), overlay);
+    tablet.draw(ccLineSeg(ccPoint(320, 240) + ray * 166, ccPoint(320, 240) + ray * 196), ccColor::yellowColor(), overlay);
   }
   tablet.draw(ccCircle(ccPoint(320, 240), 60), ccGraphicProps(ccColor::cyanColor(), 1, ceDashPen, false), overlay);
   tablet.drawPointIcon(ccPoint(320, 240), ccGraphicProps(ccColor::cyanColor(), 1, ceSolidPen, false), overlay);
