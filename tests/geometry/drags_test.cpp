@@ -75,6 +75,9 @@ TEST(GenRectDrag, aLengthOfZeroOrABadPointHasNoResult)
   EXPECT_FALSE(cfGenRectSize(r, V(0.5, 0.5), V(-30, -10), V(kNan, 50), false, false));
   EXPECT_FALSE(cfGenRectSize(r, V(1, 1), V(-30, -10), V(1e308, 1.7e308) * 1.5, false, false));
   EXPECT_FALSE(cfGenRectRound(r, V(1, 1), V(cfInfinity, 3)));
+  // So steep that the y side would lean beyond all bounds.
+  ccGenRect const steep(V(0, 0), 1, 1, 1, ccRadian(cfPi / 2), deg(0), V());
+  EXPECT_FALSE(cfGenRectSize(steep, V(1, 1), V(-1e300, -1e300), V(1e300, 1e300), false, false));
 }
 
 TEST(AffineRectDrag, backToWhereTheCornerWasRestores)
@@ -157,8 +160,8 @@ TEST(AnnulusDrag, theInnerRectangleIsSmallerByTwoUnits)
 
   EXPECT_TRUE(cfIsNested(inner(20, 10, 0, 0), outer));
   EXPECT_TRUE(cfIsNested(inner(38, 18, 0, 0), outer));
-  EXPECT_FALSE(cfIsNested(inner(38.001, 18, 0, 0), outer));
-  EXPECT_FALSE(cfIsNested(inner(38, 18.001, 0, 0), outer));
+  EXPECT_FALSE(cfIsNested(inner(38 + 1e-9, 18, 0, 0), outer));
+  EXPECT_FALSE(cfIsNested(inner(38, 18 + 1e-9, 0, 0), outer));
   // The centre of the outer rounding lies at (40 - 10, 20 - 5).
   ccGenRect const round(V(0, 0), V(40, 20), deg(0), V(10, 5));
   EXPECT_TRUE(cfIsNested(inner(30, 15, 0, 0), round));
