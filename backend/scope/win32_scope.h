@@ -313,7 +313,7 @@ private:
   ccUIRect clipToDisplay_(ccUIRect const& rootRect) const;
 
   // Lines, figures and text. Rectangles are in pels of the scope.
-  template <class Paint> void paintFigure_(ccUIRect const&, Paint&&);
+  template <class Paint> void paintFigure_(ccUIRect const& touched, ccUIRect const& reach, Paint&&);
   ccUIRect figureRect_(ccRect const& box, long before, double more) const;
   template <class Points> bool chainOf_(Points const&, long reach, ccUIRect& touched);
   void paintLine_(plat::Painter&, ccPair<long> const& from, ccPair<long> const& to, ccGraphicProps const&);

@@ -108,11 +108,12 @@ ccUIRect ccWin32UIScope::figureRect_(ccRect const& box, long before, double more
                   cf_to32(ceilTL(box.width() + more)), cf_to32(ceilTL(box.height() + more)));
 }
 
-// The frame of every figure. paint(painter) may widen what was touched by returning a rectangle.
-template <class Paint> void ccWin32UIScope::paintFigure_(ccUIRect const& touched, Paint&& paint)
+// The frame of every figure. paint(painter) may widen what was touched by returning a rectangle, up to all of `reach`.
+template <class Paint>
+void ccWin32UIScope::paintFigure_(ccUIRect const& touched, ccUIRect const& reach, Paint&& paint)
 {
   ccUIRect const r = touched & ownRect_();
-  if (r.isNull())
+  if ((reach & ownRect_()).isNull())
     return;
   ccUIRect drawn = r;
   if (win32DrawStart(kPaint)) {
@@ -153,7 +154,7 @@ void ccWin32UIScope::draw(ccPolygon const& polygon, ccGraphicProps const& props)
   ccUIRect touched;
   if (!chainOf_(polygon.points(), cf_halfWidthOfEnds(props), touched))
     return;
-  paintFigure_(touched, [&](plat::Painter& painter) {
+  paintFigure_(touched, touched, [&](plat::Painter& painter) {
     plat::Point const origin = painter.windowOrigin(plat::Point{0, 0});
     dress(painter, props, bgrColor_(props.penColor()), polygon.fillRule() != 0);
     if (polygon.fillRule() != 0)
@@ -174,7 +175,7 @@ void ccWin32UIScope::draw(ccPolyline const& polyline, ccGraphicProps const& prop
     return;
   if (polyline.closed())
     root_().chain_.push_back(root_().chain_.front());
-  paintFigure_(touched, [&](plat::Painter& painter) {
+  paintFigure_(touched, touched, [&](plat::Painter& painter) {
     plat::Point const origin = painter.windowOrigin(plat::Point{0, 0});
     dress(painter, props, bgrColor_(props.penColor()), false);
     painter.polyline(root_().chain_);
@@ -192,7 +193,7 @@ void ccWin32UIScope::draw(ccGenRect const& rect, ccGraphicProps const& props)
   ccVector<2> const at = box.ul() - ccVector<2>(clientOffset());
   ccUIRect const touched(cf_to32(floorTL(at.x()) - h - 1), cf_to32(floorTL(at.y()) - h - 1),
                          cf_to32(ceilTL(box.width()) + 2 * h + 2), cf_to32(ceilTL(box.height()) + 2 * h + 2));
-  paintFigure_(touched, [&](plat::Painter& painter) {
+  paintFigure_(touched, touched, [&](plat::Painter& painter) {
     dress(painter, props, bgrColor_(props.penColor()), props.fill());
     ccPoint const corner = rect.center() - rect.halfLengths();
     long const x = xCoord(corner), y = yCoord(corner);
@@ -227,7 +228,9 @@ void ccWin32UIScope::draw(ccEllipse const& ellipse, ccGraphicProps const& props)
     return draw(ellipse.center(), props);
   long const h = cf_halfWidth(props);
   ccUIRect const touched = figureRect_(ellipse.encloseRect(), 3 * h, static_cast<double>(5 * h));
-  paintFigure_(touched, [&](plat::Painter& painter) {
+  // The box in whole pels isn't quite about the centre, so a turned ellipse may stick out.
+  ccUIRect const reach = figureRect_(ellipse.encloseRect(), 3 * h + 2, static_cast<double>(6 * h + 4));
+  paintFigure_(touched, reach, [&](plat::Painter& painter) {
     dress(painter, props, bgrColor_(props.penColor()), props.fill());
     ccVector<2> const d = ellipse.center() - ccVector<2>(clientOffset());
     ccVector<2> const shift(floorT(d.x()), floorT(d.y()));
@@ -243,12 +246,15 @@ void ccWin32UIScope::draw(ccEllipse const& ellipse, ccGraphicProps const& props)
       painter.ellipse(placed);
       return ccUIRect();
     }
-    WorldTurn const turn(painter, angle, shift);
-    if (turn.inForce())
-      painter.ellipse(box);
-    else
-      paintTurnedBezier(painter, placed, ccVector<2>(), angle, middleOf(placed), props.fill());
-    return ccUIRect();
+    cf_beginBounds(painter);
+    {
+      WorldTurn const turn(painter, angle, shift);
+      if (turn.inForce())
+        painter.ellipse(box);
+      else
+        paintTurnedBezier(painter, placed, ccVector<2>(), angle, middleOf(placed), props.fill());
+    }
+    return cf_endBounds(painter);
   });
 }
 
@@ -258,7 +264,9 @@ void ccWin32UIScope::draw(ccEllipseArc const& arc, ccGraphicProps const& props)
     return draw(arc.startPoint(), props);
   long const h = cf_halfWidth(props);
   ccUIRect const touched = figureRect_(arc.encloseRect(), 2 * h, static_cast<double>(4 * h));
-  paintFigure_(touched, [&](plat::Painter& painter) {
+  // Its ends follow rays through whole pels, which a thin ellipse meets far from the true ends.
+  ccUIRect const all = figureRect_(arc.ellipse().encloseRect(), 3 * h + 2, static_cast<double>(6 * h + 4));
+  paintFigure_(touched, all, [&](plat::Painter& painter) {
     dress(painter, props, bgrColor_(props.penColor()), false);
     ccEllipse const ellipse = arc.ellipse();
     ccVector<2> const d = ellipse.center() - ccVector<2>(clientOffset());
@@ -323,7 +331,8 @@ void ccWin32UIScope::draw(ccEllipseArc2 const& arc, ccGraphicProps const& props)
 
 void ccWin32UIScope::draw(ccGenShape const& shape, ccColor const& color)
 {
-  paintFigure_(figureRect_(shape.encloseRect(), 1, 2), [&](plat::Painter& painter) {
+  ccUIRect const touched = figureRect_(shape.encloseRect(), 1, 2);
+  paintFigure_(touched, touched, [&](plat::Painter& painter) {
     if (auto const* self = dynamic_cast<ccDrawsItself const*>(&shape)) {
       dress(painter, ccGraphicProps(color, 1, ceSolidPen, false), bgrColor_(color), false);
       self->drawOn(&painter);
@@ -336,7 +345,8 @@ void ccWin32UIScope::draw(ccGenShape const& shape, ccColor const& color)
 void ccWin32UIScope::draw(ccGraphic const& graphic, ccGraphicProps const& props)
 {
   long const h = cf_halfWidth(props);
-  paintFigure_(figureRect_(graphic.encloseRect(), h, static_cast<double>(2 * h)), [&](plat::Painter& painter) {
+  ccUIRect const touched = figureRect_(graphic.encloseRect(), h, static_cast<double>(2 * h));
+  paintFigure_(touched, touched, [&](plat::Painter& painter) {
     if (auto const* self = dynamic_cast<ccDrawsItself const*>(&graphic)) {
       dress(painter, props, bgrColor_(props.penColor()), props.fill());
       self->drawOn(&painter);
