@@ -120,7 +120,8 @@ private:
         b = within(0, 1) ? ccPoint(a.x(), b.y()) : ccPoint(b.x(), a.y());
       if (brokenWide_)
         for (ccPoint* p : {&a, &b})
-          *p = ccPoint(std::clamp(p->x(), 0.0, static_cast<double>(w_ - 1)), std::clamp(p->y(), 0.0, static_cast<double>(h_ - 1)));
+          *p = ccPoint(std::clamp(p->x(), 0.0, static_cast<double>(w_ - 1)),
+                       std::clamp(p->y(), 0.0, static_cast<double>(h_ - 1)));
       return [a, b, props](ccUIScope& s) { s.draw(ccLineSeg(a, b), props); };
     }
     case kChain: {

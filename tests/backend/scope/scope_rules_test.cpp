@@ -191,7 +191,8 @@ TEST_F(ScopeRules, penOfAnIndexAloneTakesItsColorFromTheMap)
     screen(depth);
     ScopeProbe scope;
     prepare(scope);
-    scope.draw(ccLineSeg(ccPoint(2, 5), ccPoint(30, 5)), ccGraphicProps(ccColor(static_cast<unsigned char>(77)), 1, ceSolidPen, false));
+    ccColor const index(static_cast<unsigned char>(77));
+    scope.draw(ccLineSeg(ccPoint(2, 5), ccPoint(30, 5)), ccGraphicProps(index, 1, ceSolidPen, false));
     EXPECT_EQ(pelOf(scope.surface(), 4, 5), surfacePel(testColor(77), depth)) << depth;
     // A colour with both goes by its RGB.
     scope.draw(ccLineSeg(ccPoint(2, 9), ccPoint(30, 9)),
@@ -341,11 +342,15 @@ TEST_F(ScopeRules, figuresReportSeeThroughAndFillsAndTextReportOpaque)
   };
   EXPECT_FALSE(opaque([&](ccUIScope& s) { s.draw(ccPoint(5, 5), pen()); }));
   EXPECT_FALSE(opaque([&](ccUIScope& s) { s.draw(ccLineSeg(ccPoint(5, 5), ccPoint(9, 9)), pen()); }));
-  EXPECT_FALSE(opaque([&](ccUIScope& s) { s.draw(ccGenRect(ccPoint(9, 9), ccVector<2>(4, 4), ccRadian(0), ccVector<2>()), pen()); }));
+  ccGenRect const box(ccPoint(9, 9), ccVector<2>(4, 4), ccRadian(0), ccVector<2>());
+  EXPECT_FALSE(opaque([&](ccUIScope& s) { s.draw(box, pen()); }));
   EXPECT_FALSE(opaque([&](ccUIScope& s) { s.draw(ccEllipse(ccPoint(9, 9), 4, 4, ccRadian(0)), pen()); }));
   EXPECT_FALSE(opaque([&](ccUIScope& s) { s.fill(ccPoint(9, 9), ccColor::redColor(), ccColor::blackColor(), false); }));
   // All of the scope, as an opaque change of a part doesn't make the whole opaque.
   EXPECT_TRUE(opaque([&](ccUIScope& s) { s.set(ccUIRect(0, 0, width, height), ccColor::redColor()); }));
+  EXPECT_TRUE(opaque([&](ccUIScope& s) {
+    s.draw(std::string("MMMMMMMM\nMMMMMMMM"), ccPoint(0, 0), ccColor::whiteColor(), ccColor::redColor(), ccUIFormat());
+  }));
 }
 
 // --- Places of figures
@@ -385,8 +390,8 @@ TEST_F(ScopeRules, arcHasWholeRadiiOfAtLeastOne)
   for (auto const& row : rows) {
     ScopeProbe scope;
     create(scope);
-    scope.draw(ccEllipseArc(ccEllipse(ccPoint(20.7, 15.7), row.rx, row.ry, ccRadian(0)), ccRadian(0), ccRadian(6.283185307179586)),
-               pen());
+    ccEllipse const ellipse(ccPoint(20.7, 15.7), row.rx, row.ry, ccRadian(0));
+    scope.draw(ccEllipseArc(ellipse, ccRadian(0), ccRadian(6.283185307179586)), pen());
     EXPECT_EQ(inked(scope), row.ink) << row.rx;
   }
 }
@@ -438,7 +443,8 @@ TEST_F(ScopeRules, bezierPointsWithoutRoundingAreThoseOfTheWholeCurve)
 
 TEST_F(ScopeRules, colorsOfPointsAtEachDepth)
 {
-  ccColor const direct(200, 100, 50), index(static_cast<unsigned char>(99)), both = ccColor::paletteEntry(99, ccRGB(200, 100, 50));
+  ccColor const direct(200, 100, 50), index(static_cast<unsigned char>(99));
+  ccColor const both = ccColor::paletteEntry(99, ccRGB(200, 100, 50));
   for (int const depth : allDepths) {
     screen(depth);
     ScopeProbe scope;
@@ -542,7 +548,8 @@ TEST_F(ScopeRules, textMovesByItsAlignmentAndNothingElse)
     auto const drawn = [&](int a) {
       scope.set(ccColor::blackColor());
       scope.clearChange();
-      scope.draw(text, ccPoint(100, 80), ccColor::whiteColor(), ccColor::redColor(), ccUIFormat(static_cast<ccUIFormat::Alignment>(a)));
+      ccUIFormat const format(static_cast<ccUIFormat::Alignment>(a));
+      scope.draw(text, ccPoint(100, 80), ccColor::whiteColor(), ccColor::redColor(), format);
       return scope.changeRect();
     };
     ccUIRect const first = drawn(0);
