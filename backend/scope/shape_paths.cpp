@@ -41,6 +41,11 @@ long cf_halfWidthOfEnds(ccGraphicProps const& props)
   return props.capStyle() == 2 ? cfTruncToLong(static_cast<double>(h) * squareCapReach) : h;
 }
 
+ccUIRect cf_grown(ccUIRect const& r, long by)
+{
+  return ccUIRect(r.left() - by, r.top() - by, r.width() + 2 * by, r.height() + 2 * by);
+}
+
 void cf_beginBounds(plat::Painter& painter) { painter.setBounds(nullptr, boundsReset | boundsEnable); }
 
 ccUIRect cf_endBounds(plat::Painter& painter)

@@ -16,6 +16,9 @@ long cf_halfWidth(ccGraphicProps const&);
 // The same for strokes with free ends: square caps reach further.
 long cf_halfWidthOfEnds(ccGraphicProps const&);
 
+// A rectangle with so many pels more on each side.
+ccUIRect cf_grown(ccUIRect const&, long by);
+
 // Starts to note what is painted, and ends it. In pels of the scope.
 void cf_beginBounds(plat::Painter&);
 ccUIRect cf_endBounds(plat::Painter&);

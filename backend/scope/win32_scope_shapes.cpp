@@ -108,7 +108,7 @@ ccUIRect ccWin32UIScope::figureRect_(ccRect const& box, long before, double more
                   cf_to32(ceilTL(box.width() + more)), cf_to32(ceilTL(box.height() + more)));
 }
 
-// The frame of every figure. paint(painter) may widen what was touched by returning a rectangle, up to all of `reach`.
+// The frame of every figure. What is painted outside `touched`, at most within `reach`, is reported as well.
 template <class Paint>
 void ccWin32UIScope::paintFigure_(ccUIRect const& touched, ccUIRect const& reach, Paint&& paint)
 {
@@ -118,7 +118,9 @@ void ccWin32UIScope::paintFigure_(ccUIRect const& touched, ccUIRect const& reach
   ccUIRect drawn = r;
   if (win32DrawStart(kPaint)) {
     if (plat::Painter* const painter = painter_()) {
-      drawn = (r | paint(*painter)) & ownRect_();
+      cf_beginBounds(*painter);
+      paint(*painter);
+      drawn = (r | cf_endBounds(*painter)) & ownRect_();
       painter->noBrush();
     }
     win32Changed(drawn);
@@ -154,7 +156,7 @@ void ccWin32UIScope::draw(ccPolygon const& polygon, ccGraphicProps const& props)
   ccUIRect touched;
   if (!chainOf_(polygon.points(), cf_halfWidthOfEnds(props), touched))
     return;
-  paintFigure_(touched, touched, [&](plat::Painter& painter) {
+  paintFigure_(touched, cf_grown(touched, cf_halfWidth(props)), [&](plat::Painter& painter) {
     plat::Point const origin = painter.windowOrigin(plat::Point{0, 0});
     dress(painter, props, bgrColor_(props.penColor()), polygon.fillRule() != 0);
     if (polygon.fillRule() != 0)
@@ -162,7 +164,6 @@ void ccWin32UIScope::draw(ccPolygon const& polygon, ccGraphicProps const& props)
     else
       painter.polyline(root_().chain_);
     painter.windowOrigin(origin);
-    return ccUIRect();
   });
 }
 
@@ -175,12 +176,11 @@ void ccWin32UIScope::draw(ccPolyline const& polyline, ccGraphicProps const& prop
     return;
   if (polyline.closed())
     root_().chain_.push_back(root_().chain_.front());
-  paintFigure_(touched, touched, [&](plat::Painter& painter) {
+  paintFigure_(touched, cf_grown(touched, cf_halfWidth(props)), [&](plat::Painter& painter) {
     plat::Point const origin = painter.windowOrigin(plat::Point{0, 0});
     dress(painter, props, bgrColor_(props.penColor()), false);
     painter.polyline(root_().chain_);
     painter.windowOrigin(origin);
-    return ccUIRect();
   });
 }
 
@@ -193,7 +193,7 @@ void ccWin32UIScope::draw(ccGenRect const& rect, ccGraphicProps const& props)
   ccVector<2> const at = box.ul() - ccVector<2>(clientOffset());
   ccUIRect const touched(cf_to32(floorTL(at.x()) - h - 1), cf_to32(floorTL(at.y()) - h - 1),
                          cf_to32(ceilTL(box.width()) + 2 * h + 2), cf_to32(ceilTL(box.height()) + 2 * h + 2));
-  paintFigure_(touched, touched, [&](plat::Painter& painter) {
+  paintFigure_(touched, cf_grown(touched, h), [&](plat::Painter& painter) {
     dress(painter, props, bgrColor_(props.penColor()), props.fill());
     ccPoint const corner = rect.center() - rect.halfLengths();
     long const x = xCoord(corner), y = yCoord(corner);
@@ -204,7 +204,7 @@ void ccWin32UIScope::draw(ccGenRect const& rect, ccGraphicProps const& props)
     double const angle = rect.orient().value();
     if (angle == 0) {
       painter.roundRect(figure, ends);
-      return ccUIRect();
+      return;
     }
     ccVector<2> const c = rect.center() - ccVector<2>(clientOffset());
     double const cs = std::cos(angle), sn = std::sin(angle);
@@ -216,7 +216,6 @@ void ccWin32UIScope::draw(ccGenRect const& rect, ccGraphicProps const& props)
       paintTurnedBezier(painter, figure, round, angle, c, props.fill());
     else
       paintTurnedBox(painter, figure, angle, c);
-    return ccUIRect();
   });
 }
 
@@ -244,17 +243,13 @@ void ccWin32UIScope::draw(ccEllipse const& ellipse, ccGraphicProps const& props)
     plat::Rect const placed = shifted(box, cfTruncToLong(shift.x()), cfTruncToLong(shift.y()));
     if (upright) {
       painter.ellipse(placed);
-      return ccUIRect();
+      return;
     }
-    cf_beginBounds(painter);
-    {
-      WorldTurn const turn(painter, angle, shift);
-      if (turn.inForce())
-        painter.ellipse(box);
-      else
-        paintTurnedBezier(painter, placed, ccVector<2>(), angle, middleOf(placed), props.fill());
-    }
-    return cf_endBounds(painter);
+    WorldTurn const turn(painter, angle, shift);
+    if (turn.inForce())
+      painter.ellipse(box);
+    else
+      paintTurnedBezier(painter, placed, ccVector<2>(), angle, middleOf(placed), props.fill());
   });
 }
 
@@ -293,7 +288,6 @@ void ccWin32UIScope::draw(ccEllipseArc const& arc, ccGraphicProps const& props)
     long const x = cfTruncToLong(shift.x()), y = cfTruncToLong(shift.y());
     auto const placed = [x, y](plat::Point p) { return cf_toPoint(p.x + x, p.y + y); };
     double const angle = ellipse.rotation().value();
-    cf_beginBounds(painter);
     if (std::abs(angle) <= uprightLimit) {
       painter.arc(shifted(box, x, y), placed(last), placed(first));
     } else {
@@ -303,7 +297,6 @@ void ccWin32UIScope::draw(ccEllipseArc const& arc, ccGraphicProps const& props)
       else
         painter.arc(shifted(box, x, y), placed(last), placed(first));
     }
-    return cf_endBounds(painter);
   });
 }
 
@@ -338,7 +331,6 @@ void ccWin32UIScope::draw(ccGenShape const& shape, ccColor const& color)
       self->drawOn(&painter);
       painter.worldTransform(nullptr);
     }
-    return ccUIRect();
   });
 }
 
@@ -352,6 +344,5 @@ void ccWin32UIScope::draw(ccGraphic const& graphic, ccGraphicProps const& props)
       self->drawOn(&painter);
       painter.worldTransform(nullptr);
     }
-    return ccUIRect();
   });
 }

@@ -49,18 +49,26 @@ void ccWin32UIScope::drawToRel(long dx, long dy, ccGraphicProps const& props)
   ccPair<long> const from = currentPoint();
   ccPair<long> const to = from + ccPair<long>(dx, dy);
   long const h = cf_halfWidthOfEnds(props);
-  ccUIRect const r = ccUIRect(std::min(from.x(), to.x()) - h, std::min(from.y(), to.y()) - h, std::labs(dx) + 2 * h,
-                              std::labs(dy) + 2 * h) &
-                     ownRect_();
-  if (!r.isNull()) {
+  ccUIRect const touched(std::min(from.x(), to.x()) - h, std::min(from.y(), to.y()) - h, std::labs(dx) + 2 * h,
+                         std::labs(dy) + 2 * h);
+  bool const wide = props.penWidth() >= 2;
+  // The corner of a slanted square end may lie just outside.
+  ccUIRect const reach = wide && dx != 0 && dy != 0 ? cf_grown(touched, 1) : touched;
+  ccUIRect drawn = touched & ownRect_();
+  if (!(reach & ownRect_()).isNull()) {
     if (win32DrawStart(kPaint)) {
-      if (plat::Painter* const painter = painter_())
+      if (plat::Painter* const painter = painter_()) {
+        if (wide)
+          cf_beginBounds(*painter);
         paintLine_(*painter, from, to, props);
-      win32Changed(r);
+        if (wide)
+          drawn = (drawn | cf_endBounds(*painter)) & ownRect_();
+      }
+      win32Changed(drawn);
     }
     win32DrawStop();
   }
-  report_(r, false);
+  report_(drawn, false);
   moveToRel(dx, dy);
 }
 
