@@ -203,17 +203,34 @@ TEST_F(ScopeRules, penOfAnIndexAloneTakesItsColorFromTheMap)
 
 TEST_F(ScopeRules, brokenWideLineIsMovedToTheEdgeOfTheSurfaceThatItLiesBeside)
 {
-  // Both coordinates are clamped. Three columns about column -1 would show column 0 alone, which is what is reported; about
-  // column 0 they show two.
+  // Both coordinates are clamped. Three columns about column -1 would show column 0 alone, which is half the width and 1
+  // around the line; about column 0 they show two, and these are reported.
   ScopeProbe scope;
   create(scope);
   scope.draw(ccLineSeg(ccPoint(-1, 5), ccPoint(-1, 20)), pen(3, 1, 0, 1));
   EXPECT_EQ(inked(scope), ccUIRect(0, 5, 2, 15));
-  EXPECT_EQ(scope.changeRect(), ccUIRect(0, 3, 1, 19));
+  EXPECT_EQ(scope.changeRect(), ccUIRect(0, 3, 2, 19));
   ScopeProbe solid;
   create(solid);
   solid.draw(ccLineSeg(ccPoint(-1, 5), ccPoint(-1, 20)), pen(3, 0, 0, 1));
   EXPECT_EQ(inked(solid), ccUIRect(0, 5, 1, 15));
+}
+
+TEST_F(ScopeRules, squareEndOfASlantedLineReportsItsCornerOutsideTheWidenedBox)
+{
+  // At width 3 the box is widened by 2, its right column is 11, and the corner lies 2.12 pels from column 10.
+  ScopeProbe scope;
+  create(scope);
+  scope.draw(ccLineSeg(ccPoint(5, 5), ccPoint(10, 10)), pen(3, 0, 0, 2));
+  EXPECT_NE(pelOf(scope.surface(), 12, 10), 0u);
+  EXPECT_TRUE(scope.changeRect().contains(inked(scope)));
+  EXPECT_TRUE(scope.changeRect().contains(ccUIRect(3, 3, 9, 9)));
+  // And a part that begins with that column shows it.
+  ScopeProbe other;
+  create(other);
+  std::unique_ptr<ccUIScope> const part(other.createChildScope(ccUIRect(12, 0, 10, height), true));
+  part->draw(ccLineSeg(ccPoint(5, 5), ccPoint(10, 10)), pen(3, 0, 0, 2));
+  EXPECT_EQ(inked(other), ccUIRect(12, 10, 1, 1));
 }
 
 TEST_F(ScopeRules, squareCapsOfASlantedChainReachBeyondHalfTheWidth)
