@@ -53,6 +53,8 @@ struct cs_Turned {
 
   cs_Turned(ccVector<2> const& l, double a) : lengths(l), angle(a)
   {
+    if (a == 0)
+      return;
     double const quarters = std::round(a / (cfPi / 2));
     if (!(std::abs(a - quarters * (cfPi / 2)) <= upright))
       return;
@@ -104,8 +106,12 @@ cs_MapKind const& ccUITablet::mapKind_() const
 // Cut where no scope can count its pels.
 void ccUITablet::drawPoints_(ccGraphicProps const& props, int layer, ce_Chain kind, int rule)
 {
+  drawPoints_(props, layer, kind, rule, cf_reachOf(top_()->scratch().points));
+}
+
+void ccUITablet::drawPoints_(ccGraphicProps const& props, int layer, ce_Chain kind, int rule, cs_Reach const& reach)
+{
   cc_DrawScratch& s = top_()->scratch();
-  cs_Reach const reach = cf_reachOf(s.points);
   if (s.points.empty() || !reach.isFinite())
     return;
   if (reach.isWithin(cf_pelReach))
@@ -309,13 +315,18 @@ void ccUITablet::draw(ccEllipseAnnulusSection const& section, ccGraphicProps con
 
 // --- Chains of vertices
 
-void ccUITablet::mapPoints_(std::vector<ccVector<2>> const& points, int layer)
+cs_Reach ccUITablet::mapPoints_(std::vector<ccVector<2>> const& points, int layer)
 {
+  cs_Reach reach;
   std::vector<ccVector<2>>& mapped = top_()->scratch().points;
   ccXform<2> const map = drawMap_(layer);
   mapped.resize(points.size());
-  for (std::size_t i = 0; i < points.size(); ++i)
-    mapped[i] = map.mapPoint(points[i]);
+  for (std::size_t i = 0; i < points.size(); ++i) {
+    ccVector<2> const p = map.mapPoint(points[i]);
+    reach.add(p);
+    mapped[i] = p;
+  }
+  return reach;
 }
 
 // The scope knows what a polygon is: of its own rule, open where it is not filled, a point of one vertex.
@@ -326,8 +337,8 @@ void ccUITablet::draw(ccPolygon const& polygon, ccGraphicProps const& props, Lay
     return;
   }
   onLayers_(props, l, [&](int layer) {
-    mapPoints_(polygon.points(), layer);
-    drawPoints_(props, layer, ce_Chain::polygon, polygon.fillRule());
+    cs_Reach const reach = mapPoints_(polygon.points(), layer);
+    drawPoints_(props, layer, ce_Chain::polygon, polygon.fillRule(), reach);
   });
 }
 
@@ -338,8 +349,8 @@ void ccUITablet::draw(ccPolyline const& polyline, ccGraphicProps const& props, L
     return;
   }
   onLayers_(props, l, [&](int layer) {
-    mapPoints_(polyline.points(), layer);
-    drawPoints_(props, layer, polyline.closed() ? ce_Chain::closed : ce_Chain::open, 0);
+    cs_Reach const reach = mapPoints_(polyline.points(), layer);
+    drawPoints_(props, layer, polyline.closed() ? ce_Chain::closed : ce_Chain::open, 0, reach);
   });
 }
 
