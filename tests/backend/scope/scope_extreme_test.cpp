@@ -2,7 +2,7 @@
 #include "canvas/format.h"
 #include "canvas/rle_buffer.h"
 #include "geometry/ellipse_arc.h"
-#include "tests/backend/scope/every_figure.h"
+#include "tests/support/every_figure.h"
 #include "tests/backend/scope/scope_fixture.h"
 
 #include <cmath>

@@ -244,6 +244,27 @@ TEST_F(TabletFar, hugeCirclesAreRightWithinHalfAPel)
     }
 }
 
+TEST_F(TabletFar, hugeCirclesOfAMapThatKeepsShapesAreRightWithinHalfAPel)
+{
+  for (double const radius : {2e6, 1e7, 1e9})
+    for (int i = 0; i < 8; ++i) {
+      double const angle = i * cfPi / 4 + 0.2;
+      // Through (100, 75) under the map, whose quarter turn and magnification by 2 take (x, y) to (-2 y, 2 x) and the shift.
+      tablet.baseMap(ccXform<2>(ccMatrix<2>(0, -2, 2, 0), ccVector<2>(100, 75)));
+      ccCircle const circle(ccPoint(radius * std::cos(angle), radius * std::sin(angle)), radius);
+      ccVector<2> const center(100 - 2 * circle.center().y(), 75 + 2 * circle.center().x());
+      clear();
+      tablet.draw(circle, ccColor::whiteColor(), kImage);
+      Pels const pels = inked();
+      EXPECT_GE(pels.size(), 100u);
+      for (auto const& [x, y] : pels) {
+        long double const dx = x - static_cast<long double>(center.x()), dy = y - static_cast<long double>(center.y());
+        long double const off = std::abs(std::sqrt(dx * dx + dy * dy) - 2 * static_cast<long double>(radius));
+        ASSERT_LE(off, 0.501L) << radius << ' ' << i << ' ' << x << ' ' << y;
+      }
+    }
+}
+
 TEST_F(TabletFar, hugeFilledAndWideCirclesBendSmoothly)
 {
   for (double const radius : {3e4, 5e5, 1e7, 1e9})

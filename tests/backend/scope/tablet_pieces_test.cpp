@@ -1,6 +1,6 @@
 // A figure drawn through a clip, in pieces between other tablets, or area by area has the pels of the whole one.
 #include "geometry/rect.h"
-#include "tests/backend/scope/every_figure.h"
+#include "tests/support/every_figure.h"
 #include "tests/backend/scope/scope_fixture.h"
 #include "tests/canvas/tablet_fixture.h"
 
