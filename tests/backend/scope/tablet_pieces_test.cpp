@@ -167,6 +167,40 @@ TEST_F(TabletPieces, polygonWithoutFillIsTheScopesOpenChain)
   }
 }
 
+TEST_F(TabletPieces, figureSmallerThanAPelLeavesOne)
+{
+  for (double const size : {1e-6, 0.3, 30.0})
+    for (NamedFigure const& figure : everyFigure(ccPoint(60.1, 44.9), size))
+      for (bool const fill : {false, true}) {
+        if (figure.name == "polygon" || figure.name == "polyline")
+          continue;  // open chains end before their last pel, and that may be all there is
+        clear();
+        ccUITablet tablet(&scope, nullptr);
+        figure.draw(tablet, ccGraphicProps(ccColor::whiteColor(), 1, ceSolidPen, fill), kImage);
+        std::vector<std::uint32_t> const all = pels();
+        bool near = false;
+        for (long y = 35; y < 55; ++y)
+          for (long x = 28; x < 95; ++x)
+            near = near || all[static_cast<std::size_t>(y * wide + x)] != 0;
+        EXPECT_TRUE(near) << figure.name << ' ' << size << ' ' << fill;
+      }
+}
+
+TEST_F(TabletPieces, ellipseOfRadiusZeroIsAPointUnderEveryMap)
+{
+  for (ccXform<2> const& map : {ccXform<2>(), ccXform<2>(2, 1, ccVector<2>(3, 4))}) {
+    clear();
+    ccUITablet tablet(&scope, nullptr);
+    tablet.baseMap(map);
+    tablet.draw(ccEllipse(ccPoint(20, 30), 0, 9, ccRadian(0.3)), ccColor::whiteColor(), kImage);
+    std::vector<std::uint32_t> const all = pels();
+    ccVector<2> const at = map.mapPoint(ccVector<2>(20, 30));
+    for (long y = 0; y < high; ++y)
+      for (long x = 0; x < wide; ++x)
+        ASSERT_EQ(all[static_cast<std::size_t>(y * wide + x)] != 0, x == std::lround(at.x()) && y == std::lround(at.y()));
+  }
+}
+
 TEST_F(TabletPieces, filledRingLeavesItsMiddleFree)
 {
   ccEllipseAnnulus const ring(ccEllipse(ccPoint(60, 45), 40, 30, ccRadian(0)), ccEllipse(ccPoint(60, 45), 15, 12, ccRadian(0)));
