@@ -1,4 +1,5 @@
-// A rational cubic Bezier curve, and chains of them.
+// A rational cubic Bezier curve, and chains of them. Weights are above 0; only their ratios count. Points, halves and polygons
+// come from de Casteljau's algorithm on weighted coordinates: G. Farin, "Curves and Surfaces for CAGD", rational curves.
 #pragma once
 
 #include "geometry/ellipse_arc.h"
@@ -56,8 +57,8 @@ private:
 };
 
 // The weight of a control point during a drag: a tenth of the old weight at t = 0, the old one at 1/2, ten times the sum of
-// all weights at 1. t is the distance from the control point in hundreds of pels. Weights are above 0 and the sum at least the old
-// weight, else ccShapesError::BadParams.
+// all weights at 1. t is the distance from the control point in hundreds of pels. Weights are above 0 and the sum is at least
+// the old weight, else ccShapesError::BadParams.
 class ccWeightLaw {
 public:
   ccWeightLaw() = default;

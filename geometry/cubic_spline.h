@@ -1,5 +1,6 @@
 // Base of the cubic splines: control points that an operator edits, and the Bezier curves that they stand for. Every spline is
-// continuous with any number of points, as one grows point by point while it is drawn.
+// continuous with any number of points, as one grows point by point while it is drawn. Control points, tangents and curves are in
+// client units; a parameter t runs from 0 to 1 over each curve.
 #pragma once
 
 #include "geometry/bezier.h"

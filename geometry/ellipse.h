@@ -2,7 +2,8 @@
 //
 // Three angles are kept apart. The own angle t of a point: c + R(rotation) (rx cos t, ry sin t); arcs use it. The unit angle
 // t + rotation; sections of rings use it, and for a circle it is the direction in client coordinates whatever the rotation.
-// The direction of the point as seen from the centre in the ellipse's own axes; drawing uses it.
+// The direction of the point as seen from the centre in the ellipse's own axes; drawing uses it. The image under an affine map
+// has the principal axes of B B^T for B the map times the axes, labelled so that x stays near the image of x.
 #pragma once
 
 #include "geometry/circle.h"

@@ -3,7 +3,8 @@
 
 #include "geometry/rect.h"
 
-// Direction first. A zero direction throws ccMathError::Singular. By default through (0,0) along +x.
+// Direction first. A zero direction throws ccMathError::Singular, also that of an image. By default through (0,0) along +x. No
+// shape: it has no box.
 class ccLine {
 public:
   ccLine() = default;
@@ -15,7 +16,7 @@ public:
   ccRadian angle() const { return dir_.angle(); }
   ccLine map(ccXform<2> const& x) const { return ccLine(x.mapVector(dir_), x.mapPoint(pos_)); }
   double distToPoint(ccVector<2> const& p) const;
-  bool clip(ccRect const&, ccLineSeg&) const;  // the part inside the rectangle; false if there is none
+  bool clip(ccRect const&, ccLineSeg&) const;  // the part inside the rectangle; false if there is none. Never throws.
   friend bool operator==(ccLine const& a, ccLine const& b) { return a.dir_ == b.dir_ && a.pos_ == b.pos_; }
 
 private:

@@ -1,5 +1,7 @@
 // Edits of polygons that need the whole polygon, and the drags of its handles as pure functions.
 //
+// Points and sizes are in client units. What is tested by a tolerance says so; the rest is exact up to rounding.
+//
 // A polygon is rectilinear if all its segments are lines along x or y. A segment is H if it runs more along x than along y, else
 // V; one of length 0 counts as the other kind than the segment before it, the very first one as H.
 #pragma once
@@ -55,8 +57,8 @@ std::optional<double> cfRoundingSize(ccGenPoly const&, long vertex, ccVector<2> 
 // The polygon with a new vertex in a segment; both halves take half of its span, and the first one the tolerance.
 cc2Wireframe cfSplitSegment(cc2Wireframe const&, long segment, ccVector<2> const& at, ccDimTol const&);
 
-// The polygon after one of its ends was dragged to a point. A closed one is opened. An open one gets a vertex at that end, or with
-// closes set is closed there, each with the tolerance on the new segment. A single vertex stays as it is.
+// The polygon after one of its ends was dragged to a point. A closed one is opened. An open one gets a vertex at that end, or
+// with closes set is closed there, each with the tolerance on the new segment. A single vertex stays as it is.
 cc2Wireframe cfExtendPolygon(cc2Wireframe const&, bool atFirst, ccVector<2> const& to, bool closes, ccDimTol const&);
 
 // closeRectilinear with tolerances: the last segment keeps its own, the new ones take the one given.

@@ -32,6 +32,9 @@ inline long cf_halfWidthOfEnds(ccGraphicProps const& props)
   return props.capStyle() == 2 ? static_cast<long>(static_cast<double>(h) * squareCapReach) : h;
 }
 
+// A rectangle with so many pels more on each side.
+ccUIRect cf_grown(ccUIRect const&, long by);
+
 // Starts to note what is painted, and ends it. In pels of the scope.
 void cf_beginBounds(plat::Painter&);
 ccUIRect cf_endBounds(plat::Painter&);

@@ -314,7 +314,7 @@ private:
   ccUIRect clipToDisplay_(ccUIRect const& rootRect) const;
 
   // Lines, figures and text. Rectangles are in pels of the scope.
-  template <class Paint> void paintFigure_(ccUIRect const&, Paint&&);
+  template <class Paint> void paintFigure_(ccUIRect const& touched, ccUIRect const& reach, Paint&&);
   ccUIRect figureRect_(ccRect const& box, long before, double more) const;
   ccUIRect chainOf_(std::span<ccVector<2> const>, long reach);
   void paintChain_(ccUIRect const& touched, ccGraphicProps const&, int fillRule);

@@ -123,16 +123,19 @@ ccUIRect ccWin32UIScope::figureRect_(ccRect const& box, long before, double more
                   ceilTL(box.width() + more), ceilTL(box.height() + more));
 }
 
-// The frame of every figure. paint(painter) may widen what was touched by returning a rectangle.
-template <class Paint> void ccWin32UIScope::paintFigure_(ccUIRect const& touched, Paint&& paint)
+// The frame of every figure. What is painted outside `touched`, at most within `reach`, is reported as well.
+template <class Paint>
+void ccWin32UIScope::paintFigure_(ccUIRect const& touched, ccUIRect const& reach, Paint&& paint)
 {
   ccUIRect const r = touched & ownRect_();
-  if (r.isNull())
+  if ((reach & ownRect_()).isNull())
     return;
   ccUIRect drawn = r;
   if (win32DrawStart(kPaint)) {
     if (plat::Painter* const painter = painter_()) {
-      drawn = (r | paint(*painter)) & ownRect_();
+      cf_beginBounds(*painter);
+      paint(*painter);
+      drawn = (r | cf_endBounds(*painter)) & ownRect_();
       painter->noBrush();
     }
     win32Changed(drawn);
@@ -169,7 +172,7 @@ ccUIRect ccWin32UIScope::chainOf_(std::span<ccVector<2> const> points, long reac
 // A stroke along chain_, or a figure of it for a rule that is not 0.
 void ccWin32UIScope::paintChain_(ccUIRect const& touched, ccGraphicProps const& props, int rule)
 {
-  paintFigure_(touched, [&](plat::Painter& painter) {
+  paintFigure_(touched, cf_grown(touched, cf_halfWidth(props)), [&](plat::Painter& painter) {
     plat::Point const origin = painter.windowOrigin(plat::Point{0, 0});
     dress(painter, props, bgrColor_(props.penColor()), rule != 0);
     if (rule != 0)
@@ -177,7 +180,6 @@ void ccWin32UIScope::paintChain_(ccUIRect const& touched, ccGraphicProps const& 
     else
       painter.polyline(root_().chain_);
     painter.windowOrigin(origin);
-    return ccUIRect();
   });
 }
 
@@ -185,7 +187,7 @@ void ccWin32UIScope::paintChain_(ccUIRect const& touched, ccGraphicProps const& 
 void ccWin32UIScope::drawFarChain_(std::span<ccVector<2> const> points, ccGraphicProps const& props, int rule, bool closed)
 {
   ccVector<2> const offset(clientOffset()), reach(cf_pelReach, cf_pelReach);
-  long const h = cf_halfWidthOfEnds(props);
+  long const h = cf_halfWidth(props);
   if (rule != 0) {
     std::vector<ccVector<2>> figure(points.begin(), points.end()), scratch;
     cf_cutFigure(figure, offset - reach, offset + reach, scratch);
@@ -205,7 +207,7 @@ void ccWin32UIScope::draw(ccPolygon const& polygon, ccGraphicProps const& props)
     return draw(ccPoint(polygon[0]), props);
   if (polygon.size() == 0)
     return;
-  ccUIRect const touched = chainOf_(polygon.points(), cf_halfWidthOfEnds(props));
+  ccUIRect const touched = chainOf_(polygon.points(), cf_halfWidth(props));
   if (isFar(touched))
     return drawFarChain_(polygon.points(), props, polygon.fillRule(), false);
   paintChain_(touched, props, polygon.fillRule());
@@ -217,7 +219,7 @@ void ccWin32UIScope::draw(ccPolyline const& polyline, ccGraphicProps const& prop
     return draw(ccPoint(polyline[0]), props);
   if (polyline.size() == 0)
     return;
-  ccUIRect const touched = chainOf_(polyline.points(), cf_halfWidthOfEnds(props));
+  ccUIRect const touched = chainOf_(polyline.points(), cf_halfWidth(props));
   if (isFar(touched))
     return drawFarChain_(polyline.points(), props, 0, polyline.closed());
   if (polyline.closed())
@@ -237,7 +239,7 @@ void ccWin32UIScope::draw(ccGenRect const& rect, ccGraphicProps const& props)
   ccVector<2> const at = box.ul() - ccVector<2>(clientOffset());
   ccUIRect const touched(cf_to32(floorTL(at.x()) - h - 1), cf_to32(floorTL(at.y()) - h - 1),
                          cf_to32(ceilTL(box.width()) + 2 * h + 2), cf_to32(ceilTL(box.height()) + 2 * h + 2));
-  paintFigure_(touched, [&](plat::Painter& painter) {
+  paintFigure_(touched, cf_grown(touched, h), [&](plat::Painter& painter) {
     dress(painter, props, bgrColor_(props.penColor()), props.fill());
     ccPoint const corner = rect.center() - rect.halfLengths();
     std::int64_t const x = xCoord(corner), y = yCoord(corner);
@@ -248,7 +250,7 @@ void ccWin32UIScope::draw(ccGenRect const& rect, ccGraphicProps const& props)
     double const angle = rect.orient().value();
     if (angle == 0) {
       painter.roundRect(figure, ends);
-      return ccUIRect();
+      return;
     }
     ccVector<2> const c = rect.center() - ccVector<2>(clientOffset());
     double const cs = std::cos(angle), sn = std::sin(angle);
@@ -266,12 +268,11 @@ void ccWin32UIScope::draw(ccGenRect const& rect, ccGraphicProps const& props)
     }
     painter.windowOrigin(origin);
     if (turned)
-      return ccUIRect();
+      return;
     if (round.x() > 0 && round.y() > 0)
       paintTurnedBezier(painter, figure, round, angle, c, props.fill());
     else
       paintTurnedBox(painter, figure, angle, c);
-    return ccUIRect();
   });
 }
 
@@ -288,7 +289,9 @@ void ccWin32UIScope::draw(ccEllipse const& ellipse, ccGraphicProps const& props)
                             ? ccRect(ellipse.center() - ellipse.radii(), ellipse.radii() * 2)
                             : ellipse.encloseRect();
   ccUIRect const touched = figureRect_(around, 3 * h, static_cast<double>(5 * h));
-  paintFigure_(touched, [&](plat::Painter& painter) {
+  // The box in whole pels isn't quite about the centre, so a turned ellipse may stick out.
+  ccUIRect const reach = figureRect_(around, 3 * h + 2, static_cast<double>(6 * h + 4));
+  paintFigure_(touched, reach, [&](plat::Painter& painter) {
     dress(painter, props, bgrColor_(props.penColor()), props.fill());
     ccVector<2> const d = ellipse.center() - ccVector<2>(clientOffset());
     ccVector<2> const shift(floorT(d.x()), floorT(d.y()));
@@ -303,14 +306,13 @@ void ccWin32UIScope::draw(ccEllipse const& ellipse, ccGraphicProps const& props)
     plat::Rect const placed = shifted(box, cfTruncToLong(shift.x()), cfTruncToLong(shift.y()));
     if (upright) {
       painter.ellipse(placed);
-      return ccUIRect();
+      return;
     }
     WorldTurn const turn(painter, angle, shift);
     if (turn.inForce())
       painter.ellipse(box);
     else
       paintTurnedBezier(painter, placed, ccVector<2>(), angle, middleOf(placed), props.fill());
-    return ccUIRect();
   });
 }
 
@@ -322,7 +324,9 @@ void ccWin32UIScope::draw(ccEllipseArc const& arc, ccGraphicProps const& props)
     return;
   long const h = cf_halfWidth(props);
   ccUIRect const touched = figureRect_(arc.encloseRect(), 2 * h, static_cast<double>(4 * h));
-  paintFigure_(touched, [&](plat::Painter& painter) {
+  // Its ends follow rays through whole pels, which a thin ellipse meets far from the true ends.
+  ccUIRect const all = figureRect_(arc.ellipse().encloseRect(), 3 * h + 2, static_cast<double>(6 * h + 4));
+  paintFigure_(touched, all, [&](plat::Painter& painter) {
     dress(painter, props, bgrColor_(props.penColor()), false);
     ccEllipse const ellipse = arc.ellipse();
     ccVector<2> const d = ellipse.center() - ccVector<2>(clientOffset());
@@ -349,7 +353,6 @@ void ccWin32UIScope::draw(ccEllipseArc const& arc, ccGraphicProps const& props)
     std::int64_t const x = cfTruncToLong(shift.x()), y = cfTruncToLong(shift.y());
     auto const placed = [x, y](plat::Point p) { return cf_toPoint(p.x + x, p.y + y); };
     double const angle = ellipse.rotation().value();
-    cf_beginBounds(painter);
     if (std::abs(angle) <= uprightLimit) {
       painter.arc(shifted(box, x, y), placed(last), placed(first));
     } else {
@@ -359,7 +362,6 @@ void ccWin32UIScope::draw(ccEllipseArc const& arc, ccGraphicProps const& props)
       else
         painter.arc(shifted(box, x, y), placed(last), placed(first));
     }
-    return cf_endBounds(painter);
   });
 }
 
@@ -391,25 +393,25 @@ void ccWin32UIScope::draw(ccEllipseArc2 const& arc, ccGraphicProps const& props)
 
 void ccWin32UIScope::draw(ccGenShape const& shape, ccColor const& color)
 {
-  paintFigure_(figureRect_(shape.encloseRect(), 1, 2), [&](plat::Painter& painter) {
+  ccUIRect const touched = figureRect_(shape.encloseRect(), 1, 2);
+  paintFigure_(touched, touched, [&](plat::Painter& painter) {
     if (auto const* self = dynamic_cast<ccDrawsItself const*>(&shape)) {
       dress(painter, ccGraphicProps(color, 1, ceSolidPen, false), bgrColor_(color), false);
       self->drawOn(&painter);
       painter.worldTransform(nullptr);
     }
-    return ccUIRect();
   });
 }
 
 void ccWin32UIScope::draw(ccGraphic const& graphic, ccGraphicProps const& props)
 {
   long const h = cf_halfWidth(props);
-  paintFigure_(figureRect_(graphic.encloseRect(), h, static_cast<double>(2 * h)), [&](plat::Painter& painter) {
+  ccUIRect const touched = figureRect_(graphic.encloseRect(), h, static_cast<double>(2 * h));
+  paintFigure_(touched, touched, [&](plat::Painter& painter) {
     if (auto const* self = dynamic_cast<ccDrawsItself const*>(&graphic)) {
       dress(painter, props, bgrColor_(props.penColor()), props.fill());
       self->drawOn(&painter);
       painter.worldTransform(nullptr);
     }
-    return ccUIRect();
   });
 }

@@ -72,18 +72,26 @@ void ccWin32UIScope::drawToRel(long dx, long dy, ccGraphicProps const& props)
 void ccWin32UIScope::drawLine_(ccPair<long> const& from, ccPair<long> const& to, ccGraphicProps const& props)
 {
   long const h = cf_halfWidthOfEnds(props);
-  ccUIRect const r = ccUIRect::fromEdges(std::min(from.x(), to.x()) - h, std::min(from.y(), to.y()) - h,
-                                         std::max(from.x(), to.x()) + h, std::max(from.y(), to.y()) + h) &
-                     ownRect_();
-  if (!r.isNull()) {
+  ccUIRect const touched = ccUIRect::fromEdges(std::min(from.x(), to.x()) - h, std::min(from.y(), to.y()) - h,
+                                               std::max(from.x(), to.x()) + h, std::max(from.y(), to.y()) + h);
+  bool const wide = props.penWidth() >= 2;
+  // The corner of a slanted square end may lie just outside.
+  ccUIRect const reach = wide && from.x() != to.x() && from.y() != to.y() ? cf_grown(touched, 1) : touched;
+  ccUIRect drawn = touched & ownRect_();
+  if (!(reach & ownRect_()).isNull()) {
     if (win32DrawStart(kPaint)) {
-      if (plat::Painter* const painter = painter_())
+      if (plat::Painter* const painter = painter_()) {
+        if (wide)
+          cf_beginBounds(*painter);
         paintLine_(*painter, from, to, props);
-      win32Changed(r);
+        if (wide)
+          drawn = (drawn | cf_endBounds(*painter)) & ownRect_();
+      }
+      win32Changed(drawn);
     }
     win32DrawStop();
   }
-  report_(r, false);
+  report_(drawn, false);
 }
 
 void ccWin32UIScope::paintLine_(plat::Painter& painter, ccPair<long> const& from, ccPair<long> const& to,

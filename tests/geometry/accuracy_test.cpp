@@ -25,7 +25,10 @@ struct P {
 Long dot(P a, P b) { return a.x * b.x + a.y * b.y; }
 Long distance(P a, P b) { return std::hypot(a.x - b.x, a.y - b.y); }
 P polar(Long r, Long angle) { return {r * std::cos(angle), r * std::sin(angle)}; }
-P turned(P p, Long angle) { return {p.x * std::cos(angle) - p.y * std::sin(angle), p.x * std::sin(angle) + p.y * std::cos(angle)}; }
+P turned(P p, Long angle)
+{
+  return {p.x * std::cos(angle) - p.y * std::sin(angle), p.x * std::sin(angle) + p.y * std::cos(angle)};
+}
 
 Long toSegment(P a, P b, P q)
 {
@@ -62,7 +65,9 @@ double unitOf(Random& r) { return r.magnitude(1e-9, 1e9); }
 
 // One of several places around the data of a test.
 struct Setting {
-  explicit Setting(Random& random) : r(random), unit(unitOf(random)), at(random.vector(random.chance(2) ? 1000 : 10) * unit) {}
+  explicit Setting(Random& random)
+      : r(random), unit(unitOf(random)), at(random.vector(random.chance(2) ? 1000 : 10) * unit)
+  {}
   V point() { return at + r.vector(10) * unit; }
   double length() { return r.in(0.01, 20) * unit; }
   // Against the largest coordinate there may be.
@@ -93,7 +98,7 @@ template <class Body> void forSettings(unsigned seed, Body const& body)
   }
 }
 
-}  // namespace
+} // namespace
 
 TEST(ClosedFormulas, distancesOfLinesAndChains)
 {
@@ -127,7 +132,7 @@ TEST(ClosedFormulas, distancesAndBoxesOfRectangles)
     }
     s.expect(r.distToPoint(q), best);
     s.expect(r.encloseRect(), box);
-    ccGenRect const same(r);  // the same outline by other parameters
+    ccGenRect const same(r); // the same outline by other parameters
     s.expect(same.distToPoint(q), best);
     s.expect(same.encloseRect(), box);
   });
@@ -136,7 +141,8 @@ TEST(ClosedFormulas, distancesAndBoxesOfRectangles)
 TEST(ClosedFormulas, boxesOfRoundedRectangles)
 {
   forSettings(3, [](Setting& s) {
-    double const hx = s.length(), hy = s.length(), o = s.r.in(0, 6), k = s.r.in(-1.4, 1.4), fx = s.r.in(0, 1), fy = s.r.in(0, 1);
+    double const hx = s.length(), hy = s.length(), o = s.r.in(0, 6), k = s.r.in(-1.4, 1.4), fx = s.r.in(0, 1),
+                 fy = s.r.in(0, 1);
     int const h = s.r.chance(2) ? 1 : -1;
     V const c = s.point();
     // The outline is extreme in a corner's quarter ellipse; its extremes as those of a cosine and a sine.

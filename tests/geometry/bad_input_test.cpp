@@ -22,7 +22,7 @@ void refuses(Shape const& given, Value const (&values)[N], Set const& set)
   }
 }
 
-}  // namespace
+} // namespace
 
 TEST(BadInput, settersOfPointsChangeNothing)
 {
@@ -36,22 +36,26 @@ TEST(BadInput, settersOfPointsChangeNothing)
   refuses(ccCircle(V(1, 2), 3), badPoints, [](ccCircle& s, V const& p) { s.center(p); });
   refuses(ccEllipse(V(1, 2), 3, 4, deg(5)), badPoints, [](ccEllipse& s, V const& p) { s.center(p); });
   refuses(ccEllipse2(V(1, 2), 3, 4, deg(5)), badPoints, [](ccEllipse2& s, V const& p) { s.center(p); });
-  refuses(ccAffineRectangle(V(1, 2), 3, 4, deg(5), deg(6)), badPoints, [](ccAffineRectangle& s, V const& p) { s.center(p); });
+  refuses(ccAffineRectangle(V(1, 2), 3, 4, deg(5), deg(6)), badPoints,
+          [](ccAffineRectangle& s, V const& p) { s.center(p); });
   refuses(ccGenRect(V(1, 2), V(3, 4), deg(5), V(1, 1)), badPoints, [](ccGenRect& s, V const& p) { s.center(p); });
   ccGenAnnulus const ring(V(1, 2), V(3, 4), V(5, 6), deg(7), V(), V());
   refuses(ring, badPoints, [](ccGenAnnulus& s, V const& p) { s.center(p); });
-  refuses(ccBezierCurve(V(1, 2), V(3, 4), V(5, 6), V(7, 8)), badPoints, [](ccBezierCurve& s, V const& p) { s.controlPoint(2, p); });
+  refuses(ccBezierCurve(V(1, 2), V(3, 4), V(5, 6), V(7, 8)), badPoints,
+          [](ccBezierCurve& s, V const& p) { s.controlPoint(2, p); });
   ccGenPoly const poly(ccCircle(V(1, 2), 3));
   refuses(poly, badPoints, [](ccGenPoly& s, V const& p) { s.vertexPoint(1, p); });
   refuses(poly, badPoints, [](ccGenPoly& s, V const& p) { s.insertVertex(1, p); });
-  refuses(cc2Wireframe(poly, ccDimTol()), badPoints, [](cc2Wireframe& s, V const& p) { s.insertVertex(p, 0, deg(0), ccDimTol()); });
+  refuses(cc2Wireframe(poly, ccDimTol()), badPoints,
+          [](cc2Wireframe& s, V const& p) { s.insertVertex(p, 0, deg(0), ccDimTol()); });
   ccHermiteSpline const hermite({V(1, 2), V(3, 4)});
   refuses(hermite, badPoints, [](ccHermiteSpline& s, V const& p) { s.controlTangent(1, p); });
   refuses(hermite, badPoints, [](ccHermiteSpline& s, V const& p) { s.insertControlPoint(1, p); });
   ccInterpSpline const interp({V(1, 2), V(3, 4), V(5, 7)});
   refuses(interp, badPoints, [](ccInterpSpline& s, V const& p) { s.controlPoint(1, p); });
   refuses(interp, badPoints, [](ccInterpSpline& s, V const& p) { s.startTangent(p); });
-  refuses(ccDeBoorSpline({V(1, 2), V(3, 4)}), badPoints, [](ccDeBoorSpline& s, V const& p) { s.addControlPoint(p, 1); });
+  refuses(ccDeBoorSpline({V(1, 2), V(3, 4)}), badPoints,
+          [](ccDeBoorSpline& s, V const& p) { s.addControlPoint(p, 1); });
 }
 
 TEST(BadInput, settersOfLengthsChangeNothing)
@@ -63,11 +67,13 @@ TEST(BadInput, settersOfLengthsChangeNothing)
   ccAffineRectangle const rect(V(1, 2), 3, 4, deg(5), deg(6));
   refuses(rect, badLengths, [](ccAffineRectangle& s, double l) { s.xLength(l); });
   refuses(rect, badLengths, [](ccAffineRectangle& s, double l) { s.yLength(l); });
-  refuses(ccGenRect(V(1, 2), V(3, 4), deg(5), V(1, 1)), badLengths, [](ccGenRect& s, double f) { s.rounding(V(0.5, f)); });
+  refuses(ccGenRect(V(1, 2), V(3, 4), deg(5), V(1, 1)), badLengths,
+          [](ccGenRect& s, double f) { s.rounding(V(0.5, f)); });
   refuses(ccGenPoly(ccCircle(V(1, 2), 3)), badLengths, [](ccGenPoly& s, double r) { s.vertexRoundingSize(1, r); });
   refuses(ccGenPoly(ccCircle(V(1, 2), 3)), badLengths, [](ccGenPoly& s, double r) { s.insertVertex(1, V(7, 7), r); });
   double const badWeights[] = {kNan, kInf, -1, 0, -0.0};
-  refuses(ccBezierCurve(V(1, 2), V(3, 4), V(5, 6), V(7, 8)), badWeights, [](ccBezierCurve& s, double w) { s.weight(1, w); });
+  refuses(ccBezierCurve(V(1, 2), V(3, 4), V(5, 6), V(7, 8)), badWeights,
+          [](ccBezierCurve& s, double w) { s.weight(1, w); });
   refuses(ccDeBoorSpline({V(1, 2), V(3, 4)}), badWeights, [](ccDeBoorSpline& s, double w) { s.weight(1, w); });
 }
 
@@ -79,8 +85,10 @@ TEST(BadInput, settersOfAnglesChangeNothing)
   refuses(arc, badAngles, [](ccEllipseArc& s, ccRadian a) { s.span(a); });
   ccRadian const beyondATurn[] = {deg(361), deg(-361), deg(360.001)};
   refuses(arc, beyondATurn, [](ccEllipseArc& s, ccRadian a) { s.span(a); });
-  refuses(ccAffineRectangle(V(1, 2), 3, 4, deg(5), deg(6)), badAngles, [](ccAffineRectangle& s, ccRadian a) { s.xRotation(a); });
-  refuses(ccAffineRectangle(V(1, 2), 3, 4, deg(5), deg(6)), badAngles, [](ccAffineRectangle& s, ccRadian a) { s.skew(a); });
+  refuses(ccAffineRectangle(V(1, 2), 3, 4, deg(5), deg(6)), badAngles,
+          [](ccAffineRectangle& s, ccRadian a) { s.xRotation(a); });
+  refuses(ccAffineRectangle(V(1, 2), 3, 4, deg(5), deg(6)), badAngles,
+          [](ccAffineRectangle& s, ccRadian a) { s.skew(a); });
   ccEllipseAnnulusSection const section(V(1, 2), 3, 4, deg(5), deg(60));
   refuses(section, badAngles, [](ccEllipseAnnulusSection& s, ccRadian a) { s.start(a); });
   refuses(section, badAngles, [](ccEllipseAnnulusSection& s, ccRadian a) { s.stop(a); });
@@ -123,7 +131,8 @@ TEST(BadInput, indicesOutOfRangeChangeNothing)
   refuses(edited, bad, [](ccSMDGDPoly& s, long i) { ccSMDGDPolyPrivate::roundPoint(s, i); });
   refuses(edited, bad, [](ccSMDGDPoly& s, long i) { ccSMDGDPolyPrivate::vertexAngle(s, i); });
   refuses(edited, bad, [](ccSMDGDPoly& s, long i) { ccSMDGDPolyPrivate::arcSegment_(s, i); });
-  refuses(edited, bad, [](ccSMDGDPoly& s, long i) { ccSMDGDPolyPrivate::replaceVertexRectilinear(s, i, ccSMDGDPolyVertex()); });
+  refuses(edited, bad,
+          [](ccSMDGDPoly& s, long i) { ccSMDGDPolyPrivate::replaceVertexRectilinear(s, i, ccSMDGDPolyVertex()); });
   ccDeBoorSpline const deBoor({V(1, 2), V(3, 4), V(5, 6)});
   refuses(deBoor, bad, [](ccDeBoorSpline& s, long i) { s.controlPoint(i); });
   refuses(deBoor, bad, [](ccDeBoorSpline& s, long i) { s.controlPoint(i, V(1, 1)); });

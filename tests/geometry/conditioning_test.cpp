@@ -1,5 +1,5 @@
-// The properties of every shape where digits are scarce: sides and radii a million to one, tiny and large coordinates, small
-// shapes far away, and maps of the same kinds. Tolerances are relative to the largest coordinate.
+// The properties of every shape where digits are scarce: sides and radii a million to one, tiny and large coordinates,
+// small shapes far away, and maps of the same kinds. Tolerances are relative to the largest coordinate.
 #include "geometry/affine_rect.h"
 #include "tests/geometry/families.h"
 
@@ -34,7 +34,7 @@ ccMatrix<2> stretch(Random& r, double x, double y)
   return ccMatrix<2>(r.angle(), 1) * ccMatrix<2>(x, 0, 0, r.chance(2) ? y : -y) * ccMatrix<2>(r.angle(), 1);
 }
 
-}  // namespace
+} // namespace
 
 TEST(IllConditionedShapes, outlinesAreAtDistanceZero)
 {
@@ -68,9 +68,8 @@ TEST(IllConditionedShapes, aWellConditionedMapAndItsInverseGiveTheShapeBack)
 TEST(IllConditionedMaps, aStretchOfAMillionToOneAndItsInverseGiveTheShapeBack)
 {
   for (Family const& family : families({100, 100, 0.1, 100})) {
-    int const images = mapAndBackRestores(family, 60, [](Random& r, double size) {
-      return ccXform<2>(stretch(r, 1e3, 1e-3), r.vector(size));
-    });
+    int const images = mapAndBackRestores(
+        family, 60, [](Random& r, double size) { return ccXform<2>(stretch(r, 1e3, 1e-3), r.vector(size)); });
     // Under such a map the sides of a rectangle fall on one line, unless they lie along the stretch.
     bool const isRectangle = std::string(family.name) == "ccRect" || std::string(family.name) == "ccAffineRectangle";
     if (isRectangle)

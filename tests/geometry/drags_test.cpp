@@ -13,11 +13,11 @@ V const corners[] = {V(1, 1), V(-1, 1), V(-1, -1), V(1, -1)};
 ccEllipseAnnulusSection sector(Random& r)
 {
   double const inner = r.in(5, 50), start = r.in(-4, 4);
-  return ccEllipseAnnulusSection(r.vector(100), inner, inner + r.in(1, 50), ccRadian(start), ccRadian(start + r.in(0.1, 5)),
-                                 r.chance(2), r.chance(2), r.chance(2));
+  return ccEllipseAnnulusSection(r.vector(100), inner, inner + r.in(1, 50), ccRadian(start),
+                                 ccRadian(start + r.in(0.1, 5)), r.chance(2), r.chance(2), r.chance(2));
 }
 
-}  // namespace
+} // namespace
 
 TEST(ZeroDrag, changesNothingOnCirclesUnskewedRectanglesAndLines)
 {
@@ -70,18 +70,22 @@ TEST(GenRectDrag, aLengthOfZeroOrABadPointHasNoResult)
 {
   ccGenRect const r(V(0, 0), V(30, 10), deg(0), V());
 
-  EXPECT_FALSE(cfGenRectSize(r, V(1, 1), V(-30, -10), V(-30, 50), false, false));  // no width
+  EXPECT_FALSE(cfGenRectSize(r, V(1, 1), V(-30, -10), V(-30, 50), false, false)); // no width
   EXPECT_FALSE(cfGenRectSize(r, V(1, 1), V(-30, -10), V(kNan, 50), false, false));
   EXPECT_FALSE(cfGenRectSize(r, V(0.5, 0.5), V(-30, -10), V(kNan, 50), false, false));
   EXPECT_FALSE(cfGenRectSize(r, V(1, 1), V(-30, -10), V(1e308, 1.7e308) * 1.5, false, false));
   EXPECT_FALSE(cfGenRectRound(r, V(1, 1), V(cfInfinity, 3)));
+  // So steep that the y side would lean beyond all bounds.
+  ccGenRect const steep(V(0, 0), 1, 1, 1, ccRadian(cfPi / 2), deg(0), V());
+  EXPECT_FALSE(cfGenRectSize(steep, V(1, 1), V(-1e300, -1e300), V(1e300, 1e300), false, false));
 }
 
 TEST(AffineRectDrag, backToWhereTheCornerWasRestores)
 {
   Random random(2);
   for (int i = 0; i < rounds(500); ++i) {
-    ccAffineRectangle const r(random.vector(100), random.in(1, 50), random.in(1, 50), random.angle(), deg(random.in(-70, 70)));
+    ccAffineRectangle const r(random.vector(100), random.in(1, 50), random.in(1, 50), random.angle(),
+                              deg(random.in(-70, 70)));
     int const id = random.below(4);
     auto const moved = cfAffineRectSize(r, id, r.corner(id) + random.vector(10));
     if (!moved)
@@ -97,8 +101,10 @@ TEST(AffineRectDrag, theSkewHandleStaysOnThePointer)
 {
   Random random(3);
   for (int i = 0; i < rounds(500); ++i) {
-    ccAffineRectangle const r(random.vector(100), random.in(1, 50), random.in(1, 50), random.angle(), deg(random.in(-70, 70)));
-    V const handle = r.unitXform().mapPoint(V(0.5, 0)) - r.center(), pointer = V::polar(random.in(1, 9), random.angle());
+    ccAffineRectangle const r(random.vector(100), random.in(1, 50), random.in(1, 50), random.angle(),
+                              deg(random.in(-70, 70)));
+    V const handle = r.unitXform().mapPoint(V(0.5, 0)) - r.center(),
+            pointer = V::polar(random.in(1, 9), random.angle());
     auto const skewed = cfAffineRectSkew(r, handle, pointer);
     if (!skewed)
       continue;
@@ -111,10 +117,10 @@ TEST(AffineRectDrag, theSkewHandleStaysOnThePointer)
 
 TEST(AffineRectDrag, aBadSkewHasNoResultAndAZeroVectorIsNoTurn)
 {
-  ccAffineRectangle const r(V(0, 0), 10, 20, deg(0), deg(30));  // its handle points to -60 degrees
+  ccAffineRectangle const r(V(0, 0), 10, 20, deg(0), deg(30)); // its handle points to -60 degrees
 
-  EXPECT_FALSE(cfAffineRectSkew(r, V::polar(1, deg(-60)), V(1, 0)));    // 90 degrees of skew
-  EXPECT_FALSE(cfAffineRectSkew(r, V::polar(1, deg(-60)), V(-1, 0)));   // -90
+  EXPECT_FALSE(cfAffineRectSkew(r, V::polar(1, deg(-60)), V(1, 0)));  // 90 degrees of skew
+  EXPECT_FALSE(cfAffineRectSkew(r, V::polar(1, deg(-60)), V(-1, 0))); // -90
   EXPECT_FALSE(cfAffineRectSkew(r, V::polar(1, deg(-60)), V(kNan, 0)));
   EXPECT_EQ(cfAffineRectSkew(r, V(), V(1, 0)), r);
   EXPECT_EQ(cfAffineRectSkew(r, V(1, 0), V()), r);
@@ -148,12 +154,14 @@ TEST(PointSetDrag, whatWouldHaveNoDirectionIsNotMade)
 TEST(AnnulusDrag, theInnerRectangleIsSmallerByTwoUnits)
 {
   ccGenRect const outer(V(0, 0), V(40, 20), deg(0), V());
-  auto const inner = [](double x, double y, double rx, double ry) { return ccGenRect(V(0, 0), V(x, y), deg(0), V(rx, ry)); };
+  auto const inner = [](double x, double y, double rx, double ry) {
+    return ccGenRect(V(0, 0), V(x, y), deg(0), V(rx, ry));
+  };
 
   EXPECT_TRUE(cfIsNested(inner(20, 10, 0, 0), outer));
   EXPECT_TRUE(cfIsNested(inner(38, 18, 0, 0), outer));
-  EXPECT_FALSE(cfIsNested(inner(38.001, 18, 0, 0), outer));
-  EXPECT_FALSE(cfIsNested(inner(38, 18.001, 0, 0), outer));
+  EXPECT_FALSE(cfIsNested(inner(38 + 1e-9, 18, 0, 0), outer));
+  EXPECT_FALSE(cfIsNested(inner(38, 18 + 1e-9, 0, 0), outer));
   // The centre of the outer rounding lies at (40 - 10, 20 - 5).
   ccGenRect const round(V(0, 0), V(40, 20), deg(0), V(10, 5));
   EXPECT_TRUE(cfIsNested(inner(30, 15, 0, 0), round));
@@ -184,12 +192,13 @@ TEST(SectionDrag, turningKeepsTheMiddleAndTheShape)
 
 TEST(SectionDrag, sizingScalesOneEllipseAboutTheCentre)
 {
-  ccEllipseAnnulusSection const s(ccEllipse(V(1, 2), 3, 4, deg(20)), ccEllipse(V(1, 2), 6, 8, deg(20)), deg(10), deg(70), false,
-                                  true, false);
+  ccEllipseAnnulusSection const s(ccEllipse(V(1, 2), 3, 4, deg(20)), ccEllipse(V(1, 2), 6, 8, deg(20)), deg(10),
+                                  deg(70), false, true, false);
 
   EXPECT_EQ(cfSectionSize(s, true, 2),
             ccEllipseAnnulusSection(s.second(), s.second(), deg(10), deg(70), false, true, false));
-  EXPECT_EQ(cfSectionSize(s, false, 0.5), ccEllipseAnnulusSection(s.first(), s.first(), deg(10), deg(70), false, true, false));
+  EXPECT_EQ(cfSectionSize(s, false, 0.5),
+            ccEllipseAnnulusSection(s.first(), s.first(), deg(10), deg(70), false, true, false));
   EXPECT_EQ(cfSectionSize(s, true, 1), s);
   for (double const bad : {-1.0, kNan, cfInfinity})
     EXPECT_FALSE(cfSectionSize(s, true, bad));
@@ -197,8 +206,8 @@ TEST(SectionDrag, sizingScalesOneEllipseAboutTheCentre)
 
 TEST(SectionDrag, aWarpMakesATrueEllipseCircular)
 {
-  ccEllipseAnnulusSection const s(ccEllipse(V(0, 0), 50, 20, deg(0)), ccEllipse(V(0, 0), 100, 40, deg(0)), deg(-30), deg(30),
-                                  false);
+  ccEllipseAnnulusSection const s(ccEllipse(V(0, 0), 50, 20, deg(0)), ccEllipse(V(0, 0), 100, 40, deg(0)), deg(-30),
+                                  deg(30), false);
   V const h = s.first().fromUnit(V::polar(1, s.start()));
 
   auto const warped = cfSectionWarp(s, h, h + V(1, 0), 1e5, 3);
@@ -224,7 +233,8 @@ TEST(PositionDrag, turningThePositionTurnsThePlaces)
 
 TEST(PositionDrag, sizingMultipliesTheScalesAndKeepsTheRotations)
 {
-  // From 10 by 20 around (1, 2) to 30 by 10 around (5, 2): the map scales by 3 and by a half and takes (1, 2) to (5, 2).
+  // From 10 by 20 around (1, 2) to 30 by 10 around (5, 2): the map scales by 3 and by a half and takes (1, 2) to (5,
+  // 2).
   ccGenRect const current(V(1, 2), V(10, 20), deg(0), V()), edited(V(5, 2), V(30, 10), deg(0), V());
   ccXform<2> const old(ccMatrix<2>(deg(10), deg(25), 2, 3), V(7, 7));
 
@@ -256,7 +266,7 @@ TEST(AxesDrag, userCoordinatesComeFromTheAxes)
 {
   ccCoordAxes const axes(V(10, 20), V(10, 24), V(4, 20));
 
-  ccXform<2> const x = cfUserXform(axes, 2, 3);  // the ends are 2 and 3 user units away
+  ccXform<2> const x = cfUserXform(axes, 2, 3); // the ends are 2 and 3 user units away
   expectNear(x.mapPoint(V(0, 0)), V(10, 20), 1e-13);
   expectNear(x.mapPoint(V(2, 0)), V(10, 24), 1e-13);
   expectNear(x.mapPoint(V(0, 3)), V(4, 20), 1e-13);
@@ -288,7 +298,8 @@ TEST(PolygonDrag, aSplitArcKeepsHalfOfItsSpanOnEachSide)
 
 TEST(PolygonDrag, anExtensionAddsOpensOrCloses)
 {
-  cc2Wireframe const open = chain({V(0, 0), V(10, 0), V(10, 10)}, false), closed = chain({V(0, 0), V(10, 0), V(10, 10)}, true);
+  cc2Wireframe const open = chain({V(0, 0), V(10, 0), V(10, 10)}, false),
+                     closed = chain({V(0, 0), V(10, 0), V(10, 10)}, true);
 
   cc2Wireframe const first = cfExtendPolygon(open, true, V(-5, 5), false, tol(3));
   EXPECT_EQ(first.vertexPoint(0), V(-5, 5));

@@ -40,11 +40,12 @@ std::vector<V> stairs(int steps)
   return points;
 }
 
-}  // namespace
+} // namespace
 
 TEST(Extremes, directionsKeepTheirLengthOfOne)
 {
-  for (V const& dir : {V(1.7e308, 1.7e308), V(-1e308, 1e300), V(5e-324, 5e-324), V(0, -5e-324), V(3e-310, 4e-310), V(1e-200, 1e200)}) {
+  for (V const& dir :
+       {V(1.7e308, 1.7e308), V(-1e308, 1e300), V(5e-324, 5e-324), V(0, -5e-324), V(3e-310, 4e-310), V(1e-200, 1e200)}) {
     ccLine const line(dir, V(1, 2));
     EXPECT_NEAR(line.dir().len(), 1, 1e-15);
     EXPECT_GT(line.dir().x() * std::copysign(1, dir.x()) + line.dir().y() * std::copysign(1, dir.y()), 0.9);
@@ -68,7 +69,7 @@ TEST(Extremes, aSegmentWhoseLengthOverflowsIsAsFarAsItsNearerEnd)
   ccLineSeg const s(V(-1.5e308, 0), V(1.5e308, 0));
 
   EXPECT_NEAR(s.distToPoint(V(1.4e308, 0)) / 1e307, 1, 1e-9);
-  EXPECT_THROW(s.encloseRect(), ccShapesError::BadParams);  // its width is no number
+  EXPECT_THROW(s.encloseRect(), ccShapesError::BadParams); // its width is no number
 }
 
 TEST(Extremes, ellipsesMapWhereSquaresHaveNoDigits)
@@ -98,7 +99,8 @@ TEST(Extremes, mapsBetweenTinyRectanglesAreMadeWithoutDeterminants)
   expectNear(x.mapVector(V::polar(1, deg(20))), V::polar(2, deg(20)), 1e-12);
   expectNear(x.mapVector(V::polar(1, deg(110))), V::polar(0.5, deg(110)), 1e-12);
   // Half lengths without a reciprocal count as 0.
-  ccXform<2> const moved = ccGenRect(V(1, 2), V(5e-324, 1), deg(0), V()).xformTo(ccGenRect(V(3, 4), V(7, 2), deg(0), V()));
+  ccXform<2> const moved =
+      ccGenRect(V(1, 2), V(5e-324, 1), deg(0), V()).xformTo(ccGenRect(V(3, 4), V(7, 2), deg(0), V()));
   EXPECT_EQ(moved, ccXform<2>(1, 2, V(2, 0)));
 }
 
@@ -144,13 +146,15 @@ TEST(Extremes, aSplineWhoseTangentsOverflowIsRefusedAsItIsMade)
 TEST(Extremes, aSectionOfManyTurnsThatStopsWhereItStartsIsEmpty)
 {
   for (double const turns : {1.0, 1000.0, 1e6, -1e6})
-    EXPECT_NEAR(ccEllipseAnnulusSection(V(), 5, 10, ccRadian(0.3), ccRadian(0.3 + turns * 2 * cfPi)).span().value(), 0, 1e-8) << turns;
+    EXPECT_NEAR(ccEllipseAnnulusSection(V(), 5, 10, ccRadian(0.3), ccRadian(0.3 + turns * 2 * cfPi)).span().value(), 0,
+                1e-8)
+        << turns;
 }
 
 TEST(Extremes, chainsOfNoneToThreePointsAreMeasured)
 {
   V const p[] = {V(0, 0), V(4, 0), V(4, 3)};
-  double const open[] = {cfInfinity, 5, 3, 0}, closed[] = {cfInfinity, 5, 3, 0};  // from (4, 3)
+  double const open[] = {cfInfinity, 5, 3, 0}, closed[] = {cfInfinity, 5, 3, 0}; // from (4, 3)
   for (std::size_t n = 0; n <= 3; ++n) {
     std::vector<V> const points(p, p + n);
     std::vector<ccSMDGDPolyVertex> records;
@@ -201,8 +205,9 @@ TEST(Extremes, aHundredThousandVerticesAreMeasuredInSensibleTime)
   expectQuick("the curves", [&] { EXPECT_NEAR(curves->distanceToPoint(V(4000, 0)), 2000, 1); });
   ccInterpSpline interp;
   expectQuick("interpolation", [&] { interp = ccInterpSpline(points, true, 2); });
-  for (ccPtrHandle_const<ccShape> const& s : {Handle(new ccInterpSpline(interp)), Handle(new ccDeBoorSpline(points, true)),
-                                              Handle(new ccHermiteSpline(points, true)), Handle(new ccPointSet(points))})
+  for (ccPtrHandle_const<ccShape> const& s :
+       {Handle(new ccInterpSpline(interp)), Handle(new ccDeBoorSpline(points, true)),
+        Handle(new ccHermiteSpline(points, true)), Handle(new ccPointSet(points))})
     expectQuick("a spline", [&] { EXPECT_NEAR(s->distanceToPoint(q), 2000, 60); });
 }
 
@@ -269,11 +274,12 @@ public:
   mutable int measured = 0;
 };
 
-}  // namespace
+} // namespace
 
 TEST(Extremes, aPartWhoseBoxIsFartherThanTheBestIsNotMeasured)
 {
-  ccPtrHandle<Counted> const near(new Counted(V(0, 0), 1)), far(new Counted(V(100, 0), 1)), touching(new Counted(V(1, 0), 1));
+  ccPtrHandle<Counted> const near(new Counted(V(0, 0), 1)), far(new Counted(V(100, 0), 1)),
+      touching(new Counted(V(1, 0), 1));
   ccShapeTree const tree({near, far, touching});
 
   EXPECT_EQ(tree.distToPoint(V(3, 0)), 1);

@@ -104,7 +104,7 @@ struct Maker {
   }
 };
 
-}  // namespace
+} // namespace
 
 std::vector<Family> families(Scale const& scale)
 {
@@ -123,7 +123,8 @@ std::vector<Family> families(Scale const& scale)
     return new ccRect(m.place(), V(m.length(), m.length() * (r.chance(4) ? -1 : 1)));
   });
   add("ccAffineRectangle", [](Maker& m, Random& r) -> Handle {
-    return new ccAffineRectangle(m.place(), m.length(), m.length(), r.angle(), deg(r.in(-80, 80) + (r.chance(3) ? 180 : 0)));
+    return new ccAffineRectangle(m.place(), m.length(), m.length(), r.angle(),
+                                 deg(r.in(-80, 80) + (r.chance(3) ? 180 : 0)));
   });
   add("ccGenRect", [](Maker& m, Random&) -> Handle { return new ccGenRect(m.genRect()); });
   add("ccCircle", [](Maker& m, Random&) -> Handle { return new ccCircle(m.place(), m.length()); });
@@ -138,8 +139,10 @@ std::vector<Family> families(Scale const& scale)
   add("ccBezierCurve", [](Maker& m, Random&) -> Handle { return new ccBezierCurve(m.curve()); });
   add("ccBezierPath", [](Maker& m, Random&) -> Handle { return new ccBezierPath(m.path()); });
   add("ccPointSet", [](Maker& m, Random& r) -> Handle { return new ccPointSet(m.points(1 + r.below(6))); });
-  add("ccPolyline", [](Maker& m, Random& r) -> Handle { return new ccPolyline(m.points(1 + r.below(6)), r.chance(2)); });
-  add("ccPolygon", [](Maker& m, Random& r) -> Handle { return new ccPolygon(m.points(1 + r.below(6)), 1 + r.below(2)); });
+  add("ccPolyline",
+      [](Maker& m, Random& r) -> Handle { return new ccPolyline(m.points(1 + r.below(6)), r.chance(2)); });
+  add("ccPolygon",
+      [](Maker& m, Random& r) -> Handle { return new ccPolygon(m.points(1 + r.below(6)), 1 + r.below(2)); });
   add("ccCoordAxes", [](Maker& m, Random&) -> Handle {
     std::vector<V> const p = m.points(3);
     return new ccCoordAxes(p[0], p[1], p[2]);
@@ -169,4 +172,4 @@ std::vector<Family> families(Scale const& scale)
   return all;
 }
 
-}  // namespace krs_test
+} // namespace krs_test

@@ -5,13 +5,13 @@
 
 namespace krs_test {
 
-// Where shapes lie and how large their radii and lengths are, in client units. most over least is the aspect that a shape may
-// have; a tenth of the lengths is 0.
+// Where shapes lie and how large their radii and lengths are, in client units. most over least is the aspect that a
+// shape may have; a tenth of the lengths is 0.
 struct Scale {
-  double near = 100, far = 1e5;  // one shape in four lies far away
+  double near = 100, far = 1e5; // one shape in four lies far away
   double least = 0.01, most = 1000;
 };
 
 std::vector<Family> families(Scale const& scale = {});
 
-}  // namespace krs_test
+} // namespace krs_test

@@ -1,5 +1,5 @@
-// Numbers that no drawing has: NaN, infinities, coordinates whose differences overflow, sizes next to 0, indices out of range,
-// long chains. Every call gives a value or one of the exceptions that geometry throws, and none hangs.
+// Numbers that no drawing has: NaN, infinities, coordinates whose differences overflow, sizes next to 0, indices out of
+// range, long chains. Every call gives a value or one of the exceptions that geometry throws, and none hangs.
 #include "geometry/all.h"
 #include "tests/geometry/shape_support.h"
 
@@ -25,8 +25,9 @@ public:
   {
     if (!chance(4))
       return random_.in(-100, 100);
-    static double const bad[] = {0,     -0.0,   kNan,   cfInfinity, -cfInfinity, 1e308,  -1e308, kHuge, -kHuge, kTiny, -kTiny,
-                                 1e-310, 1e-160, 1e-200, 1e160,      -1e160,      1e200, 1e-9,   1e9,   1e-308, 1e300, cfPi};
+    static double const bad[] = {0,      -0.0,  kNan,   cfInfinity, -cfInfinity, 1e308,  -1e308, kHuge,
+                                 -kHuge, kTiny, -kTiny, 1e-310,     1e-160,      1e-200, 1e160,  -1e160,
+                                 1e200,  1e-9,  1e9,    1e-308,     1e300,       cfPi};
     return bad[below(static_cast<int>(std::size(bad)))];
   }
   double size()
@@ -93,7 +94,8 @@ ccGenRect genRect(Hostile& h)
   case 1:
     return ccGenRect(h.vector(), h.matrix(), h.sizes());
   default:
-    return ccGenRect(h.vector(), h.size(), h.size(), h.below(5) - 2, h.angle(), h.angle(), V(h.size() / 100, h.size() / 100));
+    return ccGenRect(h.vector(), h.size(), h.size(), h.below(5) - 2, h.angle(), h.angle(),
+                     V(h.size() / 100, h.size() / 100));
   }
 }
 ccAffineRectangle affineRect(Hostile& h)
@@ -107,9 +109,11 @@ ccBezierCurve curve(Hostile& h)
 ccEllipseAnnulusSection section(Hostile& h)
 {
   if (h.chance(2))
-    return ccEllipseAnnulusSection(h.vector(), h.size(), h.size(), h.angle(), h.angle(), h.chance(2), h.chance(2), h.chance(2));
+    return ccEllipseAnnulusSection(h.vector(), h.size(), h.size(), h.angle(), h.angle(), h.chance(2), h.chance(2),
+                                   h.chance(2));
   V const c = h.vector();
-  return ccEllipseAnnulusSection(ccEllipse(c, h.sizes(), h.angle()), ccEllipse(c, h.sizes(), h.angle()), h.angle(), h.angle());
+  return ccEllipseAnnulusSection(ccEllipse(c, h.sizes(), h.angle()), ccEllipse(c, h.sizes(), h.angle()), h.angle(),
+                                 h.angle());
 }
 ccDeBoorSpline deBoor(Hostile& h)
 {
@@ -167,7 +171,8 @@ Handle make(Hostile& h, std::vector<Handle> const& pool)
   case 17:
     return new ccCoordAxes(h.vector(), h.vector(), h.vector());
   case 18:
-    return new ccShapeTree({pool[static_cast<std::size_t>(h.below(static_cast<int>(pool.size())))], new ccCircle(V(1, 2), 3)});
+    return new ccShapeTree(
+        {pool[static_cast<std::size_t>(h.below(static_cast<int>(pool.size())))], new ccCircle(V(1, 2), 3)});
   case 19:
     return new ccGenPoly(h.wire());
   case 20:
@@ -224,7 +229,7 @@ public:
 void measure(Hostile& h, ccShape const& shape)
 {
   double const d = shape.distanceToPoint(h.vector());
-  EXPECT_GE(d, 0) << typeid(shape).name();  // NaN is not
+  EXPECT_GE(d, 0) << typeid(shape).name(); // NaN is not
   EXPECT_EQ(shape.distanceToPoint(V(kNan, 1)), cfInfinity) << typeid(shape).name();
   ccRect const box = shape.encloseRect();
   EXPECT_TRUE(cf_isFinite(box.ul()) && box.width() >= 0 && box.height() >= 0) << typeid(shape).name();
@@ -284,7 +289,8 @@ void poke(Hostile& h, ccShape& shape)
     long const i = h.index();
     switch (h.below(12)) {
     case 0:
-      poly->insertVertex(i, h.vector(), h.size(), h.angle(), ccDimTol(h.number(), h.number(), h.number(), ccDimTol::eTypeDefault));
+      poly->insertVertex(i, h.vector(), h.size(), h.angle(),
+                         ccDimTol(h.number(), h.number(), h.number(), ccDimTol::eTypeDefault));
       break;
     case 1:
       poly->deleteVertex(i);
@@ -369,7 +375,7 @@ template <class Call> bool survives(Call const& call)
   return false;
 }
 
-}  // namespace
+} // namespace
 
 TEST(HostileGeometry, aStormOfBadNumbersGivesValuesOrItsOwnExceptions)
 {

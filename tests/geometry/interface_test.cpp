@@ -1,4 +1,5 @@
-// What other floors call on shapes: names, signatures and results, checked by the compiler, and which class a map gives.
+// What other floors call on shapes: names, signatures and results, checked by the compiler, and which class a map
+// gives.
 #include "geometry/all.h"
 #include "tests/geometry/families.h"
 
@@ -12,17 +13,19 @@ namespace {
 template <class... Shapes> constexpr bool areValues()
 {
   return ((std::is_default_constructible_v<Shapes> && std::is_copy_constructible_v<Shapes> &&
-           std::is_copy_assignable_v<Shapes> && std::equality_comparable<Shapes>) && ...);
+           std::is_copy_assignable_v<Shapes> && std::equality_comparable<Shapes>)&&...);
 }
-static_assert(areValues<ccLine, ccLineSeg, ccPointSet, ccCoordAxes, ccPolyline, ccPolygon, ccRect, ccAffineRectangle, ccGenRect>());
-static_assert(areValues<ccCircle, ccEllipse, ccEllipse2, ccEllipseArc, ccEllipseArc2, ccEllipseAnnulus, ccGenAnnulus>());
+static_assert(areValues<ccLine, ccLineSeg, ccPointSet, ccCoordAxes, ccPolyline, ccPolygon, ccRect, ccAffineRectangle,
+                        ccGenRect>());
+static_assert(
+    areValues<ccCircle, ccEllipse, ccEllipse2, ccEllipseArc, ccEllipseArc2, ccEllipseAnnulus, ccGenAnnulus>());
 static_assert(areValues<ccEllipseAnnulusSection, ccGenPoly, cc2Wireframe, ccSMDGDPoly, ccSMDGDPolyVertex, ccDimTol>());
 static_assert(areValues<ccBezierCurve, ccBezierPath, ccDeBoorSpline, ccHermiteSpline, ccInterpSpline, ccShapeTree>());
 
 // All but the endless line are shapes, and hide map and clone of the base by ones of their own type.
 template <class... Shapes> constexpr bool areShapes() { return (std::is_base_of_v<ccShape, Shapes> && ...); }
-static_assert(areShapes<ccLineSeg, ccPointSet, ccCoordAxes, ccPolyline, ccPolygon, ccRect, ccAffineRectangle, ccGenRect, ccCircle,
-                        ccEllipse, ccEllipse2, ccEllipseArc, ccEllipseArc2, ccEllipseAnnulus, ccGenAnnulus,
+static_assert(areShapes<ccLineSeg, ccPointSet, ccCoordAxes, ccPolyline, ccPolygon, ccRect, ccAffineRectangle, ccGenRect,
+                        ccCircle, ccEllipse, ccEllipse2, ccEllipseArc, ccEllipseArc2, ccEllipseAnnulus, ccGenAnnulus,
                         ccEllipseAnnulusSection, ccGenPoly, cc2Wireframe, ccBezierCurve, ccBezierPath, ccDeBoorSpline,
                         ccHermiteSpline, ccInterpSpline, ccShapeTree>());
 static_assert(!std::is_base_of_v<ccShape, ccLine>);
@@ -30,10 +33,10 @@ template <class... Shapes> constexpr bool mapToThemselves()
 {
   return (std::is_same_v<decltype(std::declval<Shapes const&>().map(ccXform<2>())), Shapes> && ...);
 }
-static_assert(mapToThemselves<ccLine, ccLineSeg, ccPointSet, ccCoordAxes, ccPolyline, ccPolygon, ccAffineRectangle, ccGenRect,
-                              ccCircle, ccEllipse, ccEllipse2, ccEllipseArc, ccEllipseArc2, ccEllipseAnnulus, ccGenAnnulus,
-                              ccEllipseAnnulusSection, ccGenPoly, cc2Wireframe, ccBezierCurve, ccBezierPath, ccDeBoorSpline,
-                              ccHermiteSpline, ccInterpSpline, ccShapeTree>());
+static_assert(mapToThemselves<ccLine, ccLineSeg, ccPointSet, ccCoordAxes, ccPolyline, ccPolygon, ccAffineRectangle,
+                              ccGenRect, ccCircle, ccEllipse, ccEllipse2, ccEllipseArc, ccEllipseArc2, ccEllipseAnnulus,
+                              ccGenAnnulus, ccEllipseAnnulusSection, ccGenPoly, cc2Wireframe, ccBezierCurve,
+                              ccBezierPath, ccDeBoorSpline, ccHermiteSpline, ccInterpSpline, ccShapeTree>());
 
 // One shape does not turn into another by itself.
 template <class To, class... From> constexpr bool onlyExplicitly()
@@ -53,23 +56,27 @@ static_assert(!std::is_copy_constructible_v<ccCubicSpline> && !std::is_copy_assi
 template <class A, class B> constexpr bool same = std::is_same_v<std::remove_cvref_t<A>, B>;
 
 static_assert(requires(ccGenPoly p, ccGenPoly const c, ccRadian a, ccXform<2> x) {
-  requires same<decltype(c.numVertices()), long> && same<decltype(c.numSegments()), long> && same<decltype(c.isOpen()), bool>;
+  requires same<decltype(c.numVertices()), long> && same<decltype(c.numSegments()), long> &&
+      same<decltype(c.isOpen()), bool>;
   requires same<decltype(c.lineSegment(0L, true)), ccLineSeg> && same<decltype(c.arcSegment(0L, true)), ccEllipseArc>;
   requires same<decltype(c.encloseRect(x)), ccRect> && same<decltype(c.encloseRect()), ccRect>;
   requires same<decltype(c.segmentAngleSpan(0L)), ccRadian> && same<decltype(c.vertexRoundingSize(0L)), double>;
   requires same<decltype(c.previousSegmentIndex(0L)), long> && same<decltype(c.nextSegmentIndex(0L)), long>;
   requires same<decltype(c.previousVertexIndex(0L)), long> && same<decltype(c.nextVertexIndex(0L)), long>;
   requires same<decltype(c.isLineSegment(0L)), bool> && same<decltype(c.isValid()), bool>;
-  p.open(), p.vertexPoint(0L, c.vertexPoint(0L)), p.deleteVertex(0L), p.vertexRoundingSize(0L, 1.0), p.segmentAngleSpan(0L, a);
+  p.open(), p.vertexPoint(0L, c.vertexPoint(0L)), p.deleteVertex(0L), p.vertexRoundingSize(0L, 1.0),
+      p.segmentAngleSpan(0L, a);
   c.distToPoint(V());
 });
 static_assert(requires(cc2Wireframe w, cc2Wireframe const c, V p, ccRadian a, ccDimTol t) {
   cc2Wireframe(ccGenPoly(), t);
-  w.insertVertex(0L, p, 0.0, a, t), w.insertVertex(p, 0.0, a, t), w.close(a, t), w.segmentLengthTol(0L, t), w.polarity(true);
+  w.insertVertex(0L, p, 0.0, a, t), w.insertVertex(p, 0.0, a, t), w.close(a, t), w.segmentLengthTol(0L, t),
+      w.polarity(true);
   requires same<decltype(c.segmentLengthTol(0L)), ccDimTol> && same<decltype(c.isPolarityReversed()), bool>;
   requires same<decltype(c.map(cc2Rigid::I, 1.0)), cc2Wireframe>;
 });
-static_assert(requires(ccSMDGDPoly s, ccSMDGDPoly const c, ccSMDGDPolyVertex v, std::vector<ccSMDGDPoly> out, std::vector<long> l) {
+static_assert(requires(ccSMDGDPoly s, ccSMDGDPoly const c, ccSMDGDPolyVertex v, std::vector<ccSMDGDPoly> out,
+                       std::vector<long> l) {
   ccSMDGDPoly(cc2Wireframe(), "poly"), ccSMDGDPoly("poly");
   requires same<decltype(c.vertex(0L, false)), ccSMDGDPolyVertex>;
   requires same<decltype(ccSMDGDPoly::triangle(1.0, 2.0, V())), ccSMDGDPoly>;
@@ -87,7 +94,8 @@ static_assert(requires(ccSMDGDPoly s, ccSMDGDPoly const c, ccSMDGDPolyVertex v, 
 static_assert(requires(cc2SegmentLine const l, cc2SegmentArc const a) {
   V(l.closestPoint(V())), V(l.midPoint()), V(a.closestPoint(V())), V(a.midPoint_());
   requires same<decltype(l.angle()), ccRadian> && same<decltype(a.midDirection()), ccRadian>;
-  requires same<decltype(a.xform()), ccXform<2>> && same<decltype(a.start()), ccRadian> && same<decltype(a.span()), ccRadian>;
+  requires same<decltype(a.xform()), ccXform<2>> && same<decltype(a.start()), ccRadian> &&
+      same<decltype(a.span()), ccRadian>;
 });
 static_assert(requires(ccPointSet const s, ccXform<2> x) {
   V(s[0]), s.distToPoint(V()), V(s.pos());
@@ -100,13 +108,16 @@ static_assert(requires(ccEllipseAnnulusSection const s, ccEllipse const e, ccRad
   requires same<decltype(e.unit()), ccEllipse::ccEllipseUnit> && same<decltype(e.unit().matrix()), ccMatrix<2>>;
   ccGenAnnulus(V(), V(), V(), a, V(), V()), ccGenAnnulus(ccGenRect(), ccGenRect());
 });
-static_assert(requires(ccBezierCurve b, ccCubicSpline& s, ccDeBoorSpline d, ccHermiteSpline h, ccInterpSpline i, ccXform<2> x) {
+static_assert(requires(ccBezierCurve b, ccCubicSpline& s, ccDeBoorSpline d, ccHermiteSpline h, ccInterpSpline i,
+                       ccXform<2> x) {
   V(b.controlPoint(0L)), b.controlPoint(0L, V()), b.weight(0L, b.weight(0L)), b.encloseRect(), b.distToPoint(V());
   requires same<decltype(b.controlPoints()), std::vector<V>>;
   requires same<decltype(s.numControlPoints()), long> && same<decltype(s.numBezierCurves()), long>;
   requires same<decltype(s.bezierCurve(0L)), ccBezierCurve> && same<decltype(s.isEmpty()), bool>;
-  requires same<decltype(s.map(x)), ccPtrHandle_const<ccCubicSpline>> && same<decltype(s.clone()), ccPtrHandle<ccCubicSpline>>;
-  s.addControlPoint(V()), s.controlPoint(0L, V()), s.insertControlPoint(0L, V()), s.deleteControlPoint(0L), s.isClosed(s.isClosed());
+  requires same<decltype(s.map(x)), ccPtrHandle_const<ccCubicSpline>> &&
+      same<decltype(s.clone()), ccPtrHandle<ccCubicSpline>>;
+  s.addControlPoint(V()), s.controlPoint(0L, V()), s.insertControlPoint(0L, V()), s.deleteControlPoint(0L),
+      s.isClosed(s.isClosed());
   d.isClosed(true), d.addControlPoint(V(), 1.0), d.addControlPoint(V()), d.weight(0L, 1.0);
   h.controlTangent(0L, h.controlTangent(0L)), i.isClosed(true), i.endConditions(i.endConditions());
 });
@@ -116,7 +127,7 @@ static_assert(requires(ccShape const& s, ccXform<2> x) {
   requires same<decltype(cfShapeMapShapePosition(s, x)), ccPtrHandle_const<ccShape>>;
 });
 
-}  // namespace
+} // namespace
 
 TEST(ImageClass, isTheSameForEachClassOrTheOneThatHoldsItExactly)
 {

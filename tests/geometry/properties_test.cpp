@@ -2,6 +2,8 @@
 #include "geometry/all.h"
 #include "tests/geometry/families.h"
 
+#include <thread>
+
 using namespace krs_test;
 
 namespace {
@@ -116,4 +118,59 @@ TEST(Shapes, theBaseCountsAPointAtTheOrigin)
 
   EXPECT_EQ(outlined.encloseRect(), ccRect(V(0, 0), V(3, 0)));
   EXPECT_EQ(outlined.distanceToPoint(V(0, 2)), 2);
+}
+
+TEST(Shapes, changingThePositionByTheIdentityGivesAnEqualShape)
+{
+  Random random(6);
+  for (Family const& family : families())
+    for (int i = 0; i < rounds(30); ++i) {
+      Handle const shape = family.make(random), same = cfShapeMapShapePosition(*shape, ccXform<2>());
+      ASSERT_EQ(Sampler(*same, 5).points, Sampler(*shape, 5).points) << family.name;
+    }
+}
+
+TEST(Shapes, changingThePositionMovesTheBoxesCentreAndKeepsTheOutline)
+{
+  Random random(7);
+  for (Family const& family : families())
+    for (int i = 0; i < rounds(60); ++i) {
+      Handle const shape = family.make(random);
+      if (dynamic_cast<ccShapeTree const*>(shape.get()))
+        continue;  // spreads its parts
+      SCOPED_TRACE(family.name);
+      ccXform<2> const x = random.affine();
+      Handle const moved = cfShapeMapShapePosition(*shape, x);
+      Sampler const before(*shape, 5), after(*moved, 5);
+      V const shift = x.mapPoint(shape->encloseRect().center()) - shape->encloseRect().center();
+      double const tolerance = 1e-9 * (sizeOf(before) + sizeOf(after));
+
+      expectNear(moved->encloseRect().center(), x.mapPoint(shape->encloseRect().center()), tolerance);
+      ASSERT_EQ(after.points.size(), before.points.size());
+      for (std::size_t k = 0; k < before.points.size(); ++k)
+        expectNear(after.points[k], before.points[k] + shift, tolerance);
+    }
+}
+
+TEST(Shapes, twoThreadsReadThemAtOnce)
+{
+  Random random(8);
+  std::vector<Handle> shapes;
+  std::vector<double> alone;
+  for (Family const& family : families())
+    for (int i = 0; i < 20; ++i) {
+      shapes.push_back(family.make(random));
+      alone.push_back(shapes.back()->distanceToPoint(V(3, 4)) + shapes.back()->encloseRect().width());
+    }
+  auto const measure = [&](std::vector<double>& out) {
+    for (Handle const& s : shapes)
+      out.push_back(s->distanceToPoint(V(3, 4)) + s->encloseRect().width());
+  };
+  std::vector<double> first, second;
+  std::thread other([&] { measure(first); });
+  measure(second);
+  other.join();
+
+  EXPECT_EQ(first, alone);
+  EXPECT_EQ(second, alone);
 }

@@ -66,7 +66,8 @@ struct Chance {
     i32 reach = 30;
     for (int decade = within(0, 7); decade > 0; --decade)
       reach *= 10;
-    return {std::clamp(within(-reach, reach) * 3, -farthest, farthest), std::clamp(within(-reach, reach) * 3, -farthest, farthest)};
+    int const x = within(-reach, reach) * 3, y = within(-reach, reach) * 3;
+    return {std::clamp(x, -farthest, farthest), std::clamp(y, -farthest, farthest)};
   }
   Rect clip()
   {

@@ -128,7 +128,8 @@ DrawFamily wideLines()
     for (int join = 0; join <= 1; ++join)
       for (int cap = 0; cap <= 2; ++cap) {
         double const x = 6 + 24 * cap + 74 * join;
-        s.draw(ccPolyline(Points{{x, 56}, {x + 6, 36}, {x + 12, 56}, {x + 18, 46}}), pen(color(1 + join), 5, 0, false, join, cap));
+        s.draw(ccPolyline(Points{{x, 56}, {x + 6, 36}, {x + 12, 56}, {x + 18, 46}}),
+               pen(color(1 + join), 5, 0, false, join, cap));
       }
   }});
   f.steps.push_back({"sharp", [](ccWin32UIScope& s) {
@@ -357,7 +358,8 @@ DrawFamily pelsAndRuns()
   f.steps.push_back({"points", [](ccWin32UIScope& s) {
     for (int y = 0; y < 16; ++y)
       for (int x = 0; x < 16; ++x)
-        s.draw(ccPoint(4 + 2 * x, 4 + 2 * y), pen(ccColor(static_cast<unsigned char>(17 * x), static_cast<unsigned char>(17 * y), 128)));
+        s.draw(ccPoint(4 + 2 * x, 4 + 2 * y),
+               pen(ccColor(static_cast<unsigned char>(17 * x), static_cast<unsigned char>(17 * y), 128)));
   }});
   f.steps.push_back({"palette-points", [](ccWin32UIScope& s) {
     for (int i = 0; i < 256; ++i)
