@@ -27,8 +27,6 @@ std::int64_t colorDistance(ccRGB const& a, ccRGB const& b)
 
 }  // namespace
 
-long cfFarPelOf(double v) { return cfTruncToLong(cfPelFloor(v)); }
-
 ccUIScope::ccUIScope(ccPair<long> const& size) : size_(size) {}
 
 ccUIScope::ccUIScope(ccUIScope const& other)

@@ -8,6 +8,7 @@
 #include "canvas/layers.h"
 #include "canvas/rect.h"
 #include "foundation/pel_buffer.h"
+#include "foundation/rounding.h"
 #include "foundation/vector.h"
 
 #include <algorithm>
@@ -19,15 +20,7 @@
 // The one rule from doubles to pels. The small addition lets a half that arithmetic has made slightly too small go up like a
 // true half.
 inline double cfPelFloor(double v) { return std::floor(v + 0.5 + 1e-6); }
-long cfFarPelOf(double v);
-inline long cfPelOf(double v)  // of 32 bits; not a number gives 0
-{
-  double const at = v + 0.5 + 1e-6;
-  if (!(std::abs(at) < 2147483647.0))
-    return cfFarPelOf(v);
-  long const whole = static_cast<long>(at);
-  return at < static_cast<double>(whole) ? whole - 1 : whole;
-}
+inline long cfPelOf(double v) { return cfFloorToLong(v + 0.5 + 1e-6); }  // of 32 bits; not a number gives 0
 
 class ccUIScope {
 public:
@@ -151,6 +144,7 @@ public:
   static ccColor nearestColor(ccColor const&, std::vector<ccRGB> const&);
 
 protected:
+  void currentPoint(ccPair<long> const& p) { current_ = p, nowhere_ = false; }
   static bool isPlace(ccPoint const& p) { return std::isfinite(p.x()) && std::isfinite(p.y()); }
   // Within the far limits of rectangles.
   long xCoord(ccPoint const& p) const { return nearPel_(p.x() - static_cast<double>(offset_.x())); }

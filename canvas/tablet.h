@@ -23,6 +23,7 @@
 class cc_TabletTop;    // what a top tablet holds for its tree: scopes, marks, windows, scratch
 class cc_TabletLayers; // per-tablet state of both layers
 class cc_Strokes;      // chords of outlines
+struct cs_Reach;       // how far points reach
 struct cs_MapKind;     // what a map does to shapes
 
 class ccUITablet : public cc_TabletEnums {
@@ -243,11 +244,14 @@ private:
   template <class Body> void onLayers_(ccGraphicProps const&, Layers, Body&&);
   enum class ce_Chain { line, open, closed, polygon };
   cs_MapKind const& mapKind_() const;
-  void mapPoints_(std::vector<ccVector<2>> const&, int layer);  // to the points at hand
+  cs_MapKind const& newMapKind_() const;
+  cs_Reach mapPoints_(std::vector<ccVector<2>> const&, int layer);  // to the points at hand
   void drawPoints_(ccGraphicProps const&, int layer, ce_Chain, int fillRule);
+  void drawPoints_(ccGraphicProps const&, int layer, ce_Chain, int fillRule, cs_Reach const&);
   void sendPoints_(ccGraphicProps const&, int layer, ce_Chain, int fillRule, ccVector<2> const& low, ccVector<2> const& high);
   template <class Figure>
   void drawFigure_(Figure const&, ccVector<2> const& halfBox, ccGraphicProps const&, int layer, bool fill);
+  void keepPel_(ccGraphicProps const&);
   void drawStrokes_(cc_Strokes const&, ccGraphicProps const&, int layer);
   void drawMarks_(cc2Wireframe const&, ccGraphicProps const&, int layer);
   void drawIcon_(ccPoint const&, ccGraphicProps const&, int layer);

@@ -53,6 +53,8 @@ struct cs_Turned {
 
   cs_Turned(ccVector<2> const& l, double a) : lengths(l), angle(a)
   {
+    if (a == 0)
+      return;
     double const quarters = std::round(a / (cfPi / 2));
     if (!(std::abs(a - quarters * (cfPi / 2)) <= upright))
       return;
@@ -84,12 +86,10 @@ cc_DrawScratch& cc_TabletTop::scratch()
   return *scratch_;
 }
 
-cs_MapKind const& ccUITablet::mapKind_() const
+cs_MapKind const& ccUITablet::newMapKind_() const
 {
   cs_MapKind& kind = layers_->mapKind;
   ccMatrix<2> const& m = screenMap_.matrix();
-  if (kind.known && kind.matrix == m)
-    return kind;
   kind.matrix = m;
   kind.finite = cf_isFinitePoint(ccVector<2>(m.element(0, 0), m.element(0, 1))) &&
                 cf_isFinitePoint(ccVector<2>(m.element(1, 0), m.element(1, 1)));
@@ -101,11 +101,32 @@ cs_MapKind const& ccUITablet::mapKind_() const
 
 // --- Chains. The scratch's points are those of the chain at hand, in top pels.
 
+// Shapes that have shrunk into one pel by a thin pen: what is left of them is that pel.
+void ccUITablet::keepPel_(ccGraphicProps const& props)
+{
+  std::vector<ccVector<2>>& points = top_()->scratch().points;
+  if (points.size() < 2 || props.penWidth() >= 2)
+    return;
+  ccVector<2> const step = points[1] - points[0];
+  if (!(std::abs(step.x()) < 1 && std::abs(step.y()) < 1))
+    return;  // mostly the second point tells
+  auto const pel = [](ccVector<2> const& p) { return ccVector<2>(cfPelFloor(p.x()), cfPelFloor(p.y())); };
+  ccVector<2> const first = pel(points[0]);
+  for (std::size_t i = 1; i < points.size(); ++i)
+    if (!(pel(points[i]) == first))
+      return;
+  points.resize(1);
+}
+
 // Cut where no scope can count its pels.
 void ccUITablet::drawPoints_(ccGraphicProps const& props, int layer, ce_Chain kind, int rule)
 {
+  drawPoints_(props, layer, kind, rule, cf_reachOf(top_()->scratch().points));
+}
+
+void ccUITablet::drawPoints_(ccGraphicProps const& props, int layer, ce_Chain kind, int rule, cs_Reach const& reach)
+{
   cc_DrawScratch& s = top_()->scratch();
-  cs_Reach const reach = cf_reachOf(s.points);
   if (s.points.empty() || !reach.isFinite())
     return;
   if (reach.isWithin(cf_pelReach))
@@ -160,6 +181,8 @@ void ccUITablet::drawStrokes_(cc_Strokes const& strokes, ccGraphicProps const& p
     s.points.assign(points.begin(), points.end());
     // A line by itself has its last pel, too.
     ce_Chain const kind = strokes.closed(i) ? ce_Chain::closed : points.size() == 2 ? ce_Chain::line : ce_Chain::open;
+    if (kind != ce_Chain::line)
+      keepPel_(props);
     drawPoints_(props, layer, kind, 0);
   }
 }
@@ -194,6 +217,7 @@ void ccUITablet::drawOutline_(ccShape const& shape, ccGraphicProps const& props,
       if (i > 0 && i + 1 < strokes.size())
         s.points.push_back(strokes[0].front());
     }
+    keepPel_(props);
     drawPoints_(props, layer, ce_Chain::polygon, 1);
   } else {
     drawStrokes_(strokes, props, layer);
@@ -247,13 +271,20 @@ void ccUITablet::draw(ccEllipse const& ellipse, ccGraphicProps const& props, Lay
   bool const fill = filled || props.fill();
   onLayers_(props, l, [&](int layer) {
     cs_MapKind const& map = mapKind_();
+    if (ellipse.rx() == 0 || ellipse.ry() == 0) {  // a point, whatever the map
+      cc_DrawScratch& s = top_()->scratch();
+      s.points.assign(1, drawMap_(layer).mapPoint(ellipse.center()));
+      return drawPoints_(props, layer, ce_Chain::open, 0);
+    }
     if (map.keepsShapes && !ellipse.isDegenerate()) {
       double const angle = ellipse.rotation().value(), turn = map.turn.value();
       bool const round = ellipse.rx() == ellipse.ry();
       cs_Turned const t(ellipse.radii() * map.scale, round ? 0 : map.mirrored ? turn - angle : turn + angle);
       double const radius = std::max(t.lengths.x(), t.lengths.y());
       ccPoint const center = drawMap_(layer) * ellipse.center();
-      if (isNear(center, radius) && isSmooth(radius, t.angle, props)) {
+      // One that may have no pel of its own keeps the pels of its chords.
+      bool const hasPels = std::min(t.lengths.x(), t.lengths.y()) >= 1;
+      if (hasPels && isNear(center, radius) && isSmooth(radius, t.angle, props)) {
         double const c = std::cos(t.angle), s = std::sin(t.angle);
         ccVector<2> const half = t.angle == 0 ? t.lengths
                                               : ccVector<2>(std::hypot(t.lengths.x() * c, t.lengths.y() * s),
@@ -309,13 +340,18 @@ void ccUITablet::draw(ccEllipseAnnulusSection const& section, ccGraphicProps con
 
 // --- Chains of vertices
 
-void ccUITablet::mapPoints_(std::vector<ccVector<2>> const& points, int layer)
+cs_Reach ccUITablet::mapPoints_(std::vector<ccVector<2>> const& points, int layer)
 {
+  cs_Reach reach;
   std::vector<ccVector<2>>& mapped = top_()->scratch().points;
   ccXform<2> const map = drawMap_(layer);
   mapped.resize(points.size());
-  for (std::size_t i = 0; i < points.size(); ++i)
-    mapped[i] = map.mapPoint(points[i]);
+  for (std::size_t i = 0; i < points.size(); ++i) {
+    ccVector<2> const p = map.mapPoint(points[i]);
+    reach.add(p);
+    mapped[i] = p;
+  }
+  return reach;
 }
 
 // The scope knows what a polygon is: of its own rule, open where it is not filled, a point of one vertex.
@@ -326,8 +362,10 @@ void ccUITablet::draw(ccPolygon const& polygon, ccGraphicProps const& props, Lay
     return;
   }
   onLayers_(props, l, [&](int layer) {
-    mapPoints_(polygon.points(), layer);
-    drawPoints_(props, layer, ce_Chain::polygon, polygon.fillRule());
+    cs_Reach const reach = mapPoints_(polygon.points(), layer);
+    if (polygon.fillRule() != 0)
+      keepPel_(props);
+    drawPoints_(props, layer, ce_Chain::polygon, polygon.fillRule(), reach);
   });
 }
 
@@ -338,8 +376,10 @@ void ccUITablet::draw(ccPolyline const& polyline, ccGraphicProps const& props, L
     return;
   }
   onLayers_(props, l, [&](int layer) {
-    mapPoints_(polyline.points(), layer);
-    drawPoints_(props, layer, polyline.closed() ? ce_Chain::closed : ce_Chain::open, 0);
+    cs_Reach const reach = mapPoints_(polyline.points(), layer);
+    if (polyline.closed())
+      keepPel_(props);
+    drawPoints_(props, layer, polyline.closed() ? ce_Chain::closed : ce_Chain::open, 0, reach);
   });
 }
 

@@ -284,6 +284,11 @@ inline ccPair<long> ccUITablet::dragShift_(int layer) const
   bool const shifted = top && !top->inPass() && top->isAnimating(layer) && layers_->dragEpoch == top->dragEpoch();
   return shifted ? layers_->dragDel : ccPair<long>();
 }
+inline cs_MapKind const& ccUITablet::mapKind_() const
+{
+  cs_MapKind const& kind = layers_->mapKind;
+  return kind.known && kind.matrix == screenMap_.matrix() ? kind : newMapKind_();
+}
 inline ccXform<2> ccUITablet::drawMap_(int layer) const
 {
   ccVector<2> const shift =

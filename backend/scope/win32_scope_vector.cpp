@@ -40,8 +40,14 @@ void ccWin32UIScope::draw(ccLineSeg const& seg, ccGraphicProps const& props)
   cs_Reach reach;
   reach.add(a);
   reach.add(b);
-  if (reach.isWithin(cf_pelReach) || (reach.isFinite() && cf_cutSegment(a, b, cf_pelReach)))
-    drawLine_(ccPair<long>(cfPelOf(a.x()), cfPelOf(a.y())), ccPair<long>(cfPelOf(b.x()), cfPelOf(b.y())), props);
+  auto const pelOf = [](ccVector<2> const& p) { return ccPair<long>(cfPelOf(p.x()), cfPelOf(p.y())); };
+  if (reach.isWithin(cf_pelReach)) {
+    drawLine_(pelOf(a), pelOf(b), props);
+    currentPoint(pelOf(b));
+    return;
+  }
+  if (reach.isFinite() && cf_cutSegment(a, b, cf_pelReach))
+    drawLine_(pelOf(a), pelOf(b), props);
   drawStart(seg.p2());
 }
 
