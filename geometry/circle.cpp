@@ -24,7 +24,10 @@ ccCircle ccCircle::map(ccXform<2> const& x) const
   return ccCircle(x.mapPoint(center_), radius_ * scale);
 }
 
-double ccCircle::distanceToPoint(ccVector<2> const& p) const { return std::abs(center_.distance(p) - radius_); }
+double ccCircle::distanceToPoint(ccVector<2> const& p) const 
+{
+  return cf_distance(std::abs(center_.distance(p) - radius_));
+}
 
 ccRect ccCircle::encloseRect() const
 {

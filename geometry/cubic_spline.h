@@ -40,6 +40,11 @@ public:
 
 protected:
   ccCubicSpline() = default;
+  // Copied as a whole only: the classes hold what belongs to their points.
+  ccCubicSpline(ccCubicSpline const&) = default;
+  ccCubicSpline(ccCubicSpline&&) = default;
+  ccCubicSpline& operator=(ccCubicSpline const&) = default;
+  ccCubicSpline& operator=(ccCubicSpline&&) = default;
   ccCubicSpline(std::vector<ccVector<2>> points, bool closed);
 
   virtual ccBezierCurve bezierCurve_(long k) const = 0;  // k is in range

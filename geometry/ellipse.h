@@ -62,7 +62,8 @@ public:
   ccEllipse(ccPoint const& center, ccVector<2> const& radii, ccRadian rotation);
   explicit ccEllipse(ccCircle const&);
 
-  ccEllipseUnit unit() const;  // a radius of 0 throws ccShapesError::DegenerateShape
+  // A radius of 0, or so small that it has no reciprocal, throws ccShapesError::DegenerateShape.
+  ccEllipseUnit unit() const;
   ccEllipse map(ccXform<2> const&) const;
   friend bool operator==(ccEllipse const& a, ccEllipse const& b) { return a.conic_ == b.conic_; }
 

@@ -40,7 +40,7 @@ public:
   friend bool operator==(ccLineSeg const& a, ccLineSeg const& b) { return a.p1_ == b.p1_ && a.p2_ == b.p2_; }
 
   double distToPoint(ccVector<2> const& p) const { return distanceToPoint(p); }
-  double distanceToPoint(ccVector<2> const& p) const override { return closestPoint(p).distance(p); }
+  double distanceToPoint(ccVector<2> const&) const override;
   ccRect encloseRect() const override;
   void outline(ccOutlineSink&) const override;
 
@@ -51,3 +51,7 @@ protected:
 private:
   ccPoint p1_, p2_;
 };
+
+// The ends of a segment by number, 1 or 2; another number gives the middle, and moves nothing.
+ccPoint cfLineSegEnd(ccLineSeg const&, int end);
+ccLineSeg cfMoveLineSegEnd(ccLineSeg const&, int end, ccPoint const& to);

@@ -52,6 +52,16 @@ ccRadian cfArcSpanThrough(ccVector<2> const& a, ccVector<2> const& b, ccVector<2
 // where the sides are in line.
 std::optional<double> cfRoundingSize(ccGenPoly const&, long vertex, ccVector<2> const& q);
 
+// The polygon with a new vertex in a segment; both halves take half of its span, and the first one the tolerance.
+cc2Wireframe cfSplitSegment(cc2Wireframe const&, long segment, ccVector<2> const& at, ccDimTol const&);
+
+// The polygon after one of its ends was dragged to a point. A closed one is opened. An open one gets a vertex at that end, or with
+// closes set is closed there, each with the tolerance on the new segment. A single vertex stays as it is.
+cc2Wireframe cfExtendPolygon(cc2Wireframe const&, bool atFirst, ccVector<2> const& to, bool closes, ccDimTol const&);
+
+// closeRectilinear with tolerances: the last segment keeps its own, the new ones take the one given.
+cc2Wireframe cfCloseRectilinear(cc2Wireframe const&, ccDimTol const&);
+
 // An open polygon after one end was dragged onto the other. The dragged end goes and the polygon is closed there; the first
 // segment keeps its span and tolerance. Empty if the vertex is no end, the polygon is closed, or fewer than two vertices would
 // be left.

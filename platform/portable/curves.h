@@ -23,31 +23,61 @@ struct CornerBox {
   i32 extraX, extraY;  // straight sides between the corners
 };
 
-// Calls visit(X, Y) for the pels of a quarter curve from (a, b & 1) to (a & 1, b), each beside the one before.
+// The walk over the pels (x, y) of a quarter curve from (a, b & 1) to (a & 1, b), each beside the one before.
 // Whole-number midpoint rule; a and b at most CornerBox::largest.
+class QuarterWalk {
+public:
+  QuarterWalk(i32 diameterX, i32 diameterY)
+      : b_(diameterY), leastX_(diameterX & 1), x_(diameterX), y_(diameterY & 1), aa_(i64{diameterX} * diameterX),
+        bb_(b_ * b_)
+  {
+    i64 const aabb = aa_ * bb_;
+    left_ = bb_ * (x_ - 1) * (x_ - 1) + aa_ * (y_ + 2) * (y_ + 2) - aabb;
+    up_ = bb_ * (x_ - 2) * (x_ - 2) + aa_ * (y_ + 1) * (y_ + 1) - aabb - 1;
+    leftByX_ = bb_ * (8 - 4 * x_);
+    leftByY_ = aa_ * (12 + 4 * y_);
+  }
+
+  i32 x() const { return static_cast<i32>(x_); }
+  i32 y() const { return static_cast<i32>(y_); }
+  bool bends() const { return y_ != b_ && x_ != leastX_; }
+  // All bits or none. Left when the middle between here and there, one row on, lies outside; up when the middle one column
+  // on lies inside. One of them always holds.
+  std::ptrdiff_t inward() const { return left_ > 0 ? -1 : 0; }
+  std::ptrdiff_t upward() const { return up_ < 0 ? -1 : 0; }
+  void step(std::ptrdiff_t inward, std::ptrdiff_t upward)
+  {
+    left_ += (inward & leftByX_) + (upward & leftByY_);
+    up_ += (inward & (leftByX_ + 4 * bb_)) + (upward & (leftByY_ - 4 * aa_));
+    leftByX_ += inward & 8 * bb_;
+    leftByY_ += upward & 8 * aa_;
+    x_ += 2 * inward;
+    y_ -= 2 * upward;
+  }
+  // Beyond the bend the walk goes straight on: up, or along the last row.
+  i32 rowsLeft() const { return static_cast<i32>((b_ - y_) / 2); }
+  i32 columnsLeft() const { return static_cast<i32>((x_ - leastX_) / 2); }
+
+private:
+  using i64 = std::int64_t;
+  i64 b_, leastX_, x_, y_, aa_, bb_;
+  i64 left_, up_;               // how far outside the two middles lie; up_ less one
+  i64 leftByX_, leftByY_;       // what a step adds to left_
+};
+
+// Calls visit(X, Y) for the pels of a QuarterWalk.
 template <class Visit> void walkQuarter(i32 diameterX, i32 diameterY, Visit&& visit)
 {
-  using i64 = std::int64_t;
-  i64 const a = diameterX, b = diameterY, aa = a * a, bb = b * b, aabb = aa * bb;
-  i64 const leastX = a & 1;
-  i64 x = a, y = b & 1;
-  for (;;) {
-    visit(static_cast<i32>(x), static_cast<i32>(y));
-    if (y == b) {
-      if (x == leastX)
-        return;
-      x -= 2;
-    } else if (x == leastX) {
-      y += 2;
-    } else {
-      // Left when the middle between here and there, one row on, lies outside; up when the middle one column on lies
-      // inside. One of them always holds.
-      bool const goesLeft = bb * (x - 1) * (x - 1) + aa * (y + 2) * (y + 2) > aabb;
-      bool const goesUp = bb * (x - 2) * (x - 2) + aa * (y + 1) * (y + 1) <= aabb;
-      x -= goesLeft ? 2 : 0;
-      y += goesUp ? 2 : 0;
-    }
+  QuarterWalk walk(diameterX, diameterY);
+  while (walk.bends()) {
+    visit(walk.x(), walk.y());
+    walk.step(walk.inward(), walk.upward());
   }
+  i32 x = walk.x(), y = walk.y();
+  for (; y < diameterY; y += 2)
+    visit(x, y);
+  for (; x >= (diameterX & 1); x -= 2)
+    visit(x, y);
 }
 
 // All pels of the outline, each once, counter-clockwise as seen, from the middle of the right side.

@@ -166,10 +166,8 @@ Rect MemPainter::clipBox() const
   return clipOn_ ? intersection(clip_, all) : all;
 }
 
-void MemPainter::touch(Rect const& painted)
+void MemPainter::account(Rect const& painted)
 {
-  if (!boundsOn_ && !window_)
-    return;
   Rect const seen = intersection(painted, clipBox());
   if (seen.empty())
     return;
@@ -238,7 +236,7 @@ void MemPainter::font(HFONT font)
 }
 
 // The nearest entry is searched once for a colour while a surface's handle is out.
-u32 MemPainter::pelValueOf(COLORREF color, Part const& part)
+u32 MemPainter::packedPelOf(COLORREF color, Part const& part)
 {
   if (part.block.depth != 8 || window_)
     return pelOf(color, part.block.depth, part.palette);

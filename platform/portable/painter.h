@@ -89,9 +89,19 @@ private:
   template <class Body> void paintAll(Body&& body);
   // Calls body(part) for each rectangle that the clip leaves.
   template <class Body> void paint(Body&& body);
-  u32 pelValueOf(COLORREF, Part const&);
+  u32 pelValueOf(COLORREF color, Part const& part)
+  {
+    return part.block.depth >= 24 ? rgbOf(color) : packedPelOf(color, part);
+  }
+  u32 packedPelOf(COLORREF, Part const&);
   Rect clipBox() const;         // in device pels
-  void touch(Rect const&);      // device pels that were painted, before the clip
+  bool counts() const { return boundsOn_ || window_; }  // what is painted is kept account of
+  void touch(Rect const& painted)  // device pels, before the clip
+  {
+    if (counts())
+      account(painted);
+  }
+  void account(Rect const&);
 
   template <class Pel> class Plot;
   // Calls body(part, plot, pel) with a plot and a pel of the colour, of the block's pel type.
@@ -117,6 +127,8 @@ private:
   FontFace& face();
   void placeLine(TextLine const&, Point at, bool prefixes, bool grey);
   void paintText(Rect const& limit, bool grey);  // placed_ and boxes_
+  template <class Tile>
+  void stampGlyphs(Part const&, Rect const& clip, void (*kernel)(Tile const*, std::size_t, std::ptrdiff_t, u32), u32 value);
 
   void turnedRoundRect(Rect const&, Size corner);
   void arcPels(CornerBox const&, Rect const&, Sector const&);

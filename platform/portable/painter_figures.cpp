@@ -50,7 +50,45 @@ public:
     if (x >= clip_.left && x < clip_.right && y >= clip_.top && y < clip_.bottom)
       *at(x, y) = pel_;
   }
-  void sureDot(i32 x, i32 y) const { *at(x + shift_.x, y + shift_.y) = pel_; }
+  // The four curves of an outline that lies inside the clip.
+  void quarters(CornerBox const& figure) const
+  {
+    constexpr std::ptrdiff_t size = sizeof(Pel);
+    std::ptrdiff_t const pitch = block_.pitch;
+    i32 const leastY = figure.b & 1;
+    u8* top = reinterpret_cast<u8*>(at(figure.left + shift_.x, figure.topOf(leastY) + shift_.y));
+    u8* bottom = reinterpret_cast<u8*>(at(figure.left + shift_.x, figure.bottomOf(leastY) + shift_.y));
+    std::ptrdiff_t left = 0, right = (figure.rightOf(figure.a) - figure.left) * size;
+    Pel const pel = pel_;
+    auto const dots = [&] {
+      *reinterpret_cast<Pel*>(top + left) = pel;
+      *reinterpret_cast<Pel*>(top + right) = pel;
+      *reinterpret_cast<Pel*>(bottom + left) = pel;
+      *reinterpret_cast<Pel*>(bottom + right) = pel;
+    };
+    QuarterWalk walk(figure.a, figure.b);
+    while (walk.bends()) {
+      dots();
+      std::ptrdiff_t const inward = walk.inward(), upward = walk.upward();
+      left += inward & size;
+      right -= inward & size;
+      top -= upward & pitch;
+      bottom += upward & pitch;
+      walk.step(inward, upward);
+    }
+    // The rest runs straight: a column below the tip, or the row at the top.
+    for (std::ptrdiff_t more = walk.rowsLeft(); more > 0; --more) {
+      dots();
+      top -= pitch;
+      bottom += pitch;
+    }
+    std::size_t const count = static_cast<std::size_t>(walk.columnsLeft()) + 1;
+    std::ptrdiff_t const back = static_cast<std::ptrdiff_t>(count - 1) * size;
+    fillRow(reinterpret_cast<Pel*>(top + left), count, pel);
+    fillRow(reinterpret_cast<Pel*>(top + right - back), count, pel);
+    fillRow(reinterpret_cast<Pel*>(bottom + left), count, pel);
+    fillRow(reinterpret_cast<Pel*>(bottom + right - back), count, pel);
+  }
   void span(i32 x0, i32 x1, i32 y) const
   {
     y += shift_.y;
@@ -73,7 +111,7 @@ public:
   }
 
 private:
-  Pel* at(i32 x, i32 y) const { return reinterpret_cast<Pel*>(pelAddress(block_, x, y)); }
+  Pel* at(i32 x, i32 y) const { return reinterpret_cast<Pel*>(pelAddress(block_, x, y, sizeof(Pel))); }
   PelBlock block_;
   Rect clip_;
   Point shift_;
@@ -120,8 +158,19 @@ void MemPainter::polygon(std::span<Point const> points, FillRule rule)
 void MemPainter::setPoints(std::span<Point const> logical)
 {
   points_.resize(logical.size());
-  for (std::size_t i = 0; i < logical.size(); ++i)
-    points_[i] = device(logical[i]);
+  if (!shiftOnly_) {
+    for (std::size_t i = 0; i < logical.size(); ++i)
+      points_[i] = device(logical[i]);
+    return;
+  }
+  using i64 = std::int64_t;
+  i64 const dx = i64{shift_.x} + viewport_.x - origin_.x, dy = i64{shift_.y} + viewport_.y - origin_.y;
+  auto const near = [](i64 v) { return static_cast<i32>(std::clamp<i64>(v, -farthestPel, farthestPel)); };
+  Point const* from = logical.data();
+  for (Point& to : points_) {
+    to = {near(from->x + dx), near(from->y + dy)};
+    ++from;
+  }
 }
 
 void MemPainter::strokeDevice(bool closed)
@@ -136,19 +185,23 @@ void MemPainter::strokeDevice(bool closed)
 
 void MemPainter::strokeCosmetic(bool closed)
 {
-  Rect const box = boxAround(points_);
-  touch({box.left, box.top, box.right + 1, box.bottom + 1});
+  if (counts()) {
+    Rect const box = boxAround(points_);
+    account({box.left, box.top, box.right + 1, box.bottom + 1});
+  }
   DashPattern const& dashes = cosmeticDashes(pen_.style);
   paintWith(pen_.color, [&](Part const& part, auto const&, auto pel) {
     std::int64_t phase = 0;
-    auto const line = [&](Point a, Point b) {
-      plotLine(part.block, part.clip, {a.x + part.shift.x, a.y + part.shift.y}, {b.x + part.shift.x, b.y + part.shift.y},
-               pel, dashes, phase);
-    };
-    for (std::size_t i = 1; i < points_.size(); ++i)
-      line(points_[i - 1], points_[i]);
+    Point const shift = part.shift;
+    auto const shifted = [shift](Point p) { return Point{p.x + shift.x, p.y + shift.y}; };
+    Point before = shifted(points_.front());
+    for (std::size_t i = 1; i < points_.size(); ++i) {
+      Point const next = shifted(points_[i]);
+      plotLine(part.block, part.clip, before, next, pel, dashes, phase);
+      before = next;
+    }
     if (closed)
-      line(points_.back(), points_.front());
+      plotLine(part.block, part.clip, before, shifted(points_.front()), pel, dashes, phase);
   });
 }
 
@@ -165,7 +218,11 @@ void MemPainter::strokeWide(bool closed)
   if (!stroker_)
     stroker_ = std::make_unique<Stroker>();
   filler_.clear();
-  touch(stroker_->stroke(outline_, closed, {pen_.width * penScale(), pen_.style, pen_.join, pen_.cap}, filler_));
+  Stroker::Style const style{pen_.width * penScale(), pen_.style, pen_.join, pen_.cap};
+  Rect covered;
+  if (outline_.size() != 2 || !stroker_->strokeLine(outline_[0], outline_[1], style, filler_, covered))
+    covered = stroker_->stroke(outline_, closed, style, filler_);
+  touch(covered);
   fillSpans(pen_.color, FillRule::winding);
 }
 
@@ -175,11 +232,20 @@ void MemPainter::fillSpans(COLORREF color, FillRule rule)
     Rect const& c = part.clip;
     Point const shift = part.shift;
     PelBlock const& block = part.block;
-    filler_.fill(rule, {c.left - shift.x, c.top - shift.y, c.right - shift.x, c.bottom - shift.y},
-                 [&](i32 y, i32 x0, i32 x1) {
-                   fillRow(reinterpret_cast<decltype(pel)*>(pelAddress(block, x0 + shift.x, y + shift.y)),
-                           static_cast<std::size_t>(x1 - x0), pel);
-                 });
+    using Pel = decltype(pel);
+    Rect const clip{c.left - shift.x, c.top - shift.y, c.right - shift.x, c.bottom - shift.y};
+    if (filler_.tabulate(rule, clip)) {
+      if (filler_.rows() == 0)
+        return;
+      u8* const pels = pelAddress(block, shift.x, filler_.firstRow() + shift.y, sizeof(Pel));
+      for (int i = 0; i < filler_.spansPerRow(); ++i)
+        paintSpans(pels, block.pitch, filler_.rows(), filler_.from(i), filler_.to(i), pel);
+      return;
+    }
+    filler_.fill(rule, clip, [&](i32 y, i32 x0, i32 x1) {
+      fillRow(reinterpret_cast<Pel*>(pelAddress(block, x0 + shift.x, y + shift.y, sizeof(Pel))),
+              static_cast<std::size_t>(x1 - x0), pel);
+    });
   });
 }
 
@@ -188,7 +254,8 @@ void MemPainter::fillFigure(COLORREF color, FillRule rule)
 {
   filler_.clear();
   filler_.add(points_, 1);
-  touch(boxAround(points_));
+  if (counts())
+    account(boxAround(points_));
   fillSpans(color, rule);
 }
 
@@ -281,19 +348,16 @@ void MemPainter::outlineCurve(CornerBox const& figure, Rect const& box, Part con
   Rect const shifted{box.left + part.shift.x, box.top + part.shift.y, box.right + part.shift.x, box.bottom + part.shift.y};
   if (intersection(shifted, part.clip).empty())
     return;
-  auto const quarters = [&figure](auto&& dot) {
+  if (inside(part.clip, shifted))
+    plot.quarters(figure);
+  else
     walkQuarter(figure.a, figure.b, [&](i32 X, i32 Y) {
       i32 const x0 = figure.leftOf(X), x1 = figure.rightOf(X), y0 = figure.topOf(Y), y1 = figure.bottomOf(Y);
-      dot(x0, y0);
-      dot(x1, y0);
-      dot(x0, y1);
-      dot(x1, y1);
+      plot.dot(x0, y0);
+      plot.dot(x1, y0);
+      plot.dot(x0, y1);
+      plot.dot(x1, y1);
     });
-  };
-  if (inside(part.clip, shifted))
-    quarters([&plot](i32 x, i32 y) { plot.sureDot(x, y); });
-  else
-    quarters([&plot](i32 x, i32 y) { plot.dot(x, y); });
   i32 const leastX = figure.a & 1, leastY = figure.b & 1;
   if (figure.extraX > 0) {
     plot.span(figure.leftOf(leastX), figure.rightOf(leastX) + 1, figure.top);
