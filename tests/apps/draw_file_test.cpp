@@ -392,8 +392,8 @@ TEST(DrawFile, circlesAndEllipsesHaveTheirRadii)
   for (char const* const kind : {"ellipse", "ellipse2"}) {
     DrawnPels const e =
         drawn(std::string(R"({"kind": ")") + kind + R"(", "center": [20, 15], "radii": [14, 4], "rotation": 90, "color": "red", "fill": true})");
-    EXPECT_EQ(e.at(20, 3), kRed) << kind;
-    EXPECT_EQ(e.at(20, 27), kRed) << kind;
+    EXPECT_EQ(e.at(20, 4), kRed) << kind;
+    EXPECT_EQ(e.at(20, 25), kRed) << kind;
     EXPECT_EQ(e.at(26, 15), kBlack) << kind;
     EXPECT_EQ(drawn(std::string(R"({"kind": ")") + kind + R"(", "center": [20, 15], "rx": 14, "ry": 4, "rotation": 90, "color": "red", "fill": true})").pels,
               e.pels);
@@ -426,6 +426,8 @@ TEST(DrawFile, ringsHaveTwoOutlines)
   for (std::string const& kind : kinds) {
     DrawnPels const p = drawn(kind);
     EXPECT_EQ(p.rows(20, 15, 40, 16)[0], ".....R......R.......") << kind;
+    DrawnPels const filled = drawn(kind.substr(0, kind.size() - 1) + ", \"fill\": true}");
+    EXPECT_EQ(filled.rows(20, 15, 40, 16)[0], ".....RRRRRRRR.......") << kind;
   }
 }
 
