@@ -32,7 +32,7 @@ public:
         bb_(b_ * b_)
   {
     i64 const aabb = aa_ * bb_;
-    left_ = bb_ * (x_ - 1) * (x_ - 1) + aa_ * (y_ + 2) * (y_ + 2) - aabb;
+    left_ = aabb - bb_ * (x_ - 1) * (x_ - 1) - aa_ * (y_ + 2) * (y_ + 2);
     up_ = bb_ * (x_ - 2) * (x_ - 2) + aa_ * (y_ + 1) * (y_ + 1) - aabb - 1;
     leftByX_ = bb_ * (8 - 4 * x_);
     leftByY_ = aa_ * (12 + 4 * y_);
@@ -43,17 +43,19 @@ public:
   bool bends() const { return y_ != b_ && x_ != leastX_; }
   // All bits or none. Left when the middle between here and there, one row on, lies outside; up when the middle one column
   // on lies inside. One of them always holds.
-  std::ptrdiff_t inward() const { return left_ > 0 ? -1 : 0; }
-  std::ptrdiff_t upward() const { return up_ < 0 ? -1 : 0; }
+  std::ptrdiff_t inward() const { return left_ >> 63; }
+  std::ptrdiff_t upward() const { return up_ >> 63; }
   void step(std::ptrdiff_t inward, std::ptrdiff_t upward)
   {
-    left_ += (inward & leftByX_) + (upward & leftByY_);
+    left_ -= (inward & leftByX_) + (upward & leftByY_);
     up_ += (inward & (leftByX_ + 4 * bb_)) + (upward & (leftByY_ - 4 * aa_));
     leftByX_ += inward & 8 * bb_;
     leftByY_ += upward & 8 * aa_;
     x_ += 2 * inward;
     y_ -= 2 * upward;
   }
+  void stepUp(std::ptrdiff_t inward) { step(inward, -1); }
+  void stepInward(std::ptrdiff_t upward) { step(-1, upward); }
   // Beyond the bend the walk goes straight on: up, or along the last row.
   i32 rowsLeft() const { return static_cast<i32>((b_ - y_) / 2); }
   i32 columnsLeft() const { return static_cast<i32>((x_ - leastX_) / 2); }
@@ -61,8 +63,8 @@ public:
 private:
   using i64 = std::int64_t;
   i64 b_, leastX_, x_, y_, aa_, bb_;
-  i64 left_, up_;               // how far outside the two middles lie; up_ less one
-  i64 leftByX_, leftByY_;       // what a step adds to left_
+  i64 left_, up_;          // how far inside the first middle lies, and how far outside the second, less one
+  i64 leftByX_, leftByY_;  // what a step takes off left_
 };
 
 // Calls visit(X, Y) for the pels of a QuarterWalk.

@@ -67,6 +67,25 @@ public:
       *reinterpret_cast<Pel*>(bottom + right) = pel;
     };
     QuarterWalk walk(figure.a, figure.b);
+    // First each step goes up, then each goes inward; what may be left in between goes by the whole rule.
+    while (walk.bends() && walk.upward() != 0) {
+      dots();
+      std::ptrdiff_t const inward = walk.inward();
+      left += inward & size;
+      right -= inward & size;
+      top -= pitch;
+      bottom += pitch;
+      walk.stepUp(inward);
+    }
+    while (walk.bends() && walk.inward() != 0) {
+      dots();
+      std::ptrdiff_t const upward = walk.upward();
+      left += size;
+      right -= size;
+      top -= upward & pitch;
+      bottom += upward & pitch;
+      walk.stepInward(upward);
+    }
     while (walk.bends()) {
       dots();
       std::ptrdiff_t const inward = walk.inward(), upward = walk.upward();
@@ -121,7 +140,7 @@ private:
 template <class Body> void MemPainter::paintWith(COLORREF color, Body&& body)
 {
   paint([&](Part const& part) {
-    u32 const value = pelValueOf(color, part);
+    u32 const value = pelValueOf(color, part.block.depth);
     withPel(part.block.depth, [&](auto sample) {
       using Pel = decltype(sample);
       body(part, Plot<Pel>(part, pelFrom<Pel>(value)), pelFrom<Pel>(value));
@@ -133,8 +152,40 @@ void MemPainter::polyline(std::span<Point const> points)
 {
   if (!penOn_ || points.empty())
     return;
+  if (shiftOnly_ && !window_ && cosmetic()) {
+    u32 const value = pelValueOf(pen_.color, block_.depth);
+    withPel(block_.depth, [&](auto sample) { thinLines(points, pelFrom<decltype(sample)>(value)); });
+    return;
+  }
   setPoints(points);
   strokeDevice(false);
+}
+
+// On a surface, by the cosmetic pen, without a copy of the points: most lines are short and many.
+template <class Pel> void MemPainter::thinLines(std::span<Point const> points, Pel pel)
+{
+  using i64 = std::int64_t;
+  i64 const dx = i64{shift_.x} + viewport_.x - origin_.x, dy = i64{shift_.y} + viewport_.y - origin_.y;
+  auto const near = [](i64 v) { return static_cast<i32>(std::clamp<i64>(v, -farthestPel, farthestPel)); };
+  auto const shifted = [&](Point p) { return Point{near(p.x + dx), near(p.y + dy)}; };
+  Rect const clip = clipBox();
+  DashPattern const& dashes = cosmeticDashes(pen_.style);
+  std::int64_t phase = 0;
+  Point before = shifted(points[0]);
+  bool beforeInside = dashes.count == 0 && contains(clip, before);
+  Rect box{before.x, before.y, before.x, before.y};
+  for (std::size_t i = 1; i < points.size(); ++i) {
+    Point const next = shifted(points[i]);
+    bool const inside = dashes.count == 0 && contains(clip, next);
+    if (inside && beforeInside)
+      plotInside(block_, before, next, pel);
+    else
+      plotLine(block_, clip, before, next, pel, dashes, phase);
+    box = {std::min(box.left, next.x), std::min(box.top, next.y), std::max(box.right, next.x), std::max(box.bottom, next.y)};
+    before = next;
+    beforeInside = inside;
+  }
+  touch({box.left, box.top, box.right + 1, box.bottom + 1});
 }
 
 void MemPainter::lineTo(Point to)

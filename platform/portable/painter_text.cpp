@@ -203,12 +203,12 @@ void MemPainter::paintText(Rect const& limit, bool grey)
     if (clip.empty())
       return;
     if (!boxes_.empty()) {
-      u32 const back = pelValueOf(textBack_, part);
+      u32 const back = pelValueOf(textBack_, part.block.depth);
       for (Rect const& box : boxes_)
         fillPels(part.block, intersection({box.left + shift.x, box.top + shift.y, box.right + shift.x,
                                            box.bottom + shift.y}, clip), back);
     }
-    u32 const value = pelValueOf(textColor_, part);
+    u32 const value = pelValueOf(textColor_, part.block.depth);
     if (part.block.depth == 32) {
       if (grey)
         stampGlyphs<CoverTile>(part, clip, rowKernels().blend, value);
