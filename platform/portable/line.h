@@ -123,7 +123,7 @@ struct DashPattern {
 };
 DashPattern const& cosmeticDashes(int style);
 
-// count pels from an address by a pattern at a phase; step is the distance from pel to pel in bytes.
+// count pels from an address by a pattern at a phase below its length; step is the distance from pel to pel in bytes.
 template <class Pel>
 void plotDashes(u8* at, i32 count, std::ptrdiff_t step, Pel pel, DashPattern const& dashes, i32 phase)
 {
@@ -138,11 +138,20 @@ void plotDashes(u8* at, i32 count, std::ptrdiff_t step, Pel pel, DashPattern con
       phase = 23 - (phase + count - 1) % 24;
       at += step * (count - 1);
     }
-    phase %= 24;
     u32 const turned = (bits >> phase | bits << (24 - phase)) & 0xFFFFFFu;
     return maskedRow(reinterpret_cast<Pel*>(at), static_cast<std::size_t>(count), turned, pel);
   }
-  phase %= dashes.total;
+  if (phase == 0)
+    for (; count >= dashes.total; count -= dashes.total)
+      for (unsigned run = 0; run < dashes.count; run += 2) {
+        // All runs are multiples of three.
+        for (i32 left = dashes.runs[run]; left > 0; left -= 3, at += 3 * step) {
+          *reinterpret_cast<Pel*>(at) = pel;
+          *reinterpret_cast<Pel*>(at + step) = pel;
+          *reinterpret_cast<Pel*>(at + 2 * step) = pel;
+        }
+        at += step * dashes.runs[run + 1];
+      }
   unsigned run = 0;
   while (phase >= dashes.runs[run])
     phase -= dashes.runs[run++];
@@ -247,7 +256,7 @@ inline void plotLine(PelBlock const& block, Rect const& clip, Point from, Point 
   i32 const n = xMajor ? adx : ady, m = xMajor ? ady : adx;
   if (n == 0)
     return;
-  i32 const place = static_cast<i32>(phase % dashes.total);
+  i32 const place = phase == 0 ? 0 : static_cast<i32>(phase % dashes.total);
   phase += n;
   if (m == 0)
     plotDashes(at, n, xMajor ? stepX : stepY, pel, dashes, place);

@@ -38,6 +38,32 @@ bool inside(Rect const& outer, Rect const& inner)
 
 }  // namespace
 
+namespace {
+
+// An outline that lies inside the clip.
+template <class Pel> void outlineInside(PelBlock const& block, Point shift, CornerBox const& figure, Pel pel)
+{
+  i32 const leastX = figure.a & 1, leastY = figure.b & 1;
+  i32 const left = figure.left + shift.x, middle = figure.topOf(leastY) + shift.y;
+  i32 const lower = figure.bottomOf(leastY) + shift.y, width = figure.rightOf(figure.a) - figure.left;
+  auto const at = [&block](i32 x, i32 y) { return pelAddress(block, x, y, sizeof(Pel)); };
+  plotQuarters(at(left, middle), at(left, lower), block.pitch, figure.a, figure.b, width, pel);
+  if (figure.extraX > 0) {
+    i32 const from = figure.leftOf(leastX) + shift.x;
+    std::size_t const count = static_cast<std::size_t>(figure.rightOf(leastX) - figure.leftOf(leastX)) + 1;
+    fillRow(reinterpret_cast<Pel*>(at(from, figure.top + shift.y)), count, pel);
+    fillRow(reinterpret_cast<Pel*>(at(from, figure.bottomOf(figure.b) + shift.y)), count, pel);
+  }
+  if (figure.extraY > 0)
+    for (i32 y = middle; y <= lower; ++y) {
+      Pel* const row = reinterpret_cast<Pel*>(at(left, y));
+      row[0] = pel;
+      row[width] = pel;
+    }
+}
+
+}  // namespace
+
 // A span or pel in block coordinates, cut to the clip.
 template <class Pel> class MemPainter::Plot {
 public:
@@ -50,64 +76,7 @@ public:
     if (x >= clip_.left && x < clip_.right && y >= clip_.top && y < clip_.bottom)
       *at(x, y) = pel_;
   }
-  // The four curves of an outline that lies inside the clip.
-  void quarters(CornerBox const& figure) const
-  {
-    constexpr std::ptrdiff_t size = sizeof(Pel);
-    std::ptrdiff_t const pitch = block_.pitch;
-    i32 const leastY = figure.b & 1;
-    u8* top = reinterpret_cast<u8*>(at(figure.left + shift_.x, figure.topOf(leastY) + shift_.y));
-    u8* bottom = reinterpret_cast<u8*>(at(figure.left + shift_.x, figure.bottomOf(leastY) + shift_.y));
-    std::ptrdiff_t left = 0, right = (figure.rightOf(figure.a) - figure.left) * size;
-    Pel const pel = pel_;
-    auto const dots = [&] {
-      *reinterpret_cast<Pel*>(top + left) = pel;
-      *reinterpret_cast<Pel*>(top + right) = pel;
-      *reinterpret_cast<Pel*>(bottom + left) = pel;
-      *reinterpret_cast<Pel*>(bottom + right) = pel;
-    };
-    QuarterWalk walk(figure.a, figure.b);
-    // First each step goes up, then each goes inward; what may be left in between goes by the whole rule.
-    while (walk.bends() && walk.upward() != 0) {
-      dots();
-      std::ptrdiff_t const inward = walk.inward();
-      left += inward & size;
-      right -= inward & size;
-      top -= pitch;
-      bottom += pitch;
-      walk.stepUp(inward);
-    }
-    while (walk.bends() && walk.inward() != 0) {
-      dots();
-      std::ptrdiff_t const upward = walk.upward();
-      left += size;
-      right -= size;
-      top -= upward & pitch;
-      bottom += upward & pitch;
-      walk.stepInward(upward);
-    }
-    while (walk.bends()) {
-      dots();
-      std::ptrdiff_t const inward = walk.inward(), upward = walk.upward();
-      left += inward & size;
-      right -= inward & size;
-      top -= upward & pitch;
-      bottom += upward & pitch;
-      walk.step(inward, upward);
-    }
-    // The rest runs straight: a column below the tip, or the row at the top.
-    for (std::ptrdiff_t more = walk.rowsLeft(); more > 0; --more) {
-      dots();
-      top -= pitch;
-      bottom += pitch;
-    }
-    std::size_t const count = static_cast<std::size_t>(walk.columnsLeft()) + 1;
-    std::ptrdiff_t const back = static_cast<std::ptrdiff_t>(count - 1) * size;
-    fillRow(reinterpret_cast<Pel*>(top + left), count, pel);
-    fillRow(reinterpret_cast<Pel*>(top + right - back), count, pel);
-    fillRow(reinterpret_cast<Pel*>(bottom + left), count, pel);
-    fillRow(reinterpret_cast<Pel*>(bottom + right - back), count, pel);
-  }
+  void outline(CornerBox const& figure) const { outlineInside(block_, shift_, figure, pel_); }
   void span(i32 x0, i32 x1, i32 y) const
   {
     y += shift_.y;
@@ -361,6 +330,12 @@ void MemPainter::roundRect(Rect const& logical, Size corner)
     flatten(control_, chordsOf(std::max(figure.a, figure.b)), outline_);
     outline_.pop_back();
     strokeWide(true);
+  } else if (pen_.style == 0 && !figure.large() && !window_ && inside(clipBox(), box)) {
+    u32 const value = pelValueOf(pen_.color, block_.depth);
+    withPel(block_.depth, [&](auto sample) {
+      using Pel = decltype(sample);
+      outlineInside(block_, {}, figure, pelFrom<Pel>(value));
+    });
   } else if (pen_.style == 0 || figure.large()) {
     paintWith(pen_.color, [&](Part const& part, auto const& plot, auto) { outlineCurve(figure, box, part, plot); });
   } else {
@@ -400,15 +375,14 @@ void MemPainter::outlineCurve(CornerBox const& figure, Rect const& box, Part con
   if (intersection(shifted, part.clip).empty())
     return;
   if (inside(part.clip, shifted))
-    plot.quarters(figure);
-  else
-    walkQuarter(figure.a, figure.b, [&](i32 X, i32 Y) {
-      i32 const x0 = figure.leftOf(X), x1 = figure.rightOf(X), y0 = figure.topOf(Y), y1 = figure.bottomOf(Y);
-      plot.dot(x0, y0);
-      plot.dot(x1, y0);
-      plot.dot(x0, y1);
-      plot.dot(x1, y1);
-    });
+    return plot.outline(figure);
+  walkQuarter(figure.a, figure.b, [&](i32 X, i32 Y) {
+    i32 const x0 = figure.leftOf(X), x1 = figure.rightOf(X), y0 = figure.topOf(Y), y1 = figure.bottomOf(Y);
+    plot.dot(x0, y0);
+    plot.dot(x1, y0);
+    plot.dot(x0, y1);
+    plot.dot(x1, y1);
+  });
   i32 const leastX = figure.a & 1, leastY = figure.b & 1;
   if (figure.extraX > 0) {
     plot.span(figure.leftOf(leastX), figure.rightOf(leastX) + 1, figure.top);
