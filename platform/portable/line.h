@@ -235,19 +235,10 @@ template <class Pel> inline void plotInside(PelBlock const& block, Point from, P
   }
 }
 
-// A line by a pattern; phase counts the pels since the pattern began and goes on over the whole line.
+// The same by a pattern.
 template <class Pel>
-inline void plotLine(PelBlock const& block, Rect const& clip, Point from, Point to, Pel pel, DashPattern const& dashes,
-                     std::int64_t& phase)
+inline void plotInside(PelBlock const& block, Point from, Point to, Pel pel, DashPattern const& dashes, std::int64_t& phase)
 {
-  if (!contains(clip, from) || !contains(clip, to) || block.width > LineWalker<Pel>::longest ||
-      block.height > LineWalker<Pel>::longest) {
-    std::int64_t const start = phase;
-    phase += lineLength(from, to);
-    return plotCutLine(block, clip, from, to, pel, dashes, start);
-  }
-  if (dashes.count == 0)
-    return plotInside(block, from, to, pel);
   i32 const dx = to.x - from.x, dy = to.y - from.y, adx = dx < 0 ? -dx : dx, ady = dy < 0 ? -dy : dy;
   u8* const at = pelAddress(block, from.x, from.y, sizeof(Pel));
   std::ptrdiff_t const stepX = dx < 0 ? -static_cast<std::ptrdiff_t>(sizeof(Pel)) : static_cast<std::ptrdiff_t>(sizeof(Pel));
@@ -264,6 +255,23 @@ inline void plotLine(PelBlock const& block, Rect const& clip, Point from, Point 
     walkDashes<Pel>(
         LineWalker<Pel>(at, n, m, (xMajor ? dy : dx) >= 0, xMajor ? stepX : stepY, xMajor ? stepY : stepX), n, pel, dashes,
         place);
+}
+
+// A line by a pattern; phase counts the pels since the pattern began and goes on over the whole line.
+template <class Pel>
+inline void plotLine(PelBlock const& block, Rect const& clip, Point from, Point to, Pel pel, DashPattern const& dashes,
+                     std::int64_t& phase)
+{
+  if (!contains(clip, from) || !contains(clip, to) || block.width > LineWalker<Pel>::longest ||
+      block.height > LineWalker<Pel>::longest) {
+    std::int64_t const start = phase;
+    phase += lineLength(from, to);
+    return plotCutLine(block, clip, from, to, pel, dashes, start);
+  }
+  if (dashes.count == 0)
+    plotInside(block, from, to, pel);
+  else
+    plotInside(block, from, to, pel, dashes, phase);
 }
 
 }  // namespace plat::portable

@@ -109,6 +109,8 @@ private:
   void strokeDevice(bool closed);    // points_ by the pen
   void strokeCosmetic(bool closed);  // points_
   void strokeWide(bool closed);      // outline_
+  bool strokeWideLine(PointF const& from, PointF const& to);
+  Stroker& stroker();  // the filler is empty for it
   void fillFigure(COLORREF, FillRule);  // points_
   void fillSpans(COLORREF, FillRule);   // what the filler holds
   static constexpr unsigned pathFill = 1, pathStroke = 2;

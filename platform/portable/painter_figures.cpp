@@ -126,6 +126,11 @@ void MemPainter::polyline(std::span<Point const> points)
     withPel(block_.depth, [&](auto sample) { thinLines(points, pelFrom<decltype(sample)>(value)); });
     return;
   }
+  if (points.size() == 2 && !cosmetic()) {
+    Point const from = device(points[0]), to = device(points[1]);
+    if (strokeWideLine({1.0 * from.x, 1.0 * from.y}, {1.0 * to.x, 1.0 * to.y}))
+      return;
+  }
   setPoints(points);
   strokeDevice(false);
 }
@@ -141,18 +146,20 @@ template <class Pel> void MemPainter::thinLines(std::span<Point const> points, P
   DashPattern const& dashes = cosmeticDashes(pen_.style);
   std::int64_t phase = 0;
   Point before = shifted(points[0]);
-  bool beforeInside = dashes.count == 0 && contains(clip, before);
+  bool beforeInside = contains(clip, before);
   Rect box{before.x, before.y, before.x, before.y};
   for (std::size_t i = 1; i < points.size(); ++i) {
     Point const next = shifted(points[i]);
-    bool const inside = dashes.count == 0 && contains(clip, next);
-    if (inside && beforeInside)
+    bool const nextInside = contains(clip, next);
+    if (!nextInside || !beforeInside)
+      plotLine(block_, clip, before, next, pel, dashes, phase);
+    else if (dashes.count == 0)
       plotInside(block_, before, next, pel);
     else
-      plotLine(block_, clip, before, next, pel, dashes, phase);
+      plotInside(block_, before, next, pel, dashes, phase);
     box = {std::min(box.left, next.x), std::min(box.top, next.y), std::max(box.right, next.x), std::max(box.bottom, next.y)};
     before = next;
-    beforeInside = inside;
+    beforeInside = nextInside;
   }
   touch({box.left, box.top, box.right + 1, box.bottom + 1});
 }
@@ -232,18 +239,30 @@ double MemPainter::penScale() const
   return std::sqrt(std::abs(double{world_.m11} * double{world_.m22} - double{world_.m12} * double{world_.m21}));
 }
 
-// outline_ by the wide pen.
-void MemPainter::strokeWide(bool closed)
+Stroker& MemPainter::stroker()
 {
   if (!stroker_)
     stroker_ = std::make_unique<Stroker>();
   filler_.clear();
-  Stroker::Style const style{pen_.width * penScale(), pen_.style, pen_.join, pen_.cap};
+  return *stroker_;
+}
+
+// outline_ by the wide pen.
+void MemPainter::strokeWide(bool closed)
+{
+  touch(stroker().stroke(outline_, closed, {pen_.width * penScale(), pen_.style, pen_.join, pen_.cap}, filler_));
+  fillSpans(pen_.color, FillRule::winding);
+}
+
+// The same for a line from point to point; false when it goes the general way.
+bool MemPainter::strokeWideLine(PointF const& from, PointF const& to)
+{
   Rect covered;
-  if (outline_.size() != 2 || !stroker_->strokeLine(outline_[0], outline_[1], style, filler_, covered))
-    covered = stroker_->stroke(outline_, closed, style, filler_);
+  if (!stroker().strokeLine(from, to, {pen_.width * penScale(), pen_.style, pen_.join, pen_.cap}, filler_, covered))
+    return false;
   touch(covered);
   fillSpans(pen_.color, FillRule::winding);
+  return true;
 }
 
 void MemPainter::fillSpans(COLORREF color, FillRule rule)
