@@ -128,6 +128,8 @@ private:
   void placeLine(TextLine const&, Point at, bool prefixes, bool grey);
   void paintText(Rect const& limit, bool grey);  // placed_ and boxes_
   template <class Tile>
+  void stampLine(std::string_view, Rect const&, unsigned flags, void (*kernel)(Tile const*, std::size_t, std::ptrdiff_t, u32));
+  template <class Tile>
   void stampGlyphs(Part const&, Rect const& clip, void (*kernel)(Tile const*, std::size_t, std::ptrdiff_t, u32), u32 value);
 
   void turnedRoundRect(Rect const&, Size corner);
