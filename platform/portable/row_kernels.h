@@ -25,6 +25,7 @@ struct CoverTile {
   u8* pels;
   u8 const* coverage;  // 16 a row
   i32 rows;
+  i32 stride;  // from row to row of the coverage
 };
 constexpr int columnLimit = 16;
 
