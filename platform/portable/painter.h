@@ -175,7 +175,6 @@ private:
   std::vector<TextLine> lines_;
   std::vector<PlacedGlyph> placed_;
   std::vector<Rect> boxes_;  // of lines of text, in device pels
-  std::vector<u8> coverRows_;  // of a line of grey text; all zero between lines
   SpanFiller filler_;
   std::unique_ptr<Stroker> stroker_;  // made by the first wide pen
   struct KnownColor {

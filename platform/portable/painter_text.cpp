@@ -5,7 +5,6 @@
 #include "platform/portable/row_kernels.h"
 
 #include <algorithm>
-#include <cstring>
 #include <iterator>
 #include <type_traits>
 
@@ -113,94 +112,19 @@ private:
   Tile tiles_[64];
 };
 
-// Small glyphs side by side, gathered to be blended in one go, so that the wait for their pels is one.
-class GreyLine {
-public:
-  // The rows are kept from line to line; all of them are zero in between.
-  GreyLine(PelBlock const& block, Tiles<CoverTile>& tiles, std::vector<u8>& kept) : block_(block), tiles_(tiles)
-  {
-    if (kept.empty())
-      kept.assign(rows * stride, 0);
-    cover_ = kept.data();
-  }
-  GreyLine(GreyLine const&) = delete;
-  GreyLine& operator=(GreyLine const&) = delete;
-  ~GreyLine() { flush(); }
-
-  // False when the glyph has to go otherwise. The ink lies inside the block.
-  bool add(Glyph const& glyph, Rect const& ink)
-  {
-    if (ink.width() > 16 || ink.height() > rows)
-      return false;
-    // Glyphs may only follow each other, as each writes zeros behind it.
-    if (left_ == right_ || ink.left < right_ || ink.left - left_ > columns - 16 || ink.top < top_ ||
-        ink.bottom > top_ + rows)
-      begin(ink);
-    u8* to = cover_ + static_cast<std::size_t>(ink.top - top_) * stride + (ink.left - left_);
-    u8 const* from = glyph.coverage.data();
-    u8 const* pels = pelAddress(block_, ink.left, ink.top, sizeof(u32));
-    for (i32 i = ink.height(); i > 0; --i, to += stride, from += 16, pels += block_.pitch) {
-      __builtin_prefetch(pels, 1);  // all rows are on their way before the first is needed
-      std::memcpy(to, from, 16);
-    }
-    right_ = ink.right;
-    bottom_ = std::max(bottom_, ink.bottom);
-    usedTop_ = std::min(usedTop_, ink.top);
-    return true;
-  }
-  // Before pels are painted otherwise.
-  void flush()
-  {
-    for (i32 x = left_; x < right_; x += 16)
-      tiles_.add({pelAddress(block_, x, usedTop_, sizeof(u32)),
-                  cover_ + static_cast<std::size_t>(usedTop_ - top_) * stride + (x - left_), bottom_ - usedTop_,
-                  static_cast<i32>(stride)});
-    tiles_.flush();
-    if (left_ == right_)
-      return;
-    std::size_t const tiles = static_cast<std::size_t>(right_ - left_ + 15) / 16 + 1;
-    for (i32 y = usedTop_; y < bottom_; ++y)
-      for (std::size_t i = 0; i < tiles; ++i)
-        std::memset(cover_ + static_cast<std::size_t>(y - top_) * stride + 16 * i, 0, 16);
-    left_ = right_ = 0;
-  }
-
-private:
-  static constexpr i32 rows = 24, columns = 112;
-  static constexpr std::size_t stride = 128;
-
-  void begin(Rect const& ink)
-  {
-    flush();
-    left_ = ink.left;
-    top_ = std::max(0, ink.bottom - (rows + ink.height()) / 2 - 2);
-    if (ink.bottom > top_ + rows)
-      top_ = ink.bottom - rows;
-    usedTop_ = ink.top;
-    bottom_ = ink.bottom;
-  }
-
-  PelBlock const& block_;
-  Tiles<CoverTile>& tiles_;
-  i32 left_ = 0, right_ = 0, top_ = 0, usedTop_ = 0, bottom_ = 0;
-  u8* cover_;
-};
-
-// Glyphs of bits gain nothing from it.
-struct NoLine {
-  NoLine(PelBlock const&, Tiles<BitTile>&, std::vector<u8>&) {}
-  bool add(Glyph const&, Rect const&) const { return false; }
-  void flush() const {}
-};
-
 template <class Tile> inline void addTiles(Tiles<Tile>& tiles, PelBlock const& block, Glyph const& glyph, Rect const& ink)
 {
   u8* pels = pelAddress(block, ink.left, ink.top, sizeof(u32));
   for (i32 tile = 0; tile * 16 < ink.width(); ++tile, pels += 16 * sizeof(u32)) {
-    if constexpr (std::is_same_v<Tile, CoverTile>)
-      tiles.add({pels, glyph.coverageOf(tile, 0), ink.height(), 16});
-    else
+    if constexpr (std::is_same_v<Tile, CoverTile>) {
+      // All rows are on their way before the first is needed.
+      u8 const* row = pels;
+      for (i32 i = 0; i < ink.height(); ++i, row += block.pitch)
+        __builtin_prefetch(row, 1);
+      tiles.add({pels, glyph.coverageOf(tile, 0), ink.height(), std::min(ink.width() - 16 * tile, 16)});
+    } else {
       tiles.add({pels, glyph.bitsOf(tile), ink.height()});
+    }
   }
 }
 
@@ -353,7 +277,6 @@ void MemPainter::stampLine(std::string_view text, Rect const& rect, unsigned fla
   u32 const value = rgbOf(textColor_);
   bool const counted = counts();
   Tiles<Tile> tiles(kernel, block_.pitch, value);
-  std::conditional_t<grey, GreyLine, NoLine> line(block_, tiles, coverRows_);
   Point at{start.x, start.y + one.ascent()};
   eachCharacter(text, prefixes, [&](u8 c) {
     Glyph const& glyph = one.glyph(c, grey);
@@ -364,13 +287,8 @@ void MemPainter::stampLine(std::string_view text, Rect const& rect, unsigned fla
       return;
     if (counted)
       account(intersection(ink, limit));
-    if (inside(clip, ink)) {
-      if (line.add(glyph, ink))
-        return;
-      line.flush();
+    if (inside(clip, ink))
       return addTiles(tiles, block_, glyph, ink);
-    }
-    line.flush();
     tiles.flush();
     if constexpr (grey)
       plotGrey<u32>(block_, clip, glyph, place, value);

@@ -75,7 +75,7 @@ void blendPlain(CoverTile const* tiles, std::size_t count, std::ptrdiff_t pitch,
   for (CoverTile const* tile = tiles; tile != tiles + count; ++tile) {
     u8* row = tile->pels;
     u8 const* cover = tile->coverage;
-    for (i32 i = 0; i < tile->rows; ++i, row += pitch, cover += tile->stride)
+    for (i32 i = 0; i < tile->rows; ++i, row += pitch, cover += 16)
       for (std::size_t x = 0; x < 16; ++x)
         if (u32 const a = cover[x]) {
           u32& pel = reinterpret_cast<u32*>(row)[x];
@@ -202,11 +202,12 @@ KRS_WIDE void blendWide(CoverTile const* tiles, std::size_t count, std::ptrdiff_
   for (CoverTile const* tile = tiles; tile != tiles + count; ++tile) {
     u8* row = tile->pels;
     u8 const* cover = tile->coverage;
-    for (i32 left = tile->rows; left > 0; --left, row += pitch, cover += tile->stride) {
+    __mmask16 const inside = static_cast<__mmask16>(_bzhi_u32(0xFFFF, static_cast<unsigned>(tile->width)));
+    for (i32 left = tile->rows; left > 0; --left, row += pitch, cover += 16) {
       __m512i const one = _mm512_cvtepu8_epi32(_mm_loadu_si128(reinterpret_cast<__m128i const*>(cover)));
       __m512i const a = _mm512_or_si512(one, _mm512_slli_epi32(one, 16));
       __mmask16 const painted = _mm512_test_epi32_mask(one, one);
-      __m512i const old = _mm512_maskz_loadu_epi32(painted, row);
+      __m512i const old = _mm512_maskz_loadu_epi32(inside, row);
       __m512i const rb = _mm512_and_si512(old, low), g = _mm512_and_si512(_mm512_srli_epi32(old, 8), low);
       __m512i const outer = _mm512_srli_epi16(mixed(rb, redBlue, a), 8);
       __m512i const inner = _mm512_and_si512(mixed(g, greenOnly, a), green);
