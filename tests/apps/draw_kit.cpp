@@ -44,13 +44,18 @@ std::string drawFile(std::string const& entries, std::string const& more)
 
 DrawnPels drawn(std::string const& entries, DrawnView const& view, std::string const& more)
 {
+  return drawnEach({entries}, view, more).front();
+}
+
+std::vector<DrawnPels> drawnEach(std::vector<std::string> const& entries, DrawnView const& view, std::string const& more)
+{
   plat::InitOptions init;
   init.video = plat::InitOptions::headless;
   plat::init(init);  // the first call counts
-  plat::testing::screen({6400, 4800}, view.depth);
+  // No larger than needed: a screen's surfaces are cleared when they are made.
+  plat::testing::screen({static_cast<plat::i32>(std::max(view.windowW, 64L)), static_cast<plat::i32>(std::max(view.windowH, 64L))},
+                        view.depth);
 
-  ccDrawing const drawing = cfReadDrawing(drawFile(entries, more), "test");
-  EXPECT_EQ(drawing.error, "");
   TestFolder const folder;
   std::ofstream(folder.file("black.pgm"), std::ios::binary)
       << "P5\n" << view.imageW << " " << view.imageH << "\n255\n"
@@ -64,16 +69,25 @@ DrawnPels drawn(std::string const& entries, DrawnView const& view, std::string c
     options.overlay = view.overlay == "none" ? ccViewOptions::noOverlay : ccViewOptions::plane;
   std::ostringstream errors;
   ccViewer viewer(options, errors);
-  viewer.draw({drawing});
-  viewer.open({folder.file("black.pgm").string()});
-  plat::testing::drain();
+  std::vector<DrawnPels> out;
+  for (std::string const& list : entries) {
+    ccDrawing const drawing = cfReadDrawing(drawFile(list, more), "test");
+    EXPECT_EQ(drawing.error, "");
+    for (auto const cs : {ccDisplay::displayCoords, ccDisplay::imageCoords, ccDisplay::clientCoords})
+      viewer.display().eraseSketch(cs);
+    viewer.draw({drawing});
+    if (!viewer.showsImage())
+      viewer.open({folder.file("black.pgm").string()});
+    plat::testing::drain();
+    plat::Size size;
+    DrawnPels pels;
+    pels.pels = plat::testing::shot(viewer.window(), size);
+    pels.w = size.w;
+    pels.h = size.h;
+    EXPECT_EQ(pels.w, view.windowW);
+    EXPECT_EQ(pels.h, view.windowH);
+    out.push_back(std::move(pels));
+  }
   EXPECT_EQ(errors.str(), "");
-  plat::Size size;
-  DrawnPels out;
-  out.pels = plat::testing::shot(viewer.window(), size);
-  out.w = size.w;
-  out.h = size.h;
-  EXPECT_EQ(out.w, view.windowW);
-  EXPECT_EQ(out.h, view.windowH);
   return out;
 }

@@ -35,4 +35,6 @@ struct DrawnView {
 // Shows the entries of a draw file over a black image. The entries are the inside of the list; more are members of the file.
 // A file that is refused fails the test.
 DrawnPels drawn(std::string const& entries, DrawnView const& = {}, std::string const& more = "");
+// The same for many lists of entries one after another, over one viewer.
+std::vector<DrawnPels> drawnEach(std::vector<std::string> const& entries, DrawnView const& = {}, std::string const& more = "");
 std::string drawFile(std::string const& entries, std::string const& more = "");
