@@ -160,6 +160,7 @@ void runLabels(bool smooth)
   HFONT const font = plat::platform().objects.createFont(desc);
   {
     Sheet sheet;
+    sheet.clear();
     plat::Painter& painter = sheet.painter();
     painter.font(font);
     painter.textColors(0xFFFFFF, 0, false);

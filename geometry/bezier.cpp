@@ -131,7 +131,10 @@ ccVector<2> ccBezierCurve::derivative(double t) const
   return d;
 }
 
-ccPoint ccBezierCurve::closestPoint(ccVector<2> const& q) const { return point(cf_nearest(rational_(), q).t); }
+ccPoint ccBezierCurve::closestPoint(ccVector<2> const& q) const 
+{
+  return point(cf_nearest(rational_(), cf_finite(q, "place near a curve")).t);
+}
 double ccBezierCurve::distanceToPoint(ccVector<2> const& p) const { return cf_nearest(rational_(), p).distance; }
 
 std::pair<ccBezierCurve, ccBezierCurve> ccBezierCurve::split(double t) const

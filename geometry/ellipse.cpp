@@ -40,7 +40,10 @@ ccPoint cc_EllipseBase::fromUnit(ccVector<2> const& v) const
   return conic_.c + e0 * (conic_.rx * e0.dot(v)) + e1 * (conic_.ry * e1.dot(v));
 }
 
-ccPoint cc_EllipseBase::closestPoint(ccVector<2> const& q) const { return conic_.at(cf_nearestOnConic(conic_, q).angle); }
+ccPoint cc_EllipseBase::closestPoint(ccVector<2> const& q) const 
+{
+  return conic_.at(cf_nearestOnConic(conic_, cf_finite(q, "place near an ellipse")).angle);
+}
 double cc_EllipseBase::distanceToPoint(ccVector<2> const& p) const { return cf_nearestOnConic(conic_, p).distance; }
 
 ccRect cc_EllipseBase::encloseRect() const

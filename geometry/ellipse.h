@@ -23,7 +23,7 @@ public:
   ccRadian rotation() const { return conic_.phi; }
   void rotation(ccRadian);
 
-  ccPoint point(ccRadian ownAngle) const { return conic_.at(ownAngle); }
+  ccPoint point(ccRadian ownAngle) const { return conic_.at(cf_finite(ownAngle, "angle on an ellipse")); }
   // From the unit circle: center + U v, with U the inverse of the unit's matrix. Never throws, also for radius 0.
   ccPoint fromUnit(ccVector<2> const&) const;
   ccPoint closestPoint(ccVector<2> const&) const;

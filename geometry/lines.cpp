@@ -47,7 +47,10 @@ ccLineSeg::ccLineSeg(ccPoint const& p1, ccPoint const& p2)
 
 void ccLineSeg::p1(ccPoint const& p) { p1_ = cf_finite(p, "end of a segment"); }
 void ccLineSeg::p2(ccPoint const& p) { p2_ = cf_finite(p, "end of a segment"); }
-ccPoint ccLineSeg::closestPoint(ccVector<2> const& q) const { return cf_closestOnSegment(p1_, p2_, q); }
+ccPoint ccLineSeg::closestPoint(ccVector<2> const& q) const 
+{
+  return cf_closestOnSegment(p1_, p2_, cf_finite(q, "place near a segment"));
+}
 
 double ccLineSeg::distanceToPoint(ccVector<2> const& p) const { return cf_segmentDistance(p1_, p2_, p); }
 

@@ -291,7 +291,7 @@ std::optional<double> cfRoundingSize(ccGenPoly const& poly, long i, ccVector<2> 
 {
   constexpr double straight = 1e-15;  // radians
   long const before = poly.previousSegmentIndex(i), after = poly.nextSegmentIndex(i);
-  if (before < 0 || after < 0)
+  if (before < 0 || after < 0 || !cf_isFinite(q))
     return std::nullopt;
   if (std::abs(ccSMDGDPolyPrivate::vertexAngle(ccSMDGDPolyPrivate::poly(poly), i).value() - cfPi) <= straight)
     return std::nullopt;

@@ -50,8 +50,8 @@ public:
 // takes.
 ccRadian cfArcSpanThrough(ccVector<2> const& a, ccVector<2> const& b, ccVector<2> const& q);
 
-// The rounding size of a vertex for a circle around q that reaches both its segments. Empty at the ends of an open polygon and
-// where the sides are in line.
+// The rounding size of a vertex for a circle around q that reaches both its segments. Empty at the ends of an open polygon,
+// where the sides are in line, and for a place that is not finite.
 std::optional<double> cfRoundingSize(ccGenPoly const&, long vertex, ccVector<2> const& q);
 
 // The polygon with a new vertex in a segment; both halves take half of its span, and the first one the tolerance.

@@ -2,7 +2,7 @@
 // filled region; it is infinite for a shape without points, and for a place that is not finite. Coordinates are doubles in
 // whatever coordinate system the client draws in, y points down on screen, angles grow from +x towards +y. Every map is affine.
 //
-// An index out of range, a number that is not finite, an image or a box that would not be finite, and a negative radius or
+// An index out of range, an argument that is not finite (but for the place whose distance is asked), an image or a box that would not be finite, and a negative radius or
 // length throw ccShapesError::BadParams; a setter that throws leaves the object as it was. Zero lengths and coincident points
 // are legal unless a class says otherwise. Objects may be read by several threads at once. A shape under a handle is made with
 // new; a value on the stack or in a field is nobody's but its owner's.

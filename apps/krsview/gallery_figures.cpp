@@ -216,9 +216,9 @@ void cf_pageRings(ccGalleryStage& stage)
 
   auto const circles = [](ccPoint const& c) { return ccEllipseAnnulus(ccEllipse(ccCircle(c, 24)), ccEllipse(ccCircle(c, 55))); };
   tablet.draw(circles(stage.next("of two circles")), thin, layer);
-  tablet.draw(circles(stage.next("wide")), wide, layer);
-  ccPoint c = stage.next("of two ellipses");
-  tablet.draw(ccEllipseAnnulus(ccEllipse(c, 34, 16, ccDegree(20)), ccEllipse(c, 62, 40, ccDegree(20))), thin, layer);
+  tablet.draw(circles(stage.next("filled")), ccGraphicProps(ccColor::dkGreenColor(), 1, ceSolidPen, true), layer);
+  ccPoint c = stage.next("of two ellipses, wide");
+  tablet.draw(ccEllipseAnnulus(ccEllipse(c, 34, 16, ccDegree(20)), ccEllipse(c, 60, 38, ccDegree(20))), wide, layer);
   tablet.draw(ccGenAnnulus(stage.next("of two rectangles"), ccVector<2>(28, 16), ccVector<2>(56, 40), ccDegree(15),
                            ccVector<2>(0, 0), ccVector<2>(20, 20)),
               thin, layer);

@@ -123,7 +123,7 @@ struct DashPattern {
 };
 DashPattern const& cosmeticDashes(int style);
 
-// count pels from an address by a pattern at a phase; step is the distance from pel to pel in bytes.
+// count pels from an address by a pattern at a phase below its length; step is the distance from pel to pel in bytes.
 template <class Pel>
 void plotDashes(u8* at, i32 count, std::ptrdiff_t step, Pel pel, DashPattern const& dashes, i32 phase)
 {
@@ -138,11 +138,20 @@ void plotDashes(u8* at, i32 count, std::ptrdiff_t step, Pel pel, DashPattern con
       phase = 23 - (phase + count - 1) % 24;
       at += step * (count - 1);
     }
-    phase %= 24;
     u32 const turned = (bits >> phase | bits << (24 - phase)) & 0xFFFFFFu;
     return maskedRow(reinterpret_cast<Pel*>(at), static_cast<std::size_t>(count), turned, pel);
   }
-  phase %= dashes.total;
+  if (phase == 0)
+    for (; count >= dashes.total; count -= dashes.total)
+      for (unsigned run = 0; run < dashes.count; run += 2) {
+        // All runs are multiples of three.
+        for (i32 left = dashes.runs[run]; left > 0; left -= 3, at += 3 * step) {
+          *reinterpret_cast<Pel*>(at) = pel;
+          *reinterpret_cast<Pel*>(at + step) = pel;
+          *reinterpret_cast<Pel*>(at + 2 * step) = pel;
+        }
+        at += step * dashes.runs[run + 1];
+      }
   unsigned run = 0;
   while (phase >= dashes.runs[run])
     phase -= dashes.runs[run++];
@@ -182,7 +191,7 @@ void walkDashes(Walker walker, i32 left, Pel pel, DashPattern const& dashes, i32
 
 // A line that the clip cuts, or an end of which lies outside.
 template <class Pel>
-void plotCutLine(PelBlock const& block, Rect const& clip, Point from, Point to, Pel pel, DashPattern const& dashes,
+__attribute__((noinline)) void plotCutLine(PelBlock const& block, Rect const& clip, Point from, Point to, Pel pel, DashPattern const& dashes,
                  std::int64_t start)
 {
   LineCut cut;
@@ -205,6 +214,49 @@ void plotCutLine(PelBlock const& block, Rect const& clip, Point from, Point to, 
     walkDashes<Pel>(walker, cut.count, pel, dashes, phase);
 }
 
+// A solid line with both ends inside a block of at most LineWalker::longest pels either way.
+template <class Pel> inline void plotInside(PelBlock const& block, Point from, Point to, Pel pel)
+{
+  constexpr std::ptrdiff_t size = sizeof(Pel);
+  i32 const dx = to.x - from.x, dy = to.y - from.y, adx = dx < 0 ? -dx : dx, ady = dy < 0 ? -dy : dy;
+  std::ptrdiff_t const pitch = block.pitch;
+  u8* const at = pelAddress(block, from.x, from.y, sizeof(Pel));
+  if (adx >= ady) {
+    if (adx <= 1) {
+      if (adx == 1)
+        *reinterpret_cast<Pel*>(at) = pel;
+      return;
+    }
+    if (ady == 0)
+      return fillRow(reinterpret_cast<Pel*>(dx < 0 ? at - size * (adx - 1) : at), static_cast<std::size_t>(adx), pel);
+    LineWalker<Pel>(at, adx, ady, dy >= 0, dx < 0 ? -size : size, dy < 0 ? -pitch : pitch).plot(adx, pel);
+  } else {
+    LineWalker<Pel>(at, ady, adx, dx >= 0, dy < 0 ? -pitch : pitch, dx < 0 ? -size : size).plot(ady, pel);
+  }
+}
+
+// The same by a pattern.
+template <class Pel>
+inline void plotInside(PelBlock const& block, Point from, Point to, Pel pel, DashPattern const& dashes, std::int64_t& phase)
+{
+  i32 const dx = to.x - from.x, dy = to.y - from.y, adx = dx < 0 ? -dx : dx, ady = dy < 0 ? -dy : dy;
+  u8* const at = pelAddress(block, from.x, from.y, sizeof(Pel));
+  std::ptrdiff_t const stepX = dx < 0 ? -static_cast<std::ptrdiff_t>(sizeof(Pel)) : static_cast<std::ptrdiff_t>(sizeof(Pel));
+  std::ptrdiff_t const stepY = dy < 0 ? -std::ptrdiff_t{block.pitch} : std::ptrdiff_t{block.pitch};
+  bool const xMajor = adx >= ady;
+  i32 const n = xMajor ? adx : ady, m = xMajor ? ady : adx;
+  if (n == 0)
+    return;
+  i32 const place = phase == 0 ? 0 : static_cast<i32>(phase % dashes.total);
+  phase += n;
+  if (m == 0)
+    plotDashes(at, n, xMajor ? stepX : stepY, pel, dashes, place);
+  else
+    walkDashes<Pel>(
+        LineWalker<Pel>(at, n, m, (xMajor ? dy : dx) >= 0, xMajor ? stepX : stepY, xMajor ? stepY : stepX), n, pel, dashes,
+        place);
+}
+
 // A line by a pattern; phase counts the pels since the pattern began and goes on over the whole line.
 template <class Pel>
 inline void plotLine(PelBlock const& block, Rect const& clip, Point from, Point to, Pel pel, DashPattern const& dashes,
@@ -216,31 +268,10 @@ inline void plotLine(PelBlock const& block, Rect const& clip, Point from, Point 
     phase += lineLength(from, to);
     return plotCutLine(block, clip, from, to, pel, dashes, start);
   }
-  i32 const dx = to.x - from.x, dy = to.y - from.y, adx = dx < 0 ? -dx : dx, ady = dy < 0 ? -dy : dy;
-  u8* const at = pelAddress(block, from.x, from.y, sizeof(Pel));
-  std::ptrdiff_t const stepX = dx < 0 ? -static_cast<std::ptrdiff_t>(sizeof(Pel)) : static_cast<std::ptrdiff_t>(sizeof(Pel));
-  std::ptrdiff_t const stepY = dy < 0 ? -std::ptrdiff_t{block.pitch} : std::ptrdiff_t{block.pitch};
-  bool const xMajor = adx >= ady;
-  i32 const n = xMajor ? adx : ady, m = xMajor ? ady : adx;
-  if (n == 0)
-    return;
-  if (dashes.count == 0) {
-    if (n == 1)
-      *reinterpret_cast<Pel*>(at) = pel;
-    else if (ady == 0)
-      fillRow(reinterpret_cast<Pel*>(dx < 0 ? at + stepX * (n - 1) : at), static_cast<std::size_t>(n), pel);
-    else
-      LineWalker<Pel>(at, n, m, (xMajor ? dy : dx) >= 0, xMajor ? stepX : stepY, xMajor ? stepY : stepX).plot(n, pel);
-    return;
-  }
-  i32 const place = static_cast<i32>(phase % dashes.total);
-  phase += n;
-  if (m == 0)
-    plotDashes(at, n, xMajor ? stepX : stepY, pel, dashes, place);
+  if (dashes.count == 0)
+    plotInside(block, from, to, pel);
   else
-    walkDashes<Pel>(
-        LineWalker<Pel>(at, n, m, (xMajor ? dy : dx) >= 0, xMajor ? stepX : stepY, xMajor ? stepY : stepX), n, pel, dashes,
-        place);
+    plotInside(block, from, to, pel, dashes, phase);
 }
 
 }  // namespace plat::portable

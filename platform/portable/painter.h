@@ -74,7 +74,6 @@ private:
     PelBlock block;
     Point shift;
     Rect clip;  // in pels of the block, inside it
-    PaletteView palette;
   };
 
   void clean();
@@ -85,15 +84,13 @@ private:
   double penScale() const;             // by which the transform widens a wide pen
   bool cosmetic() const { return pen_.width < 2; }
 
-  // Calls body(block, shift, palette, rectangles) once: what the clip leaves, in pels of the block.
+  PaletteView palette() const { return palette_ ? PaletteView(palette_->entries) : screenPalette(); }
+  // Calls body(block, shift, rectangles) once: what the clip leaves, in pels of the block.
   template <class Body> void paintAll(Body&& body);
   // Calls body(part) for each rectangle that the clip leaves.
   template <class Body> void paint(Body&& body);
-  u32 pelValueOf(COLORREF color, Part const& part)
-  {
-    return part.block.depth >= 24 ? rgbOf(color) : packedPelOf(color, part);
-  }
-  u32 packedPelOf(COLORREF, Part const&);
+  u32 pelValueOf(COLORREF color, int depth) { return depth >= 24 ? rgbOf(color) : packedPelOf(color, depth); }
+  u32 packedPelOf(COLORREF, int depth);
   Rect clipBox() const;         // in device pels
   bool counts() const { return boundsOn_ || window_; }  // what is painted is kept account of
   void touch(Rect const& painted)  // device pels, before the clip
@@ -108,9 +105,12 @@ private:
   template <class Body> void paintWith(COLORREF, Body&& body);
 
   void setPoints(std::span<Point const> logical);
+  template <class Pel> void thinLines(std::span<Point const> logical, Pel);
   void strokeDevice(bool closed);    // points_ by the pen
   void strokeCosmetic(bool closed);  // points_
   void strokeWide(bool closed);      // outline_
+  bool strokeWideLine(PointF const& from, PointF const& to);
+  Stroker& stroker();  // the filler is empty for it
   void fillFigure(COLORREF, FillRule);  // points_
   void fillSpans(COLORREF, FillRule);   // what the filler holds
   static constexpr unsigned pathFill = 1, pathStroke = 2;
@@ -128,6 +128,8 @@ private:
   FontFace& face();
   void placeLine(TextLine const&, Point at, bool prefixes, bool grey);
   void paintText(Rect const& limit, bool grey);  // placed_ and boxes_
+  template <class Tile>
+  void stampLine(std::string_view, Rect const&, unsigned flags, void (*kernel)(Tile const*, std::size_t, std::ptrdiff_t, u32));
   template <class Tile>
   void stampGlyphs(Part const&, Rect const& clip, void (*kernel)(Tile const*, std::size_t, std::ptrdiff_t, u32), u32 value);
 
@@ -197,7 +199,7 @@ template <class Body> void MemPainter::paintAll(Body&& body)
 {
   if (!window_) {
     Rect const rect = clipBox();
-    body(block_, Point{}, palette_ ? PaletteView(palette_->entries) : screenPalette(), std::span(&rect, 1));
+    body(block_, Point{}, std::span(&rect, 1));
     return;
   }
   struct Call {
@@ -216,17 +218,17 @@ template <class Body> void MemPainter::paintAll(Body&& body)
                  cut.clear();
                  for (Rect const& rect : visible.rects)
                    cut.push_back(intersection(rect, inside));
-                 one.body(visible.backing, shift, screenPalette(), std::span<Rect const>(cut));
+                 one.body(visible.backing, shift, std::span<Rect const>(cut));
                },
                Rect{});
 }
 
 template <class Body> void MemPainter::paint(Body&& body)
 {
-  paintAll([&](PelBlock const& block, Point shift, PaletteView palette, std::span<Rect const> rects) {
+  paintAll([&](PelBlock const& block, Point shift, std::span<Rect const> rects) {
     for (Rect const& rect : rects)
       if (!rect.empty())
-        body(Part{block, shift, rect, palette});
+        body(Part{block, shift, rect});
   });
 }
 

@@ -38,6 +38,32 @@ bool inside(Rect const& outer, Rect const& inner)
 
 }  // namespace
 
+namespace {
+
+// An outline that lies inside the clip.
+template <class Pel> void outlineInside(PelBlock const& block, Point shift, CornerBox const& figure, Pel pel)
+{
+  i32 const leastX = figure.a & 1, leastY = figure.b & 1;
+  i32 const left = figure.left + shift.x, middle = figure.topOf(leastY) + shift.y;
+  i32 const lower = figure.bottomOf(leastY) + shift.y, width = figure.rightOf(figure.a) - figure.left;
+  auto const at = [&block](i32 x, i32 y) { return pelAddress(block, x, y, sizeof(Pel)); };
+  plotQuarters(at(left, middle), at(left, lower), block.pitch, figure.a, figure.b, width, pel);
+  if (figure.extraX > 0) {
+    i32 const from = figure.leftOf(leastX) + shift.x;
+    std::size_t const count = static_cast<std::size_t>(figure.rightOf(leastX) - figure.leftOf(leastX)) + 1;
+    fillRow(reinterpret_cast<Pel*>(at(from, figure.top + shift.y)), count, pel);
+    fillRow(reinterpret_cast<Pel*>(at(from, figure.bottomOf(figure.b) + shift.y)), count, pel);
+  }
+  if (figure.extraY > 0)
+    for (i32 y = middle; y <= lower; ++y) {
+      Pel* const row = reinterpret_cast<Pel*>(at(left, y));
+      row[0] = pel;
+      row[width] = pel;
+    }
+}
+
+}  // namespace
+
 // A span or pel in block coordinates, cut to the clip.
 template <class Pel> class MemPainter::Plot {
 public:
@@ -50,45 +76,7 @@ public:
     if (x >= clip_.left && x < clip_.right && y >= clip_.top && y < clip_.bottom)
       *at(x, y) = pel_;
   }
-  // The four curves of an outline that lies inside the clip.
-  void quarters(CornerBox const& figure) const
-  {
-    constexpr std::ptrdiff_t size = sizeof(Pel);
-    std::ptrdiff_t const pitch = block_.pitch;
-    i32 const leastY = figure.b & 1;
-    u8* top = reinterpret_cast<u8*>(at(figure.left + shift_.x, figure.topOf(leastY) + shift_.y));
-    u8* bottom = reinterpret_cast<u8*>(at(figure.left + shift_.x, figure.bottomOf(leastY) + shift_.y));
-    std::ptrdiff_t left = 0, right = (figure.rightOf(figure.a) - figure.left) * size;
-    Pel const pel = pel_;
-    auto const dots = [&] {
-      *reinterpret_cast<Pel*>(top + left) = pel;
-      *reinterpret_cast<Pel*>(top + right) = pel;
-      *reinterpret_cast<Pel*>(bottom + left) = pel;
-      *reinterpret_cast<Pel*>(bottom + right) = pel;
-    };
-    QuarterWalk walk(figure.a, figure.b);
-    while (walk.bends()) {
-      dots();
-      std::ptrdiff_t const inward = walk.inward(), upward = walk.upward();
-      left += inward & size;
-      right -= inward & size;
-      top -= upward & pitch;
-      bottom += upward & pitch;
-      walk.step(inward, upward);
-    }
-    // The rest runs straight: a column below the tip, or the row at the top.
-    for (std::ptrdiff_t more = walk.rowsLeft(); more > 0; --more) {
-      dots();
-      top -= pitch;
-      bottom += pitch;
-    }
-    std::size_t const count = static_cast<std::size_t>(walk.columnsLeft()) + 1;
-    std::ptrdiff_t const back = static_cast<std::ptrdiff_t>(count - 1) * size;
-    fillRow(reinterpret_cast<Pel*>(top + left), count, pel);
-    fillRow(reinterpret_cast<Pel*>(top + right - back), count, pel);
-    fillRow(reinterpret_cast<Pel*>(bottom + left), count, pel);
-    fillRow(reinterpret_cast<Pel*>(bottom + right - back), count, pel);
-  }
+  void outline(CornerBox const& figure) const { outlineInside(block_, shift_, figure, pel_); }
   void span(i32 x0, i32 x1, i32 y) const
   {
     y += shift_.y;
@@ -121,7 +109,7 @@ private:
 template <class Body> void MemPainter::paintWith(COLORREF color, Body&& body)
 {
   paint([&](Part const& part) {
-    u32 const value = pelValueOf(color, part);
+    u32 const value = pelValueOf(color, part.block.depth);
     withPel(part.block.depth, [&](auto sample) {
       using Pel = decltype(sample);
       body(part, Plot<Pel>(part, pelFrom<Pel>(value)), pelFrom<Pel>(value));
@@ -133,8 +121,47 @@ void MemPainter::polyline(std::span<Point const> points)
 {
   if (!penOn_ || points.empty())
     return;
+  if (shiftOnly_ && !window_ && cosmetic()) {
+    u32 const value = pelValueOf(pen_.color, block_.depth);
+    withPel(block_.depth, [&](auto sample) { thinLines(points, pelFrom<decltype(sample)>(value)); });
+    return;
+  }
+  if (points.size() == 2 && !cosmetic()) {
+    Point const from = device(points[0]), to = device(points[1]);
+    if (strokeWideLine({1.0 * from.x, 1.0 * from.y}, {1.0 * to.x, 1.0 * to.y}))
+      return;
+  }
   setPoints(points);
   strokeDevice(false);
+}
+
+// On a surface, by the cosmetic pen, without a copy of the points: most lines are short and many.
+template <class Pel> void MemPainter::thinLines(std::span<Point const> points, Pel pel)
+{
+  using i64 = std::int64_t;
+  i64 const dx = i64{shift_.x} + viewport_.x - origin_.x, dy = i64{shift_.y} + viewport_.y - origin_.y;
+  auto const near = [](i64 v) { return static_cast<i32>(std::clamp<i64>(v, -farthestPel, farthestPel)); };
+  auto const shifted = [&](Point p) { return Point{near(p.x + dx), near(p.y + dy)}; };
+  Rect const clip = clipBox();
+  DashPattern const& dashes = cosmeticDashes(pen_.style);
+  std::int64_t phase = 0;
+  Point before = shifted(points[0]);
+  bool beforeInside = contains(clip, before);
+  Rect box{before.x, before.y, before.x, before.y};
+  for (std::size_t i = 1; i < points.size(); ++i) {
+    Point const next = shifted(points[i]);
+    bool const nextInside = contains(clip, next);
+    if (!nextInside || !beforeInside)
+      plotLine(block_, clip, before, next, pel, dashes, phase);
+    else if (dashes.count == 0)
+      plotInside(block_, before, next, pel);
+    else
+      plotInside(block_, before, next, pel, dashes, phase);
+    box = {std::min(box.left, next.x), std::min(box.top, next.y), std::max(box.right, next.x), std::max(box.bottom, next.y)};
+    before = next;
+    beforeInside = nextInside;
+  }
+  touch({box.left, box.top, box.right + 1, box.bottom + 1});
 }
 
 void MemPainter::lineTo(Point to)
@@ -212,18 +239,30 @@ double MemPainter::penScale() const
   return std::sqrt(std::abs(double{world_.m11} * double{world_.m22} - double{world_.m12} * double{world_.m21}));
 }
 
-// outline_ by the wide pen.
-void MemPainter::strokeWide(bool closed)
+Stroker& MemPainter::stroker()
 {
   if (!stroker_)
     stroker_ = std::make_unique<Stroker>();
   filler_.clear();
-  Stroker::Style const style{pen_.width * penScale(), pen_.style, pen_.join, pen_.cap};
+  return *stroker_;
+}
+
+// outline_ by the wide pen.
+void MemPainter::strokeWide(bool closed)
+{
+  touch(stroker().stroke(outline_, closed, {pen_.width * penScale(), pen_.style, pen_.join, pen_.cap}, filler_));
+  fillSpans(pen_.color, FillRule::winding);
+}
+
+// The same for a line from point to point; false when it goes the general way.
+bool MemPainter::strokeWideLine(PointF const& from, PointF const& to)
+{
   Rect covered;
-  if (outline_.size() != 2 || !stroker_->strokeLine(outline_[0], outline_[1], style, filler_, covered))
-    covered = stroker_->stroke(outline_, closed, style, filler_);
+  if (!stroker().strokeLine(from, to, {pen_.width * penScale(), pen_.style, pen_.join, pen_.cap}, filler_, covered))
+    return false;
   touch(covered);
   fillSpans(pen_.color, FillRule::winding);
+  return true;
 }
 
 void MemPainter::fillSpans(COLORREF color, FillRule rule)
@@ -316,6 +355,12 @@ void MemPainter::roundRect(Rect const& logical, Size corner)
     flatten(control_, chordsOf(std::max(figure.a, figure.b)), outline_);
     outline_.pop_back();
     strokeWide(true);
+  } else if (pen_.style == 0 && !figure.large() && !window_ && inside(clipBox(), box)) {
+    u32 const value = pelValueOf(pen_.color, block_.depth);
+    withPel(block_.depth, [&](auto sample) {
+      using Pel = decltype(sample);
+      outlineInside(block_, {}, figure, pelFrom<Pel>(value));
+    });
   } else if (pen_.style == 0 || figure.large()) {
     paintWith(pen_.color, [&](Part const& part, auto const& plot, auto) { outlineCurve(figure, box, part, plot); });
   } else {
@@ -355,15 +400,14 @@ void MemPainter::outlineCurve(CornerBox const& figure, Rect const& box, Part con
   if (intersection(shifted, part.clip).empty())
     return;
   if (inside(part.clip, shifted))
-    plot.quarters(figure);
-  else
-    walkQuarter(figure.a, figure.b, [&](i32 X, i32 Y) {
-      i32 const x0 = figure.leftOf(X), x1 = figure.rightOf(X), y0 = figure.topOf(Y), y1 = figure.bottomOf(Y);
-      plot.dot(x0, y0);
-      plot.dot(x1, y0);
-      plot.dot(x0, y1);
-      plot.dot(x1, y1);
-    });
+    return plot.outline(figure);
+  walkQuarter(figure.a, figure.b, [&](i32 X, i32 Y) {
+    i32 const x0 = figure.leftOf(X), x1 = figure.rightOf(X), y0 = figure.topOf(Y), y1 = figure.bottomOf(Y);
+    plot.dot(x0, y0);
+    plot.dot(x1, y0);
+    plot.dot(x0, y1);
+    plot.dot(x1, y1);
+  });
   i32 const leastX = figure.a & 1, leastY = figure.b & 1;
   if (figure.extraX > 0) {
     plot.span(figure.leftOf(leastX), figure.rightOf(leastX) + 1, figure.top);

@@ -112,6 +112,22 @@ private:
   Tile tiles_[64];
 };
 
+template <class Tile> inline void addTiles(Tiles<Tile>& tiles, PelBlock const& block, Glyph const& glyph, Rect const& ink)
+{
+  u8* pels = pelAddress(block, ink.left, ink.top, sizeof(u32));
+  for (i32 tile = 0; tile * 16 < ink.width(); ++tile, pels += 16 * sizeof(u32)) {
+    if constexpr (std::is_same_v<Tile, CoverTile>) {
+      // All rows are on their way before the first is needed.
+      u8 const* row = pels;
+      for (i32 i = 0; i < ink.height(); ++i, row += block.pitch)
+        __builtin_prefetch(row, 1);
+      tiles.add({pels, glyph.coverageOf(tile, 0), ink.height(), std::min(ink.width() - 16 * tile, 16)});
+    } else {
+      tiles.add({pels, glyph.bitsOf(tile), ink.height()});
+    }
+  }
+}
+
 }  // namespace
 
 FontFace& MemPainter::face()
@@ -137,6 +153,14 @@ int MemPainter::drawText(std::string_view text, Rect& rect, unsigned flags)
   FontFace& one = face();
   bool const prefixes = !(flags & noPrefix);
   i32 const lineHeight = one.ascent() + one.descent();
+  if (!window_ && !textOpaque_ && block_.depth == 32 && !(flags & calculate) &&
+      text.find('\n') == std::string_view::npos) {
+    if (greyFont_ && !keyed_)
+      stampLine<CoverTile>(text, rect, flags, rowKernels().blend);
+    else
+      stampLine<BitTile>(text, rect, flags, rowKernels().stamp);
+    return text.empty() ? 0 : lineHeight;
+  }
   bool const measured = textOpaque_ || (flags & (centre | right | calculate));
   i32 height = 0, widest = 0;
   lines_.clear();
@@ -203,12 +227,12 @@ void MemPainter::paintText(Rect const& limit, bool grey)
     if (clip.empty())
       return;
     if (!boxes_.empty()) {
-      u32 const back = pelValueOf(textBack_, part);
+      u32 const back = pelValueOf(textBack_, part.block.depth);
       for (Rect const& box : boxes_)
         fillPels(part.block, intersection({box.left + shift.x, box.top + shift.y, box.right + shift.x,
                                            box.bottom + shift.y}, clip), back);
     }
-    u32 const value = pelValueOf(textColor_, part);
+    u32 const value = pelValueOf(textColor_, part.block.depth);
     if (part.block.depth == 32) {
       if (grey)
         stampGlyphs<CoverTile>(part, clip, rowKernels().blend, value);
@@ -232,6 +256,47 @@ void MemPainter::paintText(Rect const& limit, bool grey)
   });
 }
 
+// One line on a surface of 32 bits, without a background, straight from the characters.
+template <class Tile>
+void MemPainter::stampLine(std::string_view text, Rect const& rect, unsigned flags,
+                           void (*kernel)(Tile const*, std::size_t, std::ptrdiff_t, u32))
+{
+  constexpr bool grey = std::is_same_v<Tile, CoverTile>;
+  FontFace& one = *face_;
+  bool const prefixes = !(flags & noPrefix);
+  i64 left = rect.left;
+  if (flags & centre)
+    left = (left + rect.right - widthOf(one, text, prefixes)) >> 1;
+  else if (flags & right)
+    left = i64{rect.right} - widthOf(one, text, prefixes);
+  Point const start = device({static_cast<i32>(std::clamp<i64>(left, -farthestPel, farthestPel)),
+                              std::clamp(rect.top, -farthestPel, farthestPel)});
+  Rect const whole{-farthestPel, -farthestPel, farthestPel, farthestPel};
+  Rect const limit = flags & noClip ? whole : deviceRect(rect);
+  Rect const clip = flags & noClip ? clipBox() : intersection(limit, clipBox());
+  u32 const value = rgbOf(textColor_);
+  bool const counted = counts();
+  Tiles<Tile> tiles(kernel, block_.pitch, value);
+  Point at{start.x, start.y + one.ascent()};
+  eachCharacter(text, prefixes, [&](u8 c) {
+    Glyph const& glyph = one.glyph(c, grey);
+    Rect const ink = inkAt(glyph, at);
+    Point const place = at;
+    at.x += glyph.advance;
+    if (ink.empty())
+      return;
+    if (counted)
+      account(intersection(ink, limit));
+    if (inside(clip, ink))
+      return addTiles(tiles, block_, glyph, ink);
+    tiles.flush();
+    if constexpr (grey)
+      plotGrey<u32>(block_, clip, glyph, place, value);
+    else
+      plotRuns<u32>(block_, clip, glyph, place, value);
+  });
+}
+
 // On 32 bits. Glyphs that the clip cuts go pel by pel, in their turn.
 template <class Tile>
 void MemPainter::stampGlyphs(Part const& part, Rect const& clip,
@@ -251,13 +316,7 @@ void MemPainter::stampGlyphs(Part const& part, Rect const& clip,
         plotRuns<u32>(part.block, clip, glyph, at, value);
       continue;
     }
-    u8* pels = pelAddress(part.block, ink.left, ink.top, sizeof(u32));
-    for (i32 tile = 0; tile * 16 < ink.width(); ++tile, pels += 16 * sizeof(u32)) {
-      if constexpr (grey)
-        tiles.add({pels, glyph.coverageOf(tile, 0), ink.height()});
-      else
-        tiles.add({pels, glyph.bitsOf(tile), ink.height()});
-    }
+    addTiles(tiles, part.block, glyph, ink);
   }
 }
 

@@ -193,24 +193,49 @@ KRS_WIDE inline __m512i mixed(__m512i v, __m512i c, __m512i a)
   return _mm512_add_epi16(sum, _mm512_srli_epi16(sum, 8));
 }
 
+// Two channels lie in words of 16 bits: blue and red, green and nothing.
+struct WideColor {
+  __m512i redBlue, green;
+};
+
+KRS_WIDE inline __m512i blendedWide(__m512i old, __m512i one, WideColor const& color)
+{
+  __m512i const low = _mm512_set1_epi32(0x00FF00FF);
+  __m512i const a = _mm512_or_si512(one, _mm512_slli_epi32(one, 16));
+  __m512i const rb = _mm512_and_si512(old, low), g = _mm512_and_si512(_mm512_srli_epi32(old, 8), low);
+  __m512i const outer = _mm512_srli_epi16(mixed(rb, color.redBlue, a), 8);
+  __m512i const inner = _mm512_and_si512(mixed(g, color.green, a), _mm512_set1_epi32(0x0000FF00));
+  return _mm512_or_si512(outer, inner);
+}
+
 KRS_WIDE void blendWide(CoverTile const* tiles, std::size_t count, std::ptrdiff_t pitch, u32 rgb)
 {
-  // Two channels lie in words of 16 bits: blue and red, green and nothing.
-  __m512i const low = _mm512_set1_epi32(0x00FF00FF), green = _mm512_set1_epi32(0x0000FF00);
-  __m512i const redBlue = _mm512_set1_epi32(static_cast<int>(rgb & 0xFF00FFu));
-  __m512i const greenOnly = _mm512_set1_epi32(static_cast<int>(rgb >> 8 & 0xFFu));
+  WideColor const color{_mm512_set1_epi32(static_cast<int>(rgb & 0xFF00FFu)),
+                        _mm512_set1_epi32(static_cast<int>(rgb >> 8 & 0xFFu))};
   for (CoverTile const* tile = tiles; tile != tiles + count; ++tile) {
     u8* row = tile->pels;
     u8 const* cover = tile->coverage;
-    for (i32 left = tile->rows; left > 0; --left, row += pitch, cover += 16) {
+    i32 left = tile->rows;
+    __mmask16 const inside = static_cast<__mmask16>(_bzhi_u32(0xFFFF, static_cast<unsigned>(tile->width)));
+    if (tile->width <= 8) {
+      // Two rows fit one register.
+      __mmask8 const half = static_cast<__mmask8>(inside);
+      for (; left > 1; left -= 2, row += 2 * pitch, cover += 32) {
+        __m128i const both = _mm_unpacklo_epi64(_mm_loadl_epi64(reinterpret_cast<__m128i const*>(cover)),
+                                                _mm_loadl_epi64(reinterpret_cast<__m128i const*>(cover + 16)));
+        __m512i const one = _mm512_cvtepu8_epi32(both);
+        unsigned const painted = _mm512_test_epi32_mask(one, one);
+        __m512i const old = _mm512_inserti64x4(_mm512_castsi256_si512(_mm256_maskz_loadu_epi32(half, row)),
+                                               _mm256_maskz_loadu_epi32(half, row + pitch), 1);
+        __m512i const mix = blendedWide(old, one, color);
+        _mm256_mask_storeu_epi32(row, static_cast<__mmask8>(painted), _mm512_castsi512_si256(mix));
+        _mm256_mask_storeu_epi32(row + pitch, static_cast<__mmask8>(painted >> 8), _mm512_extracti64x4_epi64(mix, 1));
+      }
+    }
+    for (; left > 0; --left, row += pitch, cover += 16) {
       __m512i const one = _mm512_cvtepu8_epi32(_mm_loadu_si128(reinterpret_cast<__m128i const*>(cover)));
-      __m512i const a = _mm512_or_si512(one, _mm512_slli_epi32(one, 16));
-      __mmask16 const painted = _mm512_test_epi32_mask(one, one);
-      __m512i const old = _mm512_maskz_loadu_epi32(painted, row);
-      __m512i const rb = _mm512_and_si512(old, low), g = _mm512_and_si512(_mm512_srli_epi32(old, 8), low);
-      __m512i const outer = _mm512_srli_epi16(mixed(rb, redBlue, a), 8);
-      __m512i const inner = _mm512_and_si512(mixed(g, greenOnly, a), green);
-      _mm512_mask_storeu_epi32(row, painted, _mm512_or_si512(outer, inner));
+      __m512i const mix = blendedWide(_mm512_maskz_loadu_epi32(inside, row), one, color);
+      _mm512_mask_storeu_epi32(row, _mm512_test_epi32_mask(one, one), mix);
     }
   }
 }

@@ -23,8 +23,9 @@ struct BitTile {
 };
 struct CoverTile {
   u8* pels;
-  u8 const* coverage;  // 16 a row
+  u8 const* coverage;  // 16 a row, 0 beyond the width
   i32 rows;
+  i32 width;  // 1 to 16
 };
 constexpr int columnLimit = 16;
 

@@ -427,6 +427,8 @@ TEST(DrawFile, ringsHaveTwoOutlines)
   for (std::string const& kind : kinds) {
     DrawnPels const p = drawn(kind);
     EXPECT_EQ(p.rows(20, 15, 40, 16)[0], ".....R......R.......") << kind;
+    DrawnPels const filled = drawn(kind.substr(0, kind.size() - 1) + ", \"fill\": true}");
+    EXPECT_EQ(filled.rows(20, 15, 40, 16)[0], ".....RRRRRRRR.......") << kind;
   }
 }
 

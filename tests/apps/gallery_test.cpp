@@ -197,6 +197,51 @@ TEST(DrawExample, thinPensStayOnePelWideAtZoomEight)
   EXPECT_EQ(p.at(8 * 12 + 1, 8 * 133 + 40), kBlack);
 }
 
+TEST(DrawDocs, everySampleStandsInTheExampleProgram)
+{
+  auto const textOf = [](char const* name) {
+    std::ifstream in(std::string(KRS_SOURCE_FOLDER) + name, std::ios::binary);
+    return std::string((std::istreambuf_iterator<char>(in)), {});
+  };
+  std::string const docs = textOf("/docs/drawing.md"), program = textOf("/examples/drawing.cpp");
+  std::string const open = "```cpp\n";
+  int samples = 0;
+  for (std::size_t at = docs.find(open); at != std::string::npos; at = docs.find(open, at + 1)) {
+    std::size_t const start = at + open.size();
+    std::string const sample = docs.substr(start, docs.find("```", start) - start);
+    EXPECT_NE(program.find(sample), std::string::npos) << sample;
+    ++samples;
+  }
+  EXPECT_EQ(samples, 9);
+}
+
+TEST(DrawDocs, theTablesNameEveryKindAndEveryPage)
+{
+  std::ifstream in(KRS_SOURCE_FOLDER "/docs/krsview.md", std::ios::binary);
+  std::string const docs((std::istreambuf_iterator<char>(in)), {});
+  std::size_t const tables = docs.find("## Draw files");
+  ASSERT_NE(tables, std::string::npos);
+  for (std::string const& kind : cfDrawKinds())
+    EXPECT_NE(docs.find("`" + kind + "`", tables), std::string::npos) << kind;
+  GalleryRun run;
+  for (long i = 0; i < run.viewer->gallery()->size(); ++i) {
+    std::string const name = run.viewer->gallery()->name(i);
+    EXPECT_NE(docs.find("`" + name + "`"), std::string::npos) << name;
+    EXPECT_TRUE(fs::exists(std::string(KRS_SOURCE_FOLDER) + "/docs/pictures/gallery_" + name + ".png")) << name;
+  }
+}
+
+TEST(DrawDocs, theExampleOfTheFormatIsAGoodFile)
+{
+  std::ifstream in(KRS_SOURCE_FOLDER "/docs/krsview.md", std::ios::binary);
+  std::string const docs((std::istreambuf_iterator<char>(in)), {});
+  std::size_t const start = docs.find("```json\n") + 8;
+  ccDrawing const drawing = cfReadDrawing(docs.substr(start, docs.find("```", start) - start), "docs");
+
+  EXPECT_EQ(drawing.error, "");
+  EXPECT_EQ(drawing.size(), 2u);
+}
+
 // ---- The gallery
 
 TEST(Gallery, everyPageHasItsOwnNameTitleAndPicture)

@@ -596,6 +596,31 @@ TEST(KrsviewDraw, theOverlayComesWithWhatIsDrawnOnItUnlessItIsChosen)
   EXPECT_EQ(overlay({"--draw", folder.file("image.json").string(), "--overlay", "plane"}), "plane");
 }
 
+TEST(KrsviewDraw, severalFilesDoNotDisturbEachOther)
+{
+  TestFolder const folder;
+  std::string const image = greyFile(folder, 100, 80);
+  // A clip that is never lifted, and a font whose text cannot be seen.
+  std::ofstream(folder.file("one.json")) << R"({"version": 1, "draw": [
+      {"kind": "text", "text": "x", "at": [500, 10], "font": {"height": 9}},
+      {"kind": "clipRect", "ul": [1, 1], "sz": [2, 2]},
+      {"kind": "sketch", "at": [1, 1], "draw": [{"kind": "clipRect", "ul": [1, 1], "sz": [2, 2]}]}]})";
+  std::ofstream(folder.file("two.json")) << R"({"version": 1, "draw": [
+      {"kind": "text", "text": "two", "at": [10, 10], "color": "red", "font": {"height": 40, "bold": true}},
+      {"kind": "text", "text": "two", "at": [10, 60], "color": "red"}]})";
+  auto const look = [&](std::vector<std::string> arguments) {
+    arguments.insert(arguments.end(), {"--window", "100x80", "--shot", folder.file("s.png").string(), image});
+    EXPECT_EQ(view(folder, arguments).status, 0);
+    long w = 0, h = 0;
+    return pelsOf(folder.file("s.png"), w, h);
+  };
+
+  auto const alone = look({"--draw", folder.file("two.json").string()});
+
+  EXPECT_EQ(look({"--draw", folder.file("one.json").string(), "--draw", folder.file("two.json").string()}), alone);
+  EXPECT_GT(std::count(alone.begin(), alone.end(), 0xFF0000u), 200);
+}
+
 TEST(KrsviewDraw, aBadFileEndsWithStatusTwoAndOneLineAndNoPicture)
 {
   TestFolder const folder;

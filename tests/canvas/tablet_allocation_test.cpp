@@ -63,15 +63,16 @@ public:
 
 } // namespace
 
-void* operator new(std::size_t size)
+// Not inlined, so that the compiler doesn't take free() for a mistake.
+[[gnu::noinline]] void* operator new(std::size_t size)
 {
   ++allocations;
   if (void* p = std::malloc(size ? size : 1))
     return p;
   throw std::bad_alloc();
 }
-void operator delete(void* p) noexcept { std::free(p); }
-void operator delete(void* p, std::size_t) noexcept { std::free(p); }
+[[gnu::noinline]] void operator delete(void* p) noexcept { std::free(p); }
+[[gnu::noinline]] void operator delete(void* p, std::size_t) noexcept { std::free(p); }
 
 TEST(TabletAllocation, settledFramesTakeNoMemory)
 {

@@ -180,3 +180,21 @@ TEST(BadInput, curvesKnowNoParameterOutsideZeroToOne)
     EXPECT_THROW(c.split(t), ccShapesError::BadParams);
   }
 }
+
+TEST(BadInput, noPointIsNearestToAPlaceThatIsNotFinite)
+{
+  ccEllipse const e(V(1, 2), 3, 4, deg(5));
+  ccEllipseArc const arc(e, deg(10), deg(100)), round(ccEllipse(V(1, 2), 3, 3, deg(5)), deg(10), deg(100));
+  for (V const& q : badPoints) {
+    EXPECT_THROW(ccLineSeg(V(1, 2), V(3, 4)).closestPoint(q), ccShapesError::BadParams);
+    EXPECT_THROW(cc2SegmentLine(ccLineSeg(V(1, 2), V(3, 4))).closestPoint(q), ccShapesError::BadParams);
+    EXPECT_THROW(cc2SegmentArc(round).closestPoint(q), ccShapesError::BadParams);
+    EXPECT_THROW(ccCircle(V(1, 2), 3).closestPoint(q), ccShapesError::BadParams);
+    EXPECT_THROW(e.closestPoint(q), ccShapesError::BadParams);
+    EXPECT_THROW(arc.closestPoint(q), ccShapesError::BadParams);
+    EXPECT_THROW(ccBezierCurve(V(1, 2), V(3, 4), V(5, 6), V(7, 8)).closestPoint(q), ccShapesError::BadParams);
+    EXPECT_FALSE(cfRoundingSize(ccGenPoly(ccRect(V(1, 2), V(3, 4))), 1, q));
+  }
+  EXPECT_THROW(e.point(ccRadian(kNan)), ccShapesError::BadParams);
+  EXPECT_THROW(arc.pointAt(kNan), ccShapesError::BadParams);
+}

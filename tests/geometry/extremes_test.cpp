@@ -64,6 +64,27 @@ TEST(Extremes, segmentsMeasureWhereSquaresHaveNoDigits)
   }
 }
 
+TEST(Extremes, aLineHasNoPartInARectangleBeyondAllBounds)
+{
+  ccLineSeg part(V(1, 2), V(3, 4));
+
+  EXPECT_FALSE(ccLine(V(1, 0), V(1e308, 0)).clip(ccRect(V(-1e308, -1), V(3e307, 2)), part));
+  EXPECT_EQ(part, ccLineSeg(V(1, 2), V(3, 4)));
+}
+
+TEST(Extremes, aMirrorIsToldWhereItsDeterminantHasNoDigits)
+{
+  for (double const scale : {1e-200, 1e-300, 1e200}) {
+    double s = 0;
+    ccRadian turn;
+    bool mirrored = false;
+    ASSERT_TRUE(ccXform<2>(ccMatrix<2>(deg(30), scale) * ccMatrix<2>(1, 0, 0, -1), V()).similarity(s, turn, mirrored));
+    EXPECT_TRUE(mirrored) << scale;
+    ASSERT_TRUE(ccXform<2>(ccMatrix<2>(deg(30), scale), V()).similarity(s, turn, mirrored));
+    EXPECT_FALSE(mirrored) << scale;
+  }
+}
+
 TEST(Extremes, aSegmentWhoseLengthOverflowsIsAsFarAsItsNearerEnd)
 {
   ccLineSeg const s(V(-1.5e308, 0), V(1.5e308, 0));

@@ -1,11 +1,13 @@
 // Numbers and tables of drawing on a scope: what a pen, a point, a fill, a text and a run-length row come to, and the rectangle
 // that each figure reports.
 #include "backend/scope/shape_paths.h"
+#include "canvas/draws_itself.h"
 #include "canvas/format.h"
 #include "canvas/graphic_props.h"
 #include "canvas/rle_buffer.h"
 #include "geometry/ellipse_arc.h"
 #include "geometry/gen_rect.h"
+#include "geometry/gen_shape.h"
 #include "geometry/lines.h"
 #include "geometry/polygon.h"
 #include "tests/backend/scope/scope_fixture.h"
@@ -344,6 +346,89 @@ TEST_F(ScopeRules, shortArcOfAThinEllipseReportsWhatSticksOutOfThoseHalfWidths)
   std::unique_ptr<ccUIScope> const part(other.createChildScope(ccUIRect(0, 0, width, 17), true));
   part->draw(arc, pen());
   EXPECT_EQ(inked(other), ink & ccUIRect(0, 0, width, 17));
+}
+
+namespace {
+
+// Paints with the pen and brush that it is given.
+class Frame : public ccGraphic, public ccDrawsItself {
+public:
+  ccRect encloseRect() const override { return ccRect(ccPoint(10.5, 8.25), ccVector<2>(9.25, 7.5)); }
+  void drawOn(void* painter) const override { static_cast<plat::Painter*>(painter)->roundRect({12, 10, 18, 14}, {0, 0}); }
+};
+
+}  // namespace
+
+TEST_F(ScopeRules, graphicReportsItsBoxWidenedByHalfTheWidthAndIsGivenThePen)
+{
+  ccPtrHandle<ccGraphic> const frame(new Frame);
+  struct {
+    long width, h;
+  } const rows[] = {{1, 1}, {2, 2}, {5, 3}};
+  for (auto const& row : rows) {
+    ScopeProbe scope;
+    create(scope);
+    scope.draw(*frame, pen(row.width));
+    EXPECT_EQ(scope.changeRect(), ccUIRect(10 - row.h, 8 - row.h, 10 + 2 * row.h, 8 + 2 * row.h)) << row.width;
+    // The frame's middle lines lie in columns 12 and 17 and rows 10 and 13.
+    long const before = row.width / 2;
+    EXPECT_EQ(inked(scope).ul(), ccPair<long>(12 - before, 10 - before)) << row.width;
+  }
+}
+
+TEST_F(ScopeRules, phaseOfEachOperation)
+{
+  auto const method = [&](std::function<void(ccUIScope&)> const& draw) {
+    ScopeProbe scope;
+    create(scope);
+    draw(scope);
+    EXPECT_EQ(scope.starts, 1);
+    EXPECT_EQ(scope.stops, 1);
+    return scope.lastMethod;
+  };
+  unsigned char const pels[] = {1};
+  ccUIRect clipped;
+  std::function<void(ccUIScope&)> const painted[] = {
+      [](ccUIScope& s) { s.draw(ccLineSeg(ccPoint(1, 1), ccPoint(5, 5)), pen()); },
+      [](ccUIScope& s) { s.draw(ccPolygon(Points{{1, 1}, {5, 5}}), pen()); },
+      [](ccUIScope& s) { s.draw(ccPolyline(Points{{1, 1}, {5, 5}}), pen()); },
+      [](ccUIScope& s) { s.draw(ccGenRect(ccPoint(9, 9), ccVector<2>(4, 4), ccRadian(0), ccVector<2>()), pen()); },
+      [](ccUIScope& s) { s.draw(ccEllipse(ccPoint(9, 9), 4, 4, ccRadian(0)), pen()); },
+      [](ccUIScope& s) { s.draw(ccEllipseArc(ccEllipse(ccPoint(9, 9), 4, 4, ccRadian(0)), ccRadian(0), ccRadian(1)), pen()); },
+      [](ccUIScope& s) { s.draw(std::string("x"), ccPoint(1, 1), ccColor::whiteColor(), ccColor::passColor(), ccUIFormat()); },
+      [](ccUIScope& s) { s.fill(ccPoint(1, 1), ccColor::redColor(), ccColor::blackColor(), false); },
+      [&](ccUIScope& s) { s.textRect("x", ccPoint(1, 1), ccUIFormat(), clipped); }};
+  for (auto const& draw : painted)
+    EXPECT_EQ(method(draw), ccWin32UIScope::kPaint);
+  EXPECT_EQ(method([](ccUIScope& s) { s.draw(ccPoint(1, 1), pen()); }), ccWin32UIScope::kDirect);
+  EXPECT_EQ(method([&](ccUIScope& s) {
+    s.draw(ccRLEBuffer::fromPels(pels, 1, 1, 1), ccPoint(1, 1), std::vector<unsigned char>(), false, 0);
+  }), ccWin32UIScope::kDirect);
+  EXPECT_EQ(method([](ccUIScope& s) { s.set(ccUIRect(1, 1, 2, 2), ccColor::redColor()); }), ccWin32UIScope::kBlit);
+}
+
+TEST_F(ScopeRules, whatLiesOutsideStartsNoPhaseAndReportsNothing)
+{
+  unsigned char const pels[] = {1};
+  std::function<void(ccUIScope&)> const outside[] = {
+      [](ccUIScope& s) { s.draw(ccPoint(-1, 5), pen()); },
+      [](ccUIScope& s) { s.draw(ccLineSeg(ccPoint(-9, 5), ccPoint(-4, 9)), pen(3)); },
+      [](ccUIScope& s) { s.draw(ccPolygon(Points{{100, 1}, {120, 5}, {110, 9}}, 1), pen()); },
+      [](ccUIScope& s) { s.draw(ccPolyline(Points{{1, -20}, {5, -9}}), pen(2)); },
+      [](ccUIScope& s) { s.draw(ccGenRect(ccPoint(-30, 9), ccVector<2>(4, 4), ccRadian(1), ccVector<2>()), pen(3)); },
+      [](ccUIScope& s) { s.draw(ccEllipse(ccPoint(99, 9), 4, 4, ccRadian(1)), pen(3)); },
+      [](ccUIScope& s) { s.draw(ccEllipseArc(ccEllipse(ccPoint(99, 9), 4, 4, ccRadian(0)), ccRadian(0), ccRadian(1)), pen()); },
+      [&](ccUIScope& s) {
+        s.draw(ccRLEBuffer::fromPels(pels, 1, 1, 1), ccPoint(40, 1), std::vector<unsigned char>(), false, 0);
+      },
+      [](ccUIScope& s) { s.set(ccUIRect(40, 1, 2, 2), ccColor::redColor()); }};
+  for (auto const& draw : outside) {
+    ScopeProbe scope;
+    create(scope);
+    draw(scope);
+    EXPECT_EQ(scope.starts, 0);
+    EXPECT_TRUE(scope.changeRect().isNull());
+  }
 }
 
 TEST_F(ScopeRules, figuresReportSeeThroughAndFillsAndTextReportOpaque)
