@@ -30,11 +30,6 @@ plat::Pen cf_penOf(ccGraphicProps const& props, COLORREF color)
   return pen;
 }
 
-ccUIRect cf_grown(ccUIRect const& r, long by)
-{
-  return ccUIRect(r.left() - by, r.top() - by, r.width() + 2 * by, r.height() + 2 * by);
-}
-
 void cf_beginBounds(plat::Painter& painter) { painter.setBounds(nullptr, boundsReset | boundsEnable); }
 
 ccUIRect cf_endBounds(plat::Painter& painter)

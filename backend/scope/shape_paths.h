@@ -33,7 +33,10 @@ inline long cf_halfWidthOfEnds(ccGraphicProps const& props)
 }
 
 // A rectangle with so many pels more on each side.
-ccUIRect cf_grown(ccUIRect const&, long by);
+inline ccUIRect cf_grown(ccUIRect const& r, long by)
+{
+  return ccUIRect::fromEdges(r.left() - by, r.top() - by, r.right() + by, r.bottom() + by);
+}
 
 // Starts to note what is painted, and ends it. In pels of the scope.
 void cf_beginBounds(plat::Painter&);

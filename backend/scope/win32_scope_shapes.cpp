@@ -123,7 +123,8 @@ ccUIRect ccWin32UIScope::figureRect_(ccRect const& box, long before, double more
                   ceilTL(box.width() + more), ceilTL(box.height() + more));
 }
 
-// The frame of every figure. What is painted outside `touched`, at most within `reach`, is reported as well.
+// The frame of every figure. What is painted outside `touched`, at most within `reach`, is reported as well; where both are
+// one nothing is, and nobody looks.
 template <class Paint>
 void ccWin32UIScope::paintFigure_(ccUIRect const& touched, ccUIRect const& reach, Paint&& paint)
 {
@@ -133,9 +134,12 @@ void ccWin32UIScope::paintFigure_(ccUIRect const& touched, ccUIRect const& reach
   ccUIRect drawn = r;
   if (win32DrawStart(kPaint)) {
     if (plat::Painter* const painter = painter_()) {
-      cf_beginBounds(*painter);
+      bool const looks = reach != touched;
+      if (looks)
+        cf_beginBounds(*painter);
       paint(*painter);
-      drawn = (r | cf_endBounds(*painter)) & ownRect_();
+      if (looks)
+        drawn = (r | cf_endBounds(*painter)) & ownRect_();
       painter->noBrush();
     }
     win32Changed(drawn);
@@ -172,7 +176,7 @@ ccUIRect ccWin32UIScope::chainOf_(std::span<ccVector<2> const> points, long reac
 // A stroke along chain_, or a figure of it for a rule that is not 0.
 void ccWin32UIScope::paintChain_(ccUIRect const& touched, ccGraphicProps const& props, int rule)
 {
-  paintFigure_(touched, cf_grown(touched, cf_halfWidth(props)), [&](plat::Painter& painter) {
+  paintFigure_(touched, cf_grown(touched, props.penWidth() < 2 ? 0 : cf_halfWidth(props)), [&](plat::Painter& painter) {
     plat::Point const origin = painter.windowOrigin(plat::Point{0, 0});
     dress(painter, props, bgrColor_(props.penColor()), rule != 0);
     if (rule != 0)
@@ -239,7 +243,7 @@ void ccWin32UIScope::draw(ccGenRect const& rect, ccGraphicProps const& props)
   ccVector<2> const at = box.ul() - ccVector<2>(clientOffset());
   ccUIRect const touched(cf_to32(floorTL(at.x()) - h - 1), cf_to32(floorTL(at.y()) - h - 1),
                          cf_to32(ceilTL(box.width()) + 2 * h + 2), cf_to32(ceilTL(box.height()) + 2 * h + 2));
-  paintFigure_(touched, cf_grown(touched, h), [&](plat::Painter& painter) {
+  paintFigure_(touched, cf_grown(touched, rect.orient().value() == 0 ? 0 : cf_halfWidth(props)), [&](plat::Painter& painter) {
     dress(painter, props, bgrColor_(props.penColor()), props.fill());
     ccPoint const corner = rect.center() - rect.halfLengths();
     std::int64_t const x = xCoord(corner), y = yCoord(corner);
@@ -290,7 +294,9 @@ void ccWin32UIScope::draw(ccEllipse const& ellipse, ccGraphicProps const& props)
                             : ellipse.encloseRect();
   ccUIRect const touched = figureRect_(around, 3 * h, static_cast<double>(5 * h));
   // The box in whole pels isn't quite about the centre, so a turned ellipse may stick out.
-  ccUIRect const reach = figureRect_(around, 3 * h + 2, static_cast<double>(6 * h + 4));
+  ccUIRect const reach = ellipse.rotation().value() == 0
+                             ? touched
+                             : figureRect_(around, 3 * h + 2, static_cast<double>(6 * h + 4));
   paintFigure_(touched, reach, [&](plat::Painter& painter) {
     dress(painter, props, bgrColor_(props.penColor()), props.fill());
     ccVector<2> const d = ellipse.center() - ccVector<2>(clientOffset());
@@ -394,7 +400,7 @@ void ccWin32UIScope::draw(ccEllipseArc2 const& arc, ccGraphicProps const& props)
 void ccWin32UIScope::draw(ccGenShape const& shape, ccColor const& color)
 {
   ccUIRect const touched = figureRect_(shape.encloseRect(), 1, 2);
-  paintFigure_(touched, touched, [&](plat::Painter& painter) {
+  paintFigure_(touched, cf_grown(touched, 1), [&](plat::Painter& painter) {
     if (auto const* self = dynamic_cast<ccDrawsItself const*>(&shape)) {
       dress(painter, ccGraphicProps(color, 1, ceSolidPen, false), bgrColor_(color), false);
       self->drawOn(&painter);
@@ -407,7 +413,7 @@ void ccWin32UIScope::draw(ccGraphic const& graphic, ccGraphicProps const& props)
 {
   long const h = cf_halfWidth(props);
   ccUIRect const touched = figureRect_(graphic.encloseRect(), h, static_cast<double>(2 * h));
-  paintFigure_(touched, touched, [&](plat::Painter& painter) {
+  paintFigure_(touched, cf_grown(touched, 1), [&](plat::Painter& painter) {
     if (auto const* self = dynamic_cast<ccDrawsItself const*>(&graphic)) {
       dress(painter, props, bgrColor_(props.penColor()), props.fill());
       self->drawOn(&painter);
