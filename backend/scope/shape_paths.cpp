@@ -19,8 +19,6 @@ double controlFraction(double round, double halfSide)
 
 }  // namespace
 
-plat::i32 cf_to32(long v) { return static_cast<plat::i32>(std::clamp(v, -0x40000000L, 0x3FFFFFFFL)); }
-
 plat::Pen cf_penOf(ccGraphicProps const& props, COLORREF color)
 {
   plat::Pen pen;
@@ -30,15 +28,6 @@ plat::Pen cf_penOf(ccGraphicProps const& props, COLORREF color)
   pen.join = props.joinStyle() == 1 ? 1 : 0;
   pen.cap = static_cast<plat::u8>(props.capStyle() == 1 || props.capStyle() == 2 ? props.capStyle() : 0);
   return pen;
-}
-
-long cf_halfWidth(ccGraphicProps const& props) { return floorTL(static_cast<double>(props.penWidth()) * 0.5) + 1; }
-
-long cf_halfWidthOfEnds(ccGraphicProps const& props)
-{
-  constexpr double squareCapReach = 1.42;
-  long const h = cf_halfWidth(props);
-  return props.capStyle() == 2 ? cfTruncToLong(static_cast<double>(h) * squareCapReach) : h;
 }
 
 ccUIRect cf_grown(ccUIRect const& r, long by)

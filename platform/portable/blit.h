@@ -26,9 +26,13 @@ inline Rect intersection(Rect const& a, Rect const& b)
           a.right < b.right ? a.right : b.right, a.bottom < b.bottom ? a.bottom : b.bottom};
 }
 
+inline u8* pelAddress(PelBlock const& block, i32 x, i32 y, std::size_t bytes)
+{
+  return block.pels + std::ptrdiff_t{y} * block.pitch + std::ptrdiff_t{x} * static_cast<std::ptrdiff_t>(bytes);
+}
 inline u8* pelAddress(PelBlock const& block, i32 x, i32 y)
 {
-  return block.pels + std::ptrdiff_t{y} * block.pitch + std::ptrdiff_t{x} * bytesPerPel(block.depth);
+  return pelAddress(block, x, y, static_cast<std::size_t>(bytesPerPel(block.depth)));
 }
 
 void fillPels(PelBlock const&, Rect const&, u32 value);

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "platform/portable/painter.h"
+#include "platform/portable/pel_row.h"
 
 namespace plat::portable {
 
@@ -23,31 +24,134 @@ struct CornerBox {
   i32 extraX, extraY;  // straight sides between the corners
 };
 
-// Calls visit(X, Y) for the pels of a quarter curve from (a, b & 1) to (a & 1, b), each beside the one before.
+// The walk over the pels (x, y) of a quarter curve from (a, b & 1) to (a & 1, b), each beside the one before.
 // Whole-number midpoint rule; a and b at most CornerBox::largest.
+class QuarterWalk {
+public:
+  QuarterWalk(i32 diameterX, i32 diameterY)
+      : b_(diameterY), leastX_(diameterX & 1), x_(diameterX), y_(diameterY & 1), aa_(i64{diameterX} * diameterX),
+        bb_(b_ * b_)
+  {
+    i64 const aabb = aa_ * bb_;
+    left_ = aabb - bb_ * (x_ - 1) * (x_ - 1) - aa_ * (y_ + 2) * (y_ + 2);
+    up_ = bb_ * (x_ - 2) * (x_ - 2) + aa_ * (y_ + 1) * (y_ + 1) - aabb - 1;
+    leftByX_ = bb_ * (8 - 4 * x_);
+    leftByY_ = aa_ * (12 + 4 * y_);
+  }
+
+  i32 x() const { return static_cast<i32>(x_); }
+  i32 y() const { return static_cast<i32>(y_); }
+  bool bends() const { return y_ != b_ && x_ != leastX_; }
+  // All bits or none. Left when the middle between here and there, one row on, lies outside; up when the middle one column
+  // on lies inside. One of them always holds.
+  std::ptrdiff_t inward() const { return left_ >> 63; }
+  std::ptrdiff_t upward() const { return up_ >> 63; }
+  void step(std::ptrdiff_t inward, std::ptrdiff_t upward)
+  {
+    left_ -= (inward & leftByX_) + (upward & leftByY_);
+    up_ += (inward & (leftByX_ + 4 * bb_)) + (upward & (leftByY_ - 4 * aa_));
+    leftByX_ += inward & 8 * bb_;
+    leftByY_ += upward & 8 * aa_;
+    x_ += 2 * inward;
+    y_ -= 2 * upward;
+  }
+  // Beyond the bend the walk goes straight on: up, or along the last row.
+  i32 rowsLeft() const { return static_cast<i32>((b_ - y_) / 2); }
+  i32 columnsLeft() const { return static_cast<i32>((x_ - leastX_) / 2); }
+
+private:
+  using i64 = std::int64_t;
+  i64 b_, leastX_, x_, y_, aa_, bb_;
+  i64 left_, up_;          // how far inside the first middle lies, and how far outside the second, less one
+  i64 leftByX_, leftByY_;  // what a step takes off left_
+};
+
+// Calls visit(X, Y) for the pels of a QuarterWalk.
 template <class Visit> void walkQuarter(i32 diameterX, i32 diameterY, Visit&& visit)
 {
-  using i64 = std::int64_t;
-  i64 const a = diameterX, b = diameterY, aa = a * a, bb = b * b, aabb = aa * bb;
-  i64 const leastX = a & 1;
-  i64 x = a, y = b & 1;
-  for (;;) {
-    visit(static_cast<i32>(x), static_cast<i32>(y));
-    if (y == b) {
-      if (x == leastX)
-        return;
-      x -= 2;
-    } else if (x == leastX) {
-      y += 2;
-    } else {
-      // Left when the middle between here and there, one row on, lies outside; up when the middle one column on lies
-      // inside. One of them always holds.
-      bool const goesLeft = bb * (x - 1) * (x - 1) + aa * (y + 2) * (y + 2) > aabb;
-      bool const goesUp = bb * (x - 2) * (x - 2) + aa * (y + 1) * (y + 1) <= aabb;
-      x -= goesLeft ? 2 : 0;
-      y += goesUp ? 2 : 0;
-    }
+  QuarterWalk walk(diameterX, diameterY);
+  while (walk.bends()) {
+    visit(walk.x(), walk.y());
+    walk.step(walk.inward(), walk.upward());
   }
+  i32 x = walk.x(), y = walk.y();
+  for (; y < diameterY; y += 2)
+    visit(x, y);
+  for (; x >= (diameterX & 1); x -= 2)
+    visit(x, y);
+}
+
+// The same pels of all four quarters at once. Top and bottom are the pels at the left end of the middle rows; the right
+// ends lie width pels on.
+template <class Pel>
+void plotQuarters(u8* top, u8* bottom, std::ptrdiff_t pitch, i32 diameterX, i32 diameterY, i32 width, Pel pel)
+{
+  using i64 = std::int64_t;
+  constexpr std::ptrdiff_t size = sizeof(Pel);
+  i64 const a = diameterX, b = diameterY, aa = a * a, bb = b * b, aabb = aa * bb, leastX = a & 1, leastY = b & 1;
+  // As in QuarterWalk: how far inside the first middle lies, how far outside the second, less one, and what steps change.
+  i64 inside = aabb - bb * (a - 1) * (a - 1) - aa * (leastY + 2) * (leastY + 2);
+  i64 outside = bb * (a - 2) * (a - 2) + aa * (leastY + 1) * (leastY + 1) - aabb - 1;
+  i64 byX = bb * (8 - 4 * a), byY = aa * (12 + 4 * leastY);
+  i64 const bb4 = 4 * bb, bb8 = 8 * bb, aa4 = 4 * aa, aa8 = 8 * aa;
+  std::ptrdiff_t left = 0, right = width * size;
+  std::ptrdiff_t const lastLeft = (a - leastX) / 2 * size;
+  u8* const lastTop = top - (b - leastY) / 2 * pitch;
+  auto const dots = [&] {
+    *reinterpret_cast<Pel*>(top + left) = pel;
+    *reinterpret_cast<Pel*>(top + right) = pel;
+    *reinterpret_cast<Pel*>(bottom + left) = pel;
+    *reinterpret_cast<Pel*>(bottom + right) = pel;
+  };
+  // First each step goes up, then each goes inward; what may be left between goes by the whole rule.
+  while (left != lastLeft && top != lastTop && outside < 0) {
+    dots();
+    i64 const inward = inside >> 63;
+    outside += (inward & (byX + bb4)) + (byY - aa4);
+    inside -= (inward & byX) + byY;
+    byX += inward & bb8;
+    byY += aa8;
+    left += inward & size;
+    right -= inward & size;
+    top -= pitch;
+    bottom += pitch;
+  }
+  while (left != lastLeft && top != lastTop && inside < 0) {
+    dots();
+    i64 const upward = outside >> 63;
+    inside -= byX + (upward & byY);
+    outside += byX + bb4 + (upward & (byY - aa4));
+    byX += bb8;
+    byY += upward & aa8;
+    left += size;
+    right -= size;
+    top -= upward & pitch;
+    bottom += upward & pitch;
+  }
+  while (left != lastLeft && top != lastTop) {
+    dots();
+    i64 const inward = inside >> 63, upward = outside >> 63;
+    inside -= (inward & byX) + (upward & byY);
+    outside += (inward & (byX + bb4)) + (upward & (byY - aa4));
+    byX += inward & bb8;
+    byY += upward & aa8;
+    left += inward & size;
+    right -= inward & size;
+    top -= upward & pitch;
+    bottom += upward & pitch;
+  }
+  // The rest runs straight: a column below the tip, then the row at the top.
+  for (; top != lastTop; top -= pitch, bottom += pitch)
+    dots();
+  if (lastLeft - left <= 24 * size) {
+    for (; left <= lastLeft; left += size, right -= size)
+      dots();
+    return;
+  }
+  std::ptrdiff_t const run = lastLeft - left;
+  std::size_t const count = static_cast<std::size_t>(run / size) + 1;
+  for (u8* const from : {top + left, top + right - run, bottom + left, bottom + right - run})
+    fillRow(reinterpret_cast<Pel*>(from), count, pel);
 }
 
 // All pels of the outline, each once, counter-clockwise as seen, from the middle of the right side.

@@ -179,6 +179,7 @@ Glyph FreeTypeFace::make(u8 character, bool grey)
 void FreeTypeFace::takeRuns(Glyph& glyph, FT_Bitmap const& bitmap)
 {
   i32 const width = glyph.ink.width();
+  glyph.bits.assign(glyph.tileRow(glyph.tiles(), 0), 0);
   for (i32 y = 0; y < glyph.ink.height(); ++y) {
     u8 const* const row = bitmap.buffer + std::ptrdiff_t{y} * bitmap.pitch;
     auto const set = [row](i32 x) { return (row[x >> 3] >> (7 - (x & 7)) & 1) != 0; };
@@ -188,8 +189,8 @@ void FreeTypeFace::takeRuns(Glyph& glyph, FT_Bitmap const& bitmap)
         continue;
       }
       i32 const from = x;
-      while (x < width && set(x))
-        ++x;
+      for (; x < width && set(x); ++x)
+        glyph.bits[glyph.tileRow(x / 16, y)] |= static_cast<u16>(1u << x % 16);
       glyph.runs.push_back({glyph.ink.left + from, glyph.ink.top + y, x - from});
     }
   }
@@ -197,9 +198,11 @@ void FreeTypeFace::takeRuns(Glyph& glyph, FT_Bitmap const& bitmap)
 
 void FreeTypeFace::takeCoverage(Glyph& glyph, FT_Bitmap const& bitmap)
 {
+  glyph.coverage.assign(glyph.tileRow(glyph.tiles(), 0) * 16, 0);
   for (i32 y = 0; y < glyph.ink.height(); ++y) {
     u8 const* const row = bitmap.buffer + std::ptrdiff_t{y} * bitmap.pitch;
-    glyph.coverage.insert(glyph.coverage.end(), row, row + glyph.ink.width());
+    for (i32 x = 0; x < glyph.ink.width(); ++x)
+      glyph.coverage[glyph.tileRow(x / 16, y) * 16 + static_cast<std::size_t>(x % 16)] = row[x];
   }
 }
 

@@ -17,8 +17,19 @@ struct Glyph {
   };
   i32 advance = 0;
   Rect ink;
-  std::vector<Run> runs;     // one-bit form
-  std::vector<u8> coverage;  // grey form: 0 to 255 for each pel of the ink, row by row
+  // By tiles of 16 columns of the ink, left to right, and in each by rows: a bit for each pel, the leftmost first; in the
+  // grey form 16 bytes from 0 to 255, beyond the ink 0.
+  std::vector<u16> bits;
+  std::vector<u8> coverage;
+  std::vector<Run> runs;  // the one-bit form once more
+
+  i32 tiles() const { return (ink.width() + 15) / 16; }
+  std::size_t tileRow(i32 tile, i32 row) const
+  {
+    return static_cast<std::size_t>(tile) * static_cast<std::size_t>(ink.height()) + static_cast<std::size_t>(row);
+  }
+  u8 const* coverageOf(i32 tile, i32 row) const { return coverage.data() + tileRow(tile, row) * 16; }
+  u16 const* bitsOf(i32 tile) const { return bits.data() + tileRow(tile, 0); }
 };
 
 class FontFace {

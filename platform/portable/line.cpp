@@ -1,6 +1,7 @@
 #include "platform/portable/line.h"
 
 #include <algorithm>
+#include <array>
 
 namespace plat::portable {
 
@@ -35,11 +36,22 @@ bool cutMinor(i64 n, i64 m, i64 b, i64 from, i64 to, i64& low, i64& high, i64& o
   return true;
 }
 
-constexpr DashPattern patterns[5] = {{{}, 0, 0},
-                                     {{18, 6}, 2, 24},
-                                     {{3, 3}, 2, 6},
-                                     {{9, 6, 3, 6}, 4, 24},
-                                     {{9, 3, 3, 3, 3, 3}, 6, 24}};
+constexpr DashPattern pattern(std::array<u8, 6> runs, u8 count)
+{
+  DashPattern out{};
+  for (unsigned i = 0; i < count; ++i) {
+    out.runs[i] = runs[i];
+    out.total = static_cast<u8>(out.total + runs[i]);
+  }
+  for (unsigned at = 0; count != 0 && at < 24;)
+    for (unsigned i = 0; i < count; at += runs[i++])
+      out.on |= i % 2 == 0 ? ((1u << runs[i]) - 1) << at : 0;
+  out.count = count;
+  return out;
+}
+
+constexpr DashPattern patterns[5] = {DashPattern{}, pattern({18, 6}, 2), pattern({3, 3}, 2), pattern({9, 6, 3, 6}, 4),
+                                     pattern({9, 3, 3, 3, 3, 3}, 6)};
 
 }  // namespace
 
@@ -64,10 +76,7 @@ bool cutLine(Point from, Point to, Rect const& clip, LineCut& cut)
   cut.grow = 2 * m;
   cut.fall = 2 * n;
 
-  auto const inside = [&clip](Point p) {
-    return p.x >= clip.left && p.x < clip.right && p.y >= clip.top && p.y < clip.bottom;
-  };
-  if (inside(from) && inside(to)) {
+  if (contains(clip, from) && contains(clip, to)) {
     cut.skipped = 0;
     cut.count = static_cast<i32>(n);
     cut.first = from;

@@ -166,10 +166,8 @@ Rect MemPainter::clipBox() const
   return clipOn_ ? intersection(clip_, all) : all;
 }
 
-void MemPainter::touch(Rect const& painted)
+void MemPainter::account(Rect const& painted)
 {
-  if (!boundsOn_ && !window_)
-    return;
   Rect const seen = intersection(painted, clipBox());
   if (seen.empty())
     return;
@@ -238,15 +236,15 @@ void MemPainter::font(HFONT font)
 }
 
 // The nearest entry is searched once for a colour while a surface's handle is out.
-u32 MemPainter::pelValueOf(COLORREF color, Part const& part)
+u32 MemPainter::packedPelOf(COLORREF color, int depth)
 {
-  if (part.block.depth != 8 || window_)
-    return pelOf(color, part.block.depth, part.palette);
+  if (depth != 8 || window_)
+    return pelOf(color, depth, palette());
   for (KnownColor const& one : colors_)
     if (one.known && one.color == color)
       return one.pel;
   KnownColor& slot = colors_[nextColor_++ % 4];
-  slot = {color, pelOf(color, 8, part.palette), true};
+  slot = {color, pelOf(color, 8, palette()), true};
   return slot.pel;
 }
 
@@ -263,7 +261,7 @@ void MemPainter::fillRect(Rect const& rect, COLORREF color)
   paint([&](Part const& part) {
     Rect const shifted{target.left + part.shift.x, target.top + part.shift.y, target.right + part.shift.x,
                        target.bottom + part.shift.y};
-    fillPels(part.block, intersection(shifted, part.clip), pelValueOf(color, part));
+    fillPels(part.block, intersection(shifted, part.clip), pelValueOf(color, part.block.depth));
   });
 }
 
@@ -277,7 +275,7 @@ COLORREF MemPainter::pel(Point p)
       return;
     withPel(part.block.depth, [&](auto sample) {
       auto const value = *reinterpret_cast<decltype(sample) const*>(pelAddress(part.block, x, y));
-      color = colorOf(pelValue(value), part.block.depth, part.palette);
+      color = colorOf(pelValue(value), part.block.depth, palette());
     });
   });
   return color;

@@ -74,7 +74,6 @@ private:
     PelBlock block;
     Point shift;
     Rect clip;  // in pels of the block, inside it
-    PaletteView palette;
   };
 
   void clean();
@@ -85,26 +84,38 @@ private:
   double penScale() const;             // by which the transform widens a wide pen
   bool cosmetic() const { return pen_.width < 2; }
 
-  // Calls body(block, shift, palette, rectangles) once: what the clip leaves, in pels of the block.
+  PaletteView palette() const { return palette_ ? PaletteView(palette_->entries) : screenPalette(); }
+  // Calls body(block, shift, rectangles) once: what the clip leaves, in pels of the block.
   template <class Body> void paintAll(Body&& body);
   // Calls body(part) for each rectangle that the clip leaves.
   template <class Body> void paint(Body&& body);
-  u32 pelValueOf(COLORREF, Part const&);
+  u32 pelValueOf(COLORREF color, int depth) { return depth >= 24 ? rgbOf(color) : packedPelOf(color, depth); }
+  u32 packedPelOf(COLORREF, int depth);
   Rect clipBox() const;         // in device pels
-  void touch(Rect const&);      // device pels that were painted, before the clip
+  bool counts() const { return boundsOn_ || window_; }  // what is painted is kept account of
+  void touch(Rect const& painted)  // device pels, before the clip
+  {
+    if (counts())
+      account(painted);
+  }
+  void account(Rect const&);
 
   template <class Pel> class Plot;
   // Calls body(part, plot, pel) with a plot and a pel of the colour, of the block's pel type.
   template <class Body> void paintWith(COLORREF, Body&& body);
 
   void setPoints(std::span<Point const> logical);
+  template <class Pel> void thinLines(std::span<Point const> logical, Pel);
   void strokeDevice(bool closed);    // points_ by the pen
   void strokeCosmetic(bool closed);  // points_
   void strokeWide(bool closed);      // outline_
+  bool strokeWideLine(PointF const& from, PointF const& to);
+  Stroker& stroker();  // the filler is empty for it
   void fillFigure(COLORREF, FillRule);  // points_
   void fillSpans(COLORREF, FillRule);   // what the filler holds
   static constexpr unsigned pathFill = 1, pathStroke = 2;
   void paintPath(int chords, bool closed, unsigned how);  // control_
+  void paintOutline(bool closed, unsigned how);           // outline_
   void plotPels();                                        // points_
   template <class PlotType> void fillCurve(CornerBox const&, Part const&, PlotType const&);
   template <class PlotType> void outlineCurve(CornerBox const&, Rect const&, Part const&, PlotType const&);
@@ -117,6 +128,10 @@ private:
   FontFace& face();
   void placeLine(TextLine const&, Point at, bool prefixes, bool grey);
   void paintText(Rect const& limit, bool grey);  // placed_ and boxes_
+  template <class Tile>
+  void stampLine(std::string_view, Rect const&, unsigned flags, void (*kernel)(Tile const*, std::size_t, std::ptrdiff_t, u32));
+  template <class Tile>
+  void stampGlyphs(Part const&, Rect const& clip, void (*kernel)(Tile const*, std::size_t, std::ptrdiff_t, u32), u32 value);
 
   void turnedRoundRect(Rect const&, Size corner);
   void arcPels(CornerBox const&, Rect const&, Sector const&);
@@ -153,6 +168,7 @@ private:
   std::vector<Rect> cut_;        // visible rectangles of a window within the clip
   std::vector<PointF> outline_;  // of wide pens, between pels
   std::vector<PointF> control_;  // of Bezier curves
+  std::vector<PointF> cornerOutline_;
   std::vector<u8> blocked_;      // of a flood
   struct PlacedGlyph {
     Glyph const* glyph;
@@ -183,7 +199,7 @@ template <class Body> void MemPainter::paintAll(Body&& body)
 {
   if (!window_) {
     Rect const rect = clipBox();
-    body(block_, Point{}, palette_ ? PaletteView(palette_->entries) : screenPalette(), std::span(&rect, 1));
+    body(block_, Point{}, std::span(&rect, 1));
     return;
   }
   struct Call {
@@ -202,17 +218,17 @@ template <class Body> void MemPainter::paintAll(Body&& body)
                  cut.clear();
                  for (Rect const& rect : visible.rects)
                    cut.push_back(intersection(rect, inside));
-                 one.body(visible.backing, shift, screenPalette(), std::span<Rect const>(cut));
+                 one.body(visible.backing, shift, std::span<Rect const>(cut));
                },
                Rect{});
 }
 
 template <class Body> void MemPainter::paint(Body&& body)
 {
-  paintAll([&](PelBlock const& block, Point shift, PaletteView palette, std::span<Rect const> rects) {
+  paintAll([&](PelBlock const& block, Point shift, std::span<Rect const> rects) {
     for (Rect const& rect : rects)
       if (!rect.empty())
-        body(Part{block, shift, rect, palette});
+        body(Part{block, shift, rect});
   });
 }
 

@@ -38,6 +38,32 @@ bool inside(Rect const& outer, Rect const& inner)
 
 }  // namespace
 
+namespace {
+
+// An outline that lies inside the clip.
+template <class Pel> void outlineInside(PelBlock const& block, Point shift, CornerBox const& figure, Pel pel)
+{
+  i32 const leastX = figure.a & 1, leastY = figure.b & 1;
+  i32 const left = figure.left + shift.x, middle = figure.topOf(leastY) + shift.y;
+  i32 const lower = figure.bottomOf(leastY) + shift.y, width = figure.rightOf(figure.a) - figure.left;
+  auto const at = [&block](i32 x, i32 y) { return pelAddress(block, x, y, sizeof(Pel)); };
+  plotQuarters(at(left, middle), at(left, lower), block.pitch, figure.a, figure.b, width, pel);
+  if (figure.extraX > 0) {
+    i32 const from = figure.leftOf(leastX) + shift.x;
+    std::size_t const count = static_cast<std::size_t>(figure.rightOf(leastX) - figure.leftOf(leastX)) + 1;
+    fillRow(reinterpret_cast<Pel*>(at(from, figure.top + shift.y)), count, pel);
+    fillRow(reinterpret_cast<Pel*>(at(from, figure.bottomOf(figure.b) + shift.y)), count, pel);
+  }
+  if (figure.extraY > 0)
+    for (i32 y = middle; y <= lower; ++y) {
+      Pel* const row = reinterpret_cast<Pel*>(at(left, y));
+      row[0] = pel;
+      row[width] = pel;
+    }
+}
+
+}  // namespace
+
 // A span or pel in block coordinates, cut to the clip.
 template <class Pel> class MemPainter::Plot {
 public:
@@ -50,7 +76,7 @@ public:
     if (x >= clip_.left && x < clip_.right && y >= clip_.top && y < clip_.bottom)
       *at(x, y) = pel_;
   }
-  void sureDot(i32 x, i32 y) const { *at(x + shift_.x, y + shift_.y) = pel_; }
+  void outline(CornerBox const& figure) const { outlineInside(block_, shift_, figure, pel_); }
   void span(i32 x0, i32 x1, i32 y) const
   {
     y += shift_.y;
@@ -73,7 +99,7 @@ public:
   }
 
 private:
-  Pel* at(i32 x, i32 y) const { return reinterpret_cast<Pel*>(pelAddress(block_, x, y)); }
+  Pel* at(i32 x, i32 y) const { return reinterpret_cast<Pel*>(pelAddress(block_, x, y, sizeof(Pel))); }
   PelBlock block_;
   Rect clip_;
   Point shift_;
@@ -83,7 +109,7 @@ private:
 template <class Body> void MemPainter::paintWith(COLORREF color, Body&& body)
 {
   paint([&](Part const& part) {
-    u32 const value = pelValueOf(color, part);
+    u32 const value = pelValueOf(color, part.block.depth);
     withPel(part.block.depth, [&](auto sample) {
       using Pel = decltype(sample);
       body(part, Plot<Pel>(part, pelFrom<Pel>(value)), pelFrom<Pel>(value));
@@ -95,8 +121,47 @@ void MemPainter::polyline(std::span<Point const> points)
 {
   if (!penOn_ || points.empty())
     return;
+  if (shiftOnly_ && !window_ && cosmetic()) {
+    u32 const value = pelValueOf(pen_.color, block_.depth);
+    withPel(block_.depth, [&](auto sample) { thinLines(points, pelFrom<decltype(sample)>(value)); });
+    return;
+  }
+  if (points.size() == 2 && !cosmetic()) {
+    Point const from = device(points[0]), to = device(points[1]);
+    if (strokeWideLine({1.0 * from.x, 1.0 * from.y}, {1.0 * to.x, 1.0 * to.y}))
+      return;
+  }
   setPoints(points);
   strokeDevice(false);
+}
+
+// On a surface, by the cosmetic pen, without a copy of the points: most lines are short and many.
+template <class Pel> void MemPainter::thinLines(std::span<Point const> points, Pel pel)
+{
+  using i64 = std::int64_t;
+  i64 const dx = i64{shift_.x} + viewport_.x - origin_.x, dy = i64{shift_.y} + viewport_.y - origin_.y;
+  auto const near = [](i64 v) { return static_cast<i32>(std::clamp<i64>(v, -farthestPel, farthestPel)); };
+  auto const shifted = [&](Point p) { return Point{near(p.x + dx), near(p.y + dy)}; };
+  Rect const clip = clipBox();
+  DashPattern const& dashes = cosmeticDashes(pen_.style);
+  std::int64_t phase = 0;
+  Point before = shifted(points[0]);
+  bool beforeInside = contains(clip, before);
+  Rect box{before.x, before.y, before.x, before.y};
+  for (std::size_t i = 1; i < points.size(); ++i) {
+    Point const next = shifted(points[i]);
+    bool const nextInside = contains(clip, next);
+    if (!nextInside || !beforeInside)
+      plotLine(block_, clip, before, next, pel, dashes, phase);
+    else if (dashes.count == 0)
+      plotInside(block_, before, next, pel);
+    else
+      plotInside(block_, before, next, pel, dashes, phase);
+    box = {std::min(box.left, next.x), std::min(box.top, next.y), std::max(box.right, next.x), std::max(box.bottom, next.y)};
+    before = next;
+    beforeInside = nextInside;
+  }
+  touch({box.left, box.top, box.right + 1, box.bottom + 1});
 }
 
 void MemPainter::lineTo(Point to)
@@ -120,8 +185,19 @@ void MemPainter::polygon(std::span<Point const> points, FillRule rule)
 void MemPainter::setPoints(std::span<Point const> logical)
 {
   points_.resize(logical.size());
-  for (std::size_t i = 0; i < logical.size(); ++i)
-    points_[i] = device(logical[i]);
+  if (!shiftOnly_) {
+    for (std::size_t i = 0; i < logical.size(); ++i)
+      points_[i] = device(logical[i]);
+    return;
+  }
+  using i64 = std::int64_t;
+  i64 const dx = i64{shift_.x} + viewport_.x - origin_.x, dy = i64{shift_.y} + viewport_.y - origin_.y;
+  auto const near = [](i64 v) { return static_cast<i32>(std::clamp<i64>(v, -farthestPel, farthestPel)); };
+  Point const* from = logical.data();
+  for (Point& to : points_) {
+    to = {near(from->x + dx), near(from->y + dy)};
+    ++from;
+  }
 }
 
 void MemPainter::strokeDevice(bool closed)
@@ -136,19 +212,23 @@ void MemPainter::strokeDevice(bool closed)
 
 void MemPainter::strokeCosmetic(bool closed)
 {
-  Rect const box = boxAround(points_);
-  touch({box.left, box.top, box.right + 1, box.bottom + 1});
+  if (counts()) {
+    Rect const box = boxAround(points_);
+    account({box.left, box.top, box.right + 1, box.bottom + 1});
+  }
   DashPattern const& dashes = cosmeticDashes(pen_.style);
   paintWith(pen_.color, [&](Part const& part, auto const&, auto pel) {
     std::int64_t phase = 0;
-    auto const line = [&](Point a, Point b) {
-      plotLine(part.block, part.clip, {a.x + part.shift.x, a.y + part.shift.y}, {b.x + part.shift.x, b.y + part.shift.y},
-               pel, dashes, phase);
-    };
-    for (std::size_t i = 1; i < points_.size(); ++i)
-      line(points_[i - 1], points_[i]);
+    Point const shift = part.shift;
+    auto const shifted = [shift](Point p) { return Point{p.x + shift.x, p.y + shift.y}; };
+    Point before = shifted(points_.front());
+    for (std::size_t i = 1; i < points_.size(); ++i) {
+      Point const next = shifted(points_[i]);
+      plotLine(part.block, part.clip, before, next, pel, dashes, phase);
+      before = next;
+    }
     if (closed)
-      line(points_.back(), points_.front());
+      plotLine(part.block, part.clip, before, shifted(points_.front()), pel, dashes, phase);
   });
 }
 
@@ -159,14 +239,30 @@ double MemPainter::penScale() const
   return std::sqrt(std::abs(double{world_.m11} * double{world_.m22} - double{world_.m12} * double{world_.m21}));
 }
 
-// outline_ by the wide pen.
-void MemPainter::strokeWide(bool closed)
+Stroker& MemPainter::stroker()
 {
   if (!stroker_)
     stroker_ = std::make_unique<Stroker>();
   filler_.clear();
-  touch(stroker_->stroke(outline_, closed, {pen_.width * penScale(), pen_.style, pen_.join, pen_.cap}, filler_));
+  return *stroker_;
+}
+
+// outline_ by the wide pen.
+void MemPainter::strokeWide(bool closed)
+{
+  touch(stroker().stroke(outline_, closed, {pen_.width * penScale(), pen_.style, pen_.join, pen_.cap}, filler_));
   fillSpans(pen_.color, FillRule::winding);
+}
+
+// The same for a line from point to point; false when it goes the general way.
+bool MemPainter::strokeWideLine(PointF const& from, PointF const& to)
+{
+  Rect covered;
+  if (!stroker().strokeLine(from, to, {pen_.width * penScale(), pen_.style, pen_.join, pen_.cap}, filler_, covered))
+    return false;
+  touch(covered);
+  fillSpans(pen_.color, FillRule::winding);
+  return true;
 }
 
 void MemPainter::fillSpans(COLORREF color, FillRule rule)
@@ -175,11 +271,20 @@ void MemPainter::fillSpans(COLORREF color, FillRule rule)
     Rect const& c = part.clip;
     Point const shift = part.shift;
     PelBlock const& block = part.block;
-    filler_.fill(rule, {c.left - shift.x, c.top - shift.y, c.right - shift.x, c.bottom - shift.y},
-                 [&](i32 y, i32 x0, i32 x1) {
-                   fillRow(reinterpret_cast<decltype(pel)*>(pelAddress(block, x0 + shift.x, y + shift.y)),
-                           static_cast<std::size_t>(x1 - x0), pel);
-                 });
+    using Pel = decltype(pel);
+    Rect const clip{c.left - shift.x, c.top - shift.y, c.right - shift.x, c.bottom - shift.y};
+    if (filler_.tabulate(rule, clip)) {
+      if (filler_.rows() == 0)
+        return;
+      u8* const pels = pelAddress(block, shift.x, filler_.firstRow() + shift.y, sizeof(Pel));
+      for (int i = 0; i < filler_.spansPerRow(); ++i)
+        paintSpans(pels, block.pitch, filler_.rows(), filler_.from(i), filler_.to(i), pel);
+      return;
+    }
+    filler_.fill(rule, clip, [&](i32 y, i32 x0, i32 x1) {
+      fillRow(reinterpret_cast<Pel*>(pelAddress(block, x0 + shift.x, y + shift.y, sizeof(Pel))),
+              static_cast<std::size_t>(x1 - x0), pel);
+    });
   });
 }
 
@@ -188,7 +293,8 @@ void MemPainter::fillFigure(COLORREF color, FillRule rule)
 {
   filler_.clear();
   filler_.add(points_, 1);
-  touch(boxAround(points_));
+  if (counts())
+    account(boxAround(points_));
   fillSpans(color, rule);
 }
 
@@ -204,14 +310,20 @@ void MemPainter::bezier(std::span<Point const> points, bool fill)
   paintPath(bezierChords, false, fill ? pathFill : pathStroke);
 }
 
-// control_ as a path: chords with rounded ends, then the rules of lines and polygons.
+// control_ as a path.
 void MemPainter::paintPath(int chords, bool closed, unsigned how)
 {
   flatten(control_, chords, outline_);
+  paintOutline(closed, how);
+}
+
+// outline_ as chords with rounded ends, by the rules of lines and polygons.
+void MemPainter::paintOutline(bool closed, unsigned how)
+{
   points_.resize(outline_.size());
   for (std::size_t i = 0; i < outline_.size(); ++i)
     points_[i] = {rounded(outline_[i].x), rounded(outline_[i].y)};
-  if (closed && points_.size() > 1)
+  if (closed && points_.size() > 1 && points_.back() == points_.front())
     points_.pop_back();
   if ((how & pathFill) && brushOn_)
     fillFigure(brush_, FillRule::alternate);
@@ -243,6 +355,12 @@ void MemPainter::roundRect(Rect const& logical, Size corner)
     flatten(control_, chordsOf(std::max(figure.a, figure.b)), outline_);
     outline_.pop_back();
     strokeWide(true);
+  } else if (pen_.style == 0 && !figure.large() && !window_ && inside(clipBox(), box)) {
+    u32 const value = pelValueOf(pen_.color, block_.depth);
+    withPel(block_.depth, [&](auto sample) {
+      using Pel = decltype(sample);
+      outlineInside(block_, {}, figure, pelFrom<Pel>(value));
+    });
   } else if (pen_.style == 0 || figure.large()) {
     paintWith(pen_.color, [&](Part const& part, auto const& plot, auto) { outlineCurve(figure, box, part, plot); });
   } else {
@@ -281,19 +399,15 @@ void MemPainter::outlineCurve(CornerBox const& figure, Rect const& box, Part con
   Rect const shifted{box.left + part.shift.x, box.top + part.shift.y, box.right + part.shift.x, box.bottom + part.shift.y};
   if (intersection(shifted, part.clip).empty())
     return;
-  auto const quarters = [&figure](auto&& dot) {
-    walkQuarter(figure.a, figure.b, [&](i32 X, i32 Y) {
-      i32 const x0 = figure.leftOf(X), x1 = figure.rightOf(X), y0 = figure.topOf(Y), y1 = figure.bottomOf(Y);
-      dot(x0, y0);
-      dot(x1, y0);
-      dot(x0, y1);
-      dot(x1, y1);
-    });
-  };
   if (inside(part.clip, shifted))
-    quarters([&plot](i32 x, i32 y) { plot.sureDot(x, y); });
-  else
-    quarters([&plot](i32 x, i32 y) { plot.dot(x, y); });
+    return plot.outline(figure);
+  walkQuarter(figure.a, figure.b, [&](i32 X, i32 Y) {
+    i32 const x0 = figure.leftOf(X), x1 = figure.rightOf(X), y0 = figure.topOf(Y), y1 = figure.bottomOf(Y);
+    plot.dot(x0, y0);
+    plot.dot(x1, y0);
+    plot.dot(x0, y1);
+    plot.dot(x1, y1);
+  });
   i32 const leastX = figure.a & 1, leastY = figure.b & 1;
   if (figure.extraX > 0) {
     plot.span(figure.leftOf(leastX), figure.rightOf(leastX) + 1, figure.top);
@@ -375,7 +489,13 @@ void MemPainter::turnedRoundRect(Rect const& box, Size corner)
   outlineBezier(box.left, box.top, box.left + w, box.top + h, rx, ry, control_);
   for (PointF& p : control_)
     p = deviceF(p.x, p.y);
-  paintPath(bezierChords, true, pathFill | pathStroke);
+  // Sides and corners take turns, from the middle of a side on. A side is one chord: ends of more would be rounded off it.
+  outline_.clear();
+  for (std::size_t i = 3; i + 3 < control_.size(); i += 6) {
+    flatten(std::span(control_).subspan(i, 4), rx > 0 && ry > 0 ? bezierChords : 1, cornerOutline_);
+    outline_.insert(outline_.end(), cornerOutline_.begin(), cornerOutline_.end());
+  }
+  paintOutline(true, pathFill | pathStroke);
 }
 
 void MemPainter::arc(Rect const& logical, Point start, Point end)

@@ -82,7 +82,7 @@ void MemPainter::floodFill(Point at, COLORREF color, bool surface)
     return;
   Point const start = device(at);
   Rect painted{};
-  paintAll([&](PelBlock const& block, Point shift, PaletteView palette, std::span<Rect const> rects) {
+  paintAll([&](PelBlock const& block, Point shift, std::span<Rect const> rects) {
     Rect box{};
     for (Rect const& rect : rects)
       box = unionOf(box, rect);
@@ -97,8 +97,7 @@ void MemPainter::floodFill(Point at, COLORREF color, bool surface)
           std::fill_n(blocked_.begin() + static_cast<std::ptrdiff_t>(static_cast<std::size_t>(y - box.top) * width) +
                           (rect.left - box.left),
                       rect.width(), u8{0});
-    Part const part{block, shift, box, palette};
-    u32 const wanted = pelValueOf(color, part), fill = pelValueOf(brush_, part);
+    u32 const wanted = pelValueOf(color, block.depth), fill = pelValueOf(brush_, block.depth);
     withPel(block.depth, [&](auto sample) {
       using Pel = decltype(sample);
       painted = Flood<Pel>(block, box, blocked_, wanted, surface).run(seed, pelFrom<Pel>(fill));

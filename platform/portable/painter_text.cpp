@@ -2,9 +2,11 @@
 #include "platform/portable/glyphs.h"
 #include "platform/portable/graphics_objects.h"
 #include "platform/portable/painter.h"
-#include "platform/portable/pel_row.h"
+#include "platform/portable/row_kernels.h"
 
 #include <algorithm>
+#include <iterator>
+#include <type_traits>
 
 namespace plat::portable {
 
@@ -42,6 +44,12 @@ i32 widthOf(FontFace& face, std::string_view line, bool prefixes)
   return static_cast<i32>(std::min<i64>(width, farthestPel));
 }
 
+Rect inkAt(Glyph const& glyph, Point at)
+{
+  Rect const& ink = glyph.ink;
+  return {at.x + ink.left, at.y + ink.top, at.x + ink.right, at.y + ink.bottom};
+}
+
 template <class Pel> void plotRuns(PelBlock const& block, Rect const& clip, Glyph const& glyph, Point at, Pel pel)
 {
   for (Glyph::Run const& run : glyph.runs) {
@@ -49,7 +57,7 @@ template <class Pel> void plotRuns(PelBlock const& block, Rect const& clip, Glyp
     i32 const x0 = std::max(at.x + run.x, clip.left), x1 = std::min(at.x + run.x + run.count, clip.right);
     if (y < clip.top || y >= clip.bottom || x0 >= x1)
       continue;
-    Pel* const row = reinterpret_cast<Pel*>(pelAddress(block, 0, y));
+    Pel* const row = reinterpret_cast<Pel*>(pelAddress(block, 0, y, sizeof(Pel)));
     for (i32 x = x0; x < x1; ++x)
       row[x] = pel;
   }
@@ -58,20 +66,64 @@ template <class Pel> void plotRuns(PelBlock const& block, Rect const& clip, Glyp
 // Only 24 and 32 bits have grey edges.
 template <class Pel> void plotGrey(PelBlock const& block, Rect const& clip, Glyph const& glyph, Point at, u32 rgb)
 {
-  Rect const ink{at.x + glyph.ink.left, at.y + glyph.ink.top, at.x + glyph.ink.right, at.y + glyph.ink.bottom};
-  Rect const seen = intersection(ink, clip);
+  Rect const ink = inkAt(glyph, at), seen = intersection(ink, clip);
   for (i32 y = seen.top; y < seen.bottom; ++y) {
     Pel* const row = reinterpret_cast<Pel*>(pelAddress(block, 0, y));
-    u8 const* const cover = glyph.coverage.data() + std::ptrdiff_t{y - ink.top} * ink.width() - ink.left;
     for (i32 x = seen.left; x < seen.right; ++x) {
-      u32 const a = cover[x], old = pelValue(row[x]);
-      if (a == 0)
-        continue;
-      // Red and blue share a word; v / 255 rounded is (v + 128 + (v + 128) / 256) / 256 for v up to 255 * 255.
-      u32 const redBlue = (rgb & 0xFF00FFu) * a + (old & 0xFF00FFu) * (255u - a) + 0x800080u;
-      u32 const green = (rgb >> 8 & 0xFFu) * a + (old >> 8 & 0xFFu) * (255u - a) + 0x80u;
-      row[x] = pelFrom<Pel>(((redBlue + (redBlue >> 8 & 0xFF00FFu)) >> 8 & 0xFF00FFu) |
-                            ((green + (green >> 8)) & 0xFF00u));
+      i32 const column = x - ink.left;
+      if (u32 const a = glyph.coverageOf(column / 16, y - ink.top)[column % 16])
+        row[x] = pelFrom<Pel>(blended(pelValue(row[x]), rgb, a));
+    }
+  }
+}
+
+bool inside(Rect const& outer, Rect const& inner)
+{
+  return inner.left >= outer.left && inner.top >= outer.top && inner.right <= outer.right && inner.bottom <= outer.bottom;
+}
+
+// Collects tiles and works on many in one call.
+template <class Tile> class Tiles {
+public:
+  using Kernel = void (*)(Tile const*, std::size_t, std::ptrdiff_t, u32);
+  Tiles(Kernel kernel, std::ptrdiff_t pitch, u32 value) : kernel_(kernel), pitch_(pitch), value_(value) {}
+  Tiles(Tiles const&) = delete;
+  Tiles& operator=(Tiles const&) = delete;
+  ~Tiles() { flush(); }
+  void add(Tile const& tile)
+  {
+    tiles_[count_++] = tile;
+    if (count_ == std::size(tiles_))
+      flush();
+  }
+  // Before pels are painted otherwise.
+  void flush()
+  {
+    if (count_ != 0)
+      kernel_(tiles_, count_, pitch_, value_);
+    count_ = 0;
+  }
+
+private:
+  Kernel const kernel_;
+  std::ptrdiff_t const pitch_;
+  u32 const value_;
+  std::size_t count_ = 0;
+  Tile tiles_[64];
+};
+
+template <class Tile> inline void addTiles(Tiles<Tile>& tiles, PelBlock const& block, Glyph const& glyph, Rect const& ink)
+{
+  u8* pels = pelAddress(block, ink.left, ink.top, sizeof(u32));
+  for (i32 tile = 0; tile * 16 < ink.width(); ++tile, pels += 16 * sizeof(u32)) {
+    if constexpr (std::is_same_v<Tile, CoverTile>) {
+      // All rows are on their way before the first is needed.
+      u8 const* row = pels;
+      for (i32 i = 0; i < ink.height(); ++i, row += block.pitch)
+        __builtin_prefetch(row, 1);
+      tiles.add({pels, glyph.coverageOf(tile, 0), ink.height(), std::min(ink.width() - 16 * tile, 16)});
+    } else {
+      tiles.add({pels, glyph.bitsOf(tile), ink.height()});
     }
   }
 }
@@ -101,11 +153,20 @@ int MemPainter::drawText(std::string_view text, Rect& rect, unsigned flags)
   FontFace& one = face();
   bool const prefixes = !(flags & noPrefix);
   i32 const lineHeight = one.ascent() + one.descent();
+  if (!window_ && !textOpaque_ && block_.depth == 32 && !(flags & calculate) &&
+      text.find('\n') == std::string_view::npos) {
+    if (greyFont_ && !keyed_)
+      stampLine<CoverTile>(text, rect, flags, rowKernels().blend);
+    else
+      stampLine<BitTile>(text, rect, flags, rowKernels().stamp);
+    return text.empty() ? 0 : lineHeight;
+  }
+  bool const measured = textOpaque_ || (flags & (centre | right | calculate));
   i32 height = 0, widest = 0;
   lines_.clear();
   while (!text.empty()) {
     std::string_view const line = takeLine(text);
-    i32 const width = widthOf(one, line, prefixes);
+    i32 const width = measured ? widthOf(one, line, prefixes) : 0;
     lines_.push_back({line, width});
     widest = std::max(widest, width);
     height += lineHeight;
@@ -140,7 +201,8 @@ void MemPainter::placeLine(TextLine const& line, Point at, bool prefixes, bool g
 {
   FontFace& one = face();
   Point const start = device(at);
-  boxes_.push_back({start.x, start.y, start.x + line.width, start.y + one.ascent() + one.descent()});
+  if (textOpaque_)
+    boxes_.push_back({start.x, start.y, start.x + line.width, start.y + one.ascent() + one.descent()});
   i32 x = start.x;
   eachCharacter(line.text, prefixes, [&](u8 c) {
     Glyph const& glyph = one.glyph(c, grey);
@@ -152,12 +214,11 @@ void MemPainter::placeLine(TextLine const& line, Point at, bool prefixes, bool g
 
 void MemPainter::paintText(Rect const& limit, bool grey)
 {
-  if (textOpaque_)
+  if (counts()) {
     for (Rect const& box : boxes_)
-      touch(intersection(box, limit));
-  for (PlacedGlyph const& one : placed_) {
-    Rect const& ink = one.glyph->ink;
-    touch(intersection({one.at.x + ink.left, one.at.y + ink.top, one.at.x + ink.right, one.at.y + ink.bottom}, limit));
+      account(intersection(box, limit));
+    for (PlacedGlyph const& one : placed_)
+      account(intersection(inkAt(*one.glyph, one.at), limit));
   }
   paint([&](Part const& part) {
     Point const shift = part.shift;
@@ -165,13 +226,20 @@ void MemPainter::paintText(Rect const& limit, bool grey)
                                     limit.bottom + shift.y}, part.clip);
     if (clip.empty())
       return;
-    if (textOpaque_) {
-      u32 const back = pelValueOf(textBack_, part);
+    if (!boxes_.empty()) {
+      u32 const back = pelValueOf(textBack_, part.block.depth);
       for (Rect const& box : boxes_)
         fillPels(part.block, intersection({box.left + shift.x, box.top + shift.y, box.right + shift.x,
                                            box.bottom + shift.y}, clip), back);
     }
-    u32 const value = pelValueOf(textColor_, part);
+    u32 const value = pelValueOf(textColor_, part.block.depth);
+    if (part.block.depth == 32) {
+      if (grey)
+        stampGlyphs<CoverTile>(part, clip, rowKernels().blend, value);
+      else
+        stampGlyphs<BitTile>(part, clip, rowKernels().stamp, value);
+      return;
+    }
     withPel(part.block.depth, [&](auto sample) {
       using Pel = decltype(sample);
       for (PlacedGlyph const& one : placed_) {
@@ -186,6 +254,70 @@ void MemPainter::paintText(Rect const& limit, bool grey)
       }
     });
   });
+}
+
+// One line on a surface of 32 bits, without a background, straight from the characters.
+template <class Tile>
+void MemPainter::stampLine(std::string_view text, Rect const& rect, unsigned flags,
+                           void (*kernel)(Tile const*, std::size_t, std::ptrdiff_t, u32))
+{
+  constexpr bool grey = std::is_same_v<Tile, CoverTile>;
+  FontFace& one = *face_;
+  bool const prefixes = !(flags & noPrefix);
+  i64 left = rect.left;
+  if (flags & centre)
+    left = (left + rect.right - widthOf(one, text, prefixes)) >> 1;
+  else if (flags & right)
+    left = i64{rect.right} - widthOf(one, text, prefixes);
+  Point const start = device({static_cast<i32>(std::clamp<i64>(left, -farthestPel, farthestPel)),
+                              std::clamp(rect.top, -farthestPel, farthestPel)});
+  Rect const whole{-farthestPel, -farthestPel, farthestPel, farthestPel};
+  Rect const limit = flags & noClip ? whole : deviceRect(rect);
+  Rect const clip = flags & noClip ? clipBox() : intersection(limit, clipBox());
+  u32 const value = rgbOf(textColor_);
+  bool const counted = counts();
+  Tiles<Tile> tiles(kernel, block_.pitch, value);
+  Point at{start.x, start.y + one.ascent()};
+  eachCharacter(text, prefixes, [&](u8 c) {
+    Glyph const& glyph = one.glyph(c, grey);
+    Rect const ink = inkAt(glyph, at);
+    Point const place = at;
+    at.x += glyph.advance;
+    if (ink.empty())
+      return;
+    if (counted)
+      account(intersection(ink, limit));
+    if (inside(clip, ink))
+      return addTiles(tiles, block_, glyph, ink);
+    tiles.flush();
+    if constexpr (grey)
+      plotGrey<u32>(block_, clip, glyph, place, value);
+    else
+      plotRuns<u32>(block_, clip, glyph, place, value);
+  });
+}
+
+// On 32 bits. Glyphs that the clip cuts go pel by pel, in their turn.
+template <class Tile>
+void MemPainter::stampGlyphs(Part const& part, Rect const& clip,
+                             void (*kernel)(Tile const*, std::size_t, std::ptrdiff_t, u32), u32 value)
+{
+  constexpr bool grey = std::is_same_v<Tile, CoverTile>;
+  Tiles<Tile> tiles(kernel, part.block.pitch, value);
+  for (PlacedGlyph const& one : placed_) {
+    Glyph const& glyph = *one.glyph;
+    Point const at{one.at.x + part.shift.x, one.at.y + part.shift.y};
+    Rect const ink = inkAt(glyph, at);
+    if (!inside(clip, ink)) {
+      tiles.flush();
+      if constexpr (grey)
+        plotGrey<u32>(part.block, clip, glyph, at, value);
+      else
+        plotRuns<u32>(part.block, clip, glyph, at, value);
+      continue;
+    }
+    addTiles(tiles, part.block, glyph, ink);
+  }
 }
 
 }  // namespace plat::portable

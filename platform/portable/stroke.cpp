@@ -54,6 +54,13 @@ struct Stroker::Impl {
   std::vector<PointF> run;
   SpanFiller* filler = nullptr;
   Rect extent;
+  // The turns that a round cap of a width takes from one end of its base to the other, both left out.
+  double capWidth = 0;
+  struct Turn {
+    double cosine, sine;
+  };
+  std::vector<Turn> capTurns;
+  void capOf(double width);
 
   void addContour();
   void emit(std::span<PointF const>, bool closed);
@@ -78,9 +85,25 @@ void Stroker::Impl::addContour()
 
 namespace {
 
+i32 wholeOf(double v)
+{
+  i32 const whole = static_cast<i32>(v);
+  return whole - (v < whole ? 1 : 0);
+}
+
 Point finePoint(double x, double y)
 {
-  return {static_cast<i32>(std::floor(x * SpanFiller::fine + 0.5)), static_cast<i32>(std::floor(y * SpanFiller::fine + 0.5))};
+  return {wholeOf(x * SpanFiller::fine + 0.5), wholeOf(y * SpanFiller::fine + 0.5)};
+}
+
+// Nearly finePoint: false when a coordinate lies so near the border of two fine units that its last places decide.
+bool surePoint(double x, double y, Point& out)
+{
+  constexpr double doubt = 1e-5;
+  double const u = x * SpanFiller::fine + 0.5, v = y * SpanFiller::fine + 0.5;
+  out = {wholeOf(u), wholeOf(v)};
+  double const restU = u - out.x, restV = v - out.y;
+  return std::min(restU, restV) > doubt && std::max(restU, restV) < 1 - doubt;
 }
 
 }  // namespace
@@ -188,6 +211,71 @@ void Stroker::Impl::dot(PointF const& p, Style const& style)
     }
   }
   addContour();
+}
+
+void Stroker::Impl::capOf(double width)
+{
+  if (width == capWidth)
+    return;
+  capWidth = width;
+  capTurns.clear();
+  // As many corners as the generator gives a cap.
+  int const corners = static_cast<int>(agg::pi / (std::acos(width / 2 / (width / 2 + 0.125)) * 2));
+  for (int i = 1; i <= corners; ++i) {
+    double const angle = agg::pi * i / (corners + 1);
+    capTurns.push_back({std::cos(angle), std::sin(angle)});
+  }
+}
+
+bool Stroker::strokeLine(PointF const& from, PointF const& to, Style const& style, SpanFiller& filler, Rect& covered)
+{
+  constexpr double far = 60000, wide = 256;
+  double const dx = to.x - from.x, dy = to.y - from.y;
+  double const length = std::sqrt(dx * dx + dy * dy);
+  bool const near = std::max(std::abs(from.x), std::abs(from.y)) < far && std::max(std::abs(to.x), std::abs(to.y)) < far;
+  if (style.style != 0 || !near || !(length > 0.001) || !(style.width >= 1 && style.width <= wide))
+    return false;
+  // Corners in the order and by the expressions of the generator.
+  double const half = style.width * 0.5;
+  double const acrossX = dy / length * half, acrossY = dx / length * half;
+  Impl& one = *impl_;
+  one.contour.clear();
+  if (style.cap == 0) {
+    one.capOf(style.width);
+    std::size_t const corners = one.capTurns.size();
+    one.contour.resize(2 * corners + 4);
+    Point* const first = one.contour.data();
+    Point* const second = first + corners + 2;
+    first[0] = finePoint(from.x - acrossX, from.y + acrossY);
+    first[corners + 1] = finePoint(from.x + acrossX, from.y - acrossY);
+    second[0] = finePoint(to.x + acrossX, to.y - acrossY);
+    second[corners + 1] = finePoint(to.x - acrossX, to.y + acrossY);
+    bool sure = true;
+    for (std::size_t i = 0; i < corners; ++i) {
+      Impl::Turn const& turn = one.capTurns[i];
+      double const x = acrossX * turn.cosine + acrossY * turn.sine, y = acrossY * turn.cosine - acrossX * turn.sine;
+      sure = surePoint(from.x - x, from.y + y, first[i + 1]) && surePoint(to.x + x, to.y - y, second[i + 1]) && sure;
+    }
+    if (!sure)
+      return false;
+  } else {
+    double const endX = style.cap == 2 ? acrossY : 0, endY = style.cap == 2 ? acrossX : 0;
+    one.contour = {finePoint(from.x - acrossX - endX, from.y + acrossY - endY),
+                   finePoint(from.x + acrossX - endX, from.y - acrossY - endY),
+                   finePoint(to.x + acrossX + endX, to.y - acrossY + endY),
+                   finePoint(to.x - acrossX + endX, to.y + acrossY + endY)};
+  }
+  filler.add(one.contour, SpanFiller::fine);
+  i32 left = one.contour[0].x, right = left, top = one.contour[0].y, bottom = top;
+  for (Point const& p : one.contour) {
+    left = std::min(left, p.x);
+    right = std::max(right, p.x);
+    top = std::min(top, p.y);
+    bottom = std::max(bottom, p.y);
+  }
+  covered = {left >> 8, top >> 8, (right >> 8) + 1, (bottom >> 8) + 1};
+  one.contour.clear();
+  return true;
 }
 
 Rect Stroker::stroke(std::span<PointF const> points, bool closed, Style const& wanted, SpanFiller& filler)

@@ -23,6 +23,8 @@ public:
 
   // Adds the contours to the filler, for the winding rule. The pels that they may cover.
   Rect stroke(std::span<PointF const>, bool closed, Style const&, SpanFiller&);
+  // The same for an unbroken line from point to point, without the generator; false when it has to be asked.
+  bool strokeLine(PointF const& from, PointF const& to, Style const&, SpanFiller&, Rect& covered);
 
 private:
   struct Impl;
