@@ -507,6 +507,24 @@ TEST_F(ScopeRules, rectangleOfFractionsBeginsAtTheRoundedCornerWithFlooredSides)
   EXPECT_EQ(inked(scope), ccUIRect(10, 9, 10, 8));
 }
 
+TEST_F(ScopeRules, rectangleWithRoundCornersHasQuartersOfTwiceTheRounding)
+{
+  // Quarters of a circle seven pels wide: 3, 2.8, 2.2 and 0 across at 0 to 3 along.
+  ScopeProbe scope;
+  create(scope);
+  scope.draw(ccGenRect(ccPoint(7, 5), ccVector<2>(6, 4), ccRadian(0), ccVector<2>(3.5, 3.5)), pen());
+  EXPECT_EQ(rows(scope, ccUIRect(0, 0, 14, 10)), "..............\n"
+                                                 "...########...\n"
+                                                 "..#........#..\n"
+                                                 ".#..........#.\n"
+                                                 ".#..........#.\n"
+                                                 ".#..........#.\n"
+                                                 ".#..........#.\n"
+                                                 "..#........#..\n"
+                                                 "...########...\n"
+                                                 "..............\n");
+}
+
 TEST_F(ScopeRules, verticesLieOnTheNearestPelsHalvesUpward)
 {
   ScopeProbe scope;
@@ -696,6 +714,25 @@ TEST_F(ScopeRules, textIsFoundInAPartOfTheSurfaceInItsOwnCoordinates)
   own->draw(std::string("abc"), ccPoint(2, 3), ccColor::whiteColor(), ccColor::redColor(), ccUIFormat());
   EXPECT_EQ(own->changeRect(), clipped);
   EXPECT_EQ(inked(scope), clipped + ccPair<long>(10, 8));
+}
+
+TEST_F(ScopeRules, textWithAPassColorBackgroundIsDrawnTransparent)
+{
+  for (bool const through : {true, false}) {
+    ScopeProbe scope;
+    create(scope);
+    scope.set(ccColor::blueColor());
+    ccUIRect clipped;
+    scope.textRect("il", ccPoint(5, 4), ccUIFormat(), clipped);
+    scope.draw(std::string("il"), ccPoint(5, 4), ccColor::whiteColor(),
+               through ? ccColor::passColor() : ccColor(243, 243, 243), ccUIFormat());
+    std::vector<std::uint32_t> const pels = pelsOf(scope.surface());
+    long const text = std::count(pels.begin(), pels.end(), 0xFFFFFFu), ground = std::count(pels.begin(), pels.end(), 0xFFu);
+    long const back = std::count(pels.begin(), pels.end(), 0xF3F3F3u);
+    EXPECT_GT(text, 10);
+    EXPECT_EQ(text + ground + back, width * height);
+    EXPECT_EQ(back, through ? 0 : clipped.width() * clipped.height() - text);
+  }
 }
 
 TEST_F(ScopeRules, ampersandsAreLetters)
