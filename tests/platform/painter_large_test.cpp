@@ -1,7 +1,7 @@
 // Figures of many points, of great extent, and text of large glyphs.
 #include "platform/objects.h"
+#include "platform/portable/graphics_objects.h"
 #include "platform/portable/line.h"
-#include "platform/window.h"
 #include "tests/platform/canvas.h"
 
 #include <gtest/gtest.h>
@@ -163,7 +163,7 @@ TEST(Painter, textIsTheSameAtTwentyFourAndThirtyTwoBits)
       FontDesc desc;
       desc.height = size;
       desc.smooth = smooth;
-      HFONT const font = platform().objects.createFont(desc);
+      HFONT const font = portable::graphicsObjects().createFont(desc);
       Canvas wide(220, 110, 32), narrow(220, 110, 24);
       for (int i = 0; i < 12; ++i) {
         std::string text;
@@ -190,6 +190,6 @@ TEST(Painter, textIsTheSameAtTwentyFourAndThirtyTwoBits)
       for (int y = 0; y < 110; ++y)
         for (int x = 0; x < 220; ++x)
           ASSERT_EQ(wide.at(x, y), narrow.at(x, y)) << smooth << ' ' << size << ' ' << x << ' ' << y;
-      platform().objects.deleteFont(font);
+      portable::graphicsObjects().deleteFont(font);
     }
 }
