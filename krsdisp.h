@@ -8,6 +8,7 @@
 #include "foundation/all.h"
 #include "geometry/all.h"
 #include "platform/app.h"
+#include "platform/objects.h"
 #include "platform/window.h"
 #include "ui/core/all.h"
 #include "ui/display/display.h"

@@ -48,11 +48,6 @@ ccUIRect::ccUIRect(long x, long y, long w, long h)
 {
 }
 
-ccUIRect ccUIRect::fromEdges(long left, long top, long right, long bottom)
-{
-  return ccUIRect(cs_Edges{clampEdge(left), clampEdge(top), clampEdge(right), clampEdge(bottom)});
-}
-
 void ccUIRect::ul(ccPair<long> const& p)
 {
   long const w = width();
@@ -70,35 +65,13 @@ void ccUIRect::sz(ccPair<long> const& s)
   b_ = addEdge(t_, s.y());
 }
 
-bool ccUIRect::nullIntersection(ccUIRect const& o) const
+ccUIRect ccUIRect::shifted_(ccPair<long> const& d) const
 {
-  return std::max(l_, o.l_) >= std::min(r_, o.r_) || std::max(t_, o.t_) >= std::min(b_, o.b_);
+  return ccUIRect(cs_Edges{forward(l_, d.x()), forward(t_, d.y()), forward(r_, d.x()), forward(b_, d.y())});
 }
 
-ccUIRect& ccUIRect::operator&=(ccUIRect const& o)
+ccUIRect ccUIRect::shiftedBack_(ccPair<long> const& d) const
 {
-  if (nullIntersection(o))
-    return *this = ccUIRect();
-  return *this = ccUIRect(cs_Edges{std::max(l_, o.l_), std::max(t_, o.t_), std::min(r_, o.r_), std::min(b_, o.b_)});
-}
-
-ccUIRect& ccUIRect::operator|=(ccUIRect const& o)
-{
-  if (o.isNull())
-    return *this;
-  if (isNull())
-    return *this = o;
-  return *this = ccUIRect(cs_Edges{std::min(l_, o.l_), std::min(t_, o.t_), std::max(r_, o.r_), std::max(b_, o.b_)});
-}
-
-ccUIRect& ccUIRect::operator+=(ccPair<long> const& d)
-{
-  return *this = ccUIRect(cs_Edges{forward(l_, d.x()), forward(t_, d.y()), forward(r_, d.x()),
-                                   forward(b_, d.y())});
-}
-
-ccUIRect& ccUIRect::operator-=(ccPair<long> const& d)
-{
-  return *this = ccUIRect(cs_Edges{backward(l_, d.x()), backward(t_, d.y()), backward(r_, d.x()),
+  return ccUIRect(cs_Edges{backward(l_, d.x()), backward(t_, d.y()), backward(r_, d.x()),
                                    backward(b_, d.y())});
 }

@@ -4,6 +4,8 @@
 
 #include "foundation/pair.h"
 
+#include <algorithm>
+
 class ccUIRect {
 public:
   static constexpr long kFar = 0x3FFFFFFF;
@@ -14,7 +16,11 @@ public:
   constexpr ccUIRect() = default;  // null
   ccUIRect(long x, long y, long w, long h);
   ccUIRect(ccPair<long> const& ul, ccPair<long> const& sz) : ccUIRect(ul.x(), ul.y(), sz.x(), sz.y()) {}
-  static ccUIRect fromEdges(long left, long top, long right, long bottom);
+  static ccUIRect fromEdges(long left, long top, long right, long bottom)
+  {
+    return ccUIRect(cs_Edges{std::clamp(left, -kFar, kFar), std::clamp(top, -kFar, kFar), std::clamp(right, -kFar, kFar),
+                             std::clamp(bottom, -kFar, kFar)});
+  }
 
   constexpr long left() const { return l_; }
   constexpr long top() const { return t_; }
@@ -36,12 +42,27 @@ public:
     return p.x() >= l_ && p.x() < r_ && p.y() >= t_ && p.y() < b_;
   }
   bool contains(ccUIRect const& r) const { return r.isNull() || (l_ <= r.l_ && t_ <= r.t_ && r_ >= r.r_ && b_ >= r.b_); }
-  bool nullIntersection(ccUIRect const&) const;
+  bool nullIntersection(ccUIRect const& o) const
+  {
+    return std::max(l_, o.l_) >= std::min(r_, o.r_) || std::max(t_, o.t_) >= std::min(b_, o.b_);
+  }
 
-  ccUIRect& operator&=(ccUIRect const&);  // disjoint: exactly (0, 0, 0, 0)
-  ccUIRect& operator|=(ccUIRect const&);  // the bounding rectangle; null is its identity
-  ccUIRect& operator+=(ccPair<long> const&);
-  ccUIRect& operator-=(ccPair<long> const&);
+  ccUIRect& operator&=(ccUIRect const& o)  // disjoint: exactly (0, 0, 0, 0)
+  {
+    return *this = nullIntersection(o) ? ccUIRect()
+                                       : ccUIRect(cs_Edges{std::max(l_, o.l_), std::max(t_, o.t_), std::min(r_, o.r_),
+                                                           std::min(b_, o.b_)});
+  }
+  ccUIRect& operator|=(ccUIRect const& o)  // the bounding rectangle; null is its identity
+  {
+    if (o.isNull())
+      return *this;
+    return *this = isNull() ? o
+                            : ccUIRect(cs_Edges{std::min(l_, o.l_), std::min(t_, o.t_), std::max(r_, o.r_),
+                                                std::max(b_, o.b_)});
+  }
+  ccUIRect& operator+=(ccPair<long> const& d) { return d == ccPair<long>() ? *this : *this = shifted_(d); }
+  ccUIRect& operator-=(ccPair<long> const& d) { return d == ccPair<long>() ? *this : *this = shiftedBack_(d); }
   friend ccUIRect operator&(ccUIRect a, ccUIRect const& b) { return a &= b; }
   friend ccUIRect operator|(ccUIRect a, ccUIRect const& b) { return a |= b; }
   friend ccUIRect operator+(ccUIRect a, ccPair<long> const& d) { return a += d; }
@@ -56,6 +77,8 @@ private:
   struct cs_Edges {
     long l, t, r, b;
   };
+  ccUIRect shifted_(ccPair<long> const&) const;
+  ccUIRect shiftedBack_(ccPair<long> const&) const;
   explicit constexpr ccUIRect(cs_Edges const& e) : l_(e.l), t_(e.t), r_(e.r), b_(e.b) {}
 
   long l_ = 0, t_ = 0, r_ = 0, b_ = 0;  // edges, each within the far limits

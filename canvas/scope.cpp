@@ -27,16 +27,10 @@ std::int64_t colorDistance(ccRGB const& a, ccRGB const& b)
 
 }  // namespace
 
-long cfPelOf(double v)
-{
-  // The small addition lets a half that arithmetic has made slightly too small go up like a true half.
-  return cfTruncToLong(std::floor(v + 0.5 + 1e-6));
-}
-
 ccUIScope::ccUIScope(ccPair<long> const& size) : size_(size) {}
 
 ccUIScope::ccUIScope(ccUIScope const& other)
-    : offset_(other.offset_), size_(other.size_), current_(other.current_), bits_(other.bits_), changed_(other.changed_),
+    : offset_(other.offset_), size_(other.size_), current_(other.current_), nowhere_(other.nowhere_), bits_(other.bits_), changed_(other.changed_),
       displayClip_(other.displayClip_), locks_(other.locks_)
 {
 }
@@ -189,12 +183,18 @@ void ccUIScope::subset(ccUIScope const& parent, ccUIRect const& r)
 
 void ccUIScope::drawStart(ccPoint const& p)
 {
-  current_ = ccPair<long>(xCoord(p), yCoord(p));
+  nowhere_ = !isPlace(p);
+  if (!nowhere_)
+    current_ = ccPair<long>(xCoord(p), yCoord(p));
 }
 
 void ccUIScope::moveToRel(long dx, long dy)
 {
-  current_ += ccPair<long>(dx, dy);
+  auto const moved = [](std::int64_t from, std::int64_t by) {
+    constexpr std::int64_t far = ccUIRect::kFar;
+    return static_cast<long>(std::clamp(from + std::clamp(by, -2 * far, 2 * far), -far, far));
+  };
+  current_ = ccPair<long>(moved(current_.x(), dx), moved(current_.y(), dy));
 }
 
 void ccUIScope::allChange()
@@ -255,14 +255,4 @@ ccColor ccUIScope::nearestColor(ccColor const& color, std::vector<ccRGB> const& 
   if (best == count)
     return ccColor::paletteEntry(color.index(), wanted);  // an empty map has nothing nearer
   return ccColor::paletteEntry(static_cast<unsigned char>(best), map[best]);
-}
-
-long ccUIScope::xCoord(ccPoint const& p) const
-{
-  return cfPelOf(p.x() - static_cast<double>(offset_.x()));
-}
-
-long ccUIScope::yCoord(ccPoint const& p) const
-{
-  return cfPelOf(p.y() - static_cast<double>(offset_.y()));
 }

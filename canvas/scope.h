@@ -8,14 +8,19 @@
 #include "canvas/layers.h"
 #include "canvas/rect.h"
 #include "foundation/pel_buffer.h"
+#include "foundation/rounding.h"
 #include "foundation/vector.h"
 
+#include <algorithm>
+#include <cmath>
 #include <memory>
 #include <string>
 #include <vector>
 
-// The one rule from doubles to pels.
-long cfPelOf(double v);
+// The one rule from doubles to pels. The small addition lets a half that arithmetic has made slightly too small go up like a
+// true half.
+inline double cfPelFloor(double v) { return std::floor(v + 0.5 + 1e-6); }
+inline long cfPelOf(double v) { return cfFloorToLong(v + 0.5 + 1e-6); }  // of 32 bits; not a number gives 0
 
 class ccUIScope {
 public:
@@ -121,9 +126,10 @@ public:
 
   void move(ccUIScope const& parent, ccUIRect const&);    // a part of parent whose client origin is the rectangle's corner
   void subset(ccUIScope const& parent, ccUIRect const&);  // a part of parent in the parent's client coordinates
-  void drawStart(ccPoint const&);
+  void drawStart(ccPoint const&);  // a place that is not finite: nowhere, and no line is drawn from there
   void moveToRel(long dx, long dy);
-  ccPair<long> currentPoint() const { return current_; }
+  ccPair<long> currentPoint() const { return current_; }  // within the far limits of rectangles
+  bool isNowhere() const { return nowhere_; }
   void allChange();
   void change(ccUIRect r, bool opaque);  // in pels from the scope's upper left; a null rectangle does nothing
   void modified(bool);
@@ -138,8 +144,11 @@ public:
   static ccColor nearestColor(ccColor const&, std::vector<ccRGB> const&);
 
 protected:
-  long xCoord(ccPoint const&) const;
-  long yCoord(ccPoint const&) const;
+  void currentPoint(ccPair<long> const& p) { current_ = p, nowhere_ = false; }
+  static bool isPlace(ccPoint const& p) { return std::isfinite(p.x()) && std::isfinite(p.y()); }
+  // Within the far limits of rectangles.
+  long xCoord(ccPoint const& p) const { return nearPel_(p.x() - static_cast<double>(offset_.x())); }
+  long yCoord(ccPoint const& p) const { return nearPel_(p.y() - static_cast<double>(offset_.y())); }
   void setSize_(ccPair<long> const& size) { size_ = size; }
   // out(x, y) = source(floorT((x - offset.x) / scale), floorT((y - offset.y) / scale)), indices clamped to the source, for
   // the part of the scaled image inside clip, which stays as it is. The image coordinates of out are those of clip. An empty
@@ -150,11 +159,14 @@ protected:
                 ccPair<long> const& offset, InterpolationModes);
 
 private:
+  static long nearPel_(double v) { return std::clamp(cfPelOf(v), -ccUIRect::kFar, ccUIRect::kFar); }
+
   struct cs_Scratch;  // what pelScale keeps from call to call, so that a settled size allocates nothing
 
   ccPair<long> offset_;  // client offset
   ccPair<long> size_;
   ccPair<long> current_;
+  bool nowhere_ = false;
   unsigned bits_ = 0;
   ccUIRect changed_;
   ccUIRect displayClip_;

@@ -147,7 +147,7 @@ template <class T> ccPtrHandle<ccPelRoot<T>> const& scratchRoot(ccPtrHandle<ccPe
 void ccUIScope::expand(ccRLEBuffer const& image, ccPoint const& at, ccPair<double> const& scale,
                        std::vector<unsigned char> const& map, bool transparent, unsigned char key)
 {
-  if (image.isNull() || !usable(scale.x()) || !usable(scale.y()))
+  if (image.isNull() || !usable(scale.x()) || !usable(scale.y()) || !isPlace(at))
     return;
   ScaledRle const s = scaleRle(image, scale, ccPair<long>(xCoord(at), yCoord(at)), size());
   if (s.pels.empty())

@@ -82,7 +82,6 @@ void ccUITablet::parentMapChanged() {}
 
 // ---- Tree
 
-cc_TabletTop* ccUITablet::top_() const { return layers_->top; }
 
 void ccUITablet::link_(ccUITablet& parent)
 {

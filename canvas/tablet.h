@@ -22,7 +22,9 @@
 
 class cc_TabletTop;    // what a top tablet holds for its tree: scopes, marks, windows, scratch
 class cc_TabletLayers; // per-tablet state of both layers
-struct cs_Stroke;      // chords of an outline
+class cc_Strokes;      // chords of outlines
+struct cs_Reach;       // how far points reach
+struct cs_MapKind;     // what a map does to shapes
 
 class ccUITablet : public cc_TabletEnums {
 public:
@@ -233,14 +235,26 @@ private:
   bool isDrawnIn_(int layer, ccColor const&) const;  // not for pass colour on the image layer
   ccPair<long> dragShift_(int layer) const;
   ccPair<long> pelShift_(int layer) const;                   // of rectangles, local pels to top pels
-  ccPair<long> topPel_(ccPoint const&, int layer) const;     // snapped
+  // Snapped, in top pels; false for a place that is not finite.
+  bool topPel_(ccPoint const&, int layer, ccPair<long>& pel) const;
   ccXform<2> drawMap_(int layer) const;                      // tablet coordinates to top pels
   void fill_(ccUIRect const& topPels, ccColor const&, int layer);
-  void penLine_(ccPair<long> const& to, ccColor const&, int layer);
+  void penLine_(ccPoint const& to, ccColor const&, int layer);
+  ccPoint penPlace_(ccPoint const&, int layer) const;  // whole pels; what is not finite stays so
   template <class Body> void onLayers_(ccGraphicProps const&, Layers, Body&&);
-  template <class Chain> void drawChain_(Chain const&, ccGraphicProps const&, int layer, long margin);
-  template <class Figure> void drawFigure_(Figure const&, ccGraphicProps const&, int layer);
-  void drawStrokes_(std::vector<cs_Stroke> const&, ccGraphicProps const&, int layer, int fillRule);
+  enum class ce_Chain { line, open, closed, polygon };
+  cs_MapKind const& mapKind_() const;
+  cs_MapKind const& newMapKind_() const;
+  cs_Reach mapPoints_(std::vector<ccVector<2>> const&, int layer);  // to the points at hand
+  void drawPoints_(ccGraphicProps const&, int layer, ce_Chain, int fillRule);
+  void drawPoints_(ccGraphicProps const&, int layer, ce_Chain, int fillRule, cs_Reach const&);
+  void sendPoints_(ccGraphicProps const&, int layer, ce_Chain, int fillRule, ccVector<2> const& low, ccVector<2> const& high);
+  template <class Figure>
+  void drawFigure_(Figure const&, ccVector<2> const& halfBox, ccGraphicProps const&, int layer, bool fill);
+  void keepPel_(ccGraphicProps const&);
+  void drawStrokes_(cc_Strokes const&, ccGraphicProps const&, int layer);
+  void drawMarks_(cc2Wireframe const&, ccGraphicProps const&, int layer);
+  void drawIcon_(ccPoint const&, ccGraphicProps const&, int layer);
   void drawOutline_(ccShape const&, ccGraphicProps const&, int layer, bool fill);
   void clipTo_(ccPoint const& ul, ccPoint const& lr, Layers);
   void liftClip_(Layers);

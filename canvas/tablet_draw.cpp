@@ -3,6 +3,7 @@
 #include "canvas/format.h"
 #include "canvas/rle_buffer.h"
 #include "canvas/sketch_op.h"
+#include "canvas/strokes.h"
 #include "canvas/tablet_pieces.h"
 
 #include <algorithm>
@@ -65,33 +66,24 @@ cc_Pieces::cc_Pieces(ccUITablet& t, int layer, ccUIRect const& box, Box kind)
   region_ = &region;
 }
 
-bool ccUITablet::isRecorder_() const { return layers_->recorder; }
-
-bool ccUITablet::isDrawnIn_(int layer, ccColor const& color) const { return layer == overlayLayer || !color.isPass(); }
-
-ccPair<long> ccUITablet::dragShift_(int layer) const
-{
-  cc_TabletTop const* const top = top_();
-  bool const shifted = top && !top->inPass() && top->isAnimating(layer) && layers_->dragEpoch == top->dragEpoch();
-  return shifted ? layers_->dragDel : ccPair<long>();
-}
-
 ccPair<long> ccUITablet::pelShift_(int layer) const
 {
   ccPair<long> const sketch = cf_nearPel(ccPoint(screenMap_.mapVector(layers_->sketchOffset)));
   return cf_nearSum(cf_nearSum(screenOrigin_, dragShift_(layer)), sketch);
 }
 
-ccPair<long> ccUITablet::topPel_(ccPoint const& p, int layer) const
+bool ccUITablet::topPel_(ccPoint const& p, int layer, ccPair<long>& pel) const
 {
-  return cf_nearSum(scopeCoords(p + layers_->sketchOffset), cf_nearSum(screenOrigin_, dragShift_(layer)));
+  ccPoint const at = screenMap_ * (p + layers_->sketchOffset);
+  pel = cf_nearSum(cf_nearPel(at), cf_nearSum(screenOrigin_, dragShift_(layer)));
+  return cf_isFinitePoint(at);
 }
 
-ccXform<2> ccUITablet::drawMap_(int layer) const
+ccPoint ccUITablet::penPlace_(ccPoint const& p, int layer) const
 {
-  ccVector<2> const shift =
-      ccVector<2>(screenOrigin_ + dragShift_(layer)) + screenMap_.mapVector(layers_->sketchOffset);
-  return ccXform<2>(screenMap_.matrix(), screenMap_.trans() + shift);
+  ccVector<2> const at = screenMap_ * (p + layers_->sketchOffset);
+  ccPair<long> const shift = cf_nearSum(screenOrigin_, dragShift_(layer));
+  return ccVector<2>(cfPelFloor(at.x()), cfPelFloor(at.y())) + ccVector<2>(shift);
 }
 
 // ---- Fills
@@ -241,22 +233,25 @@ void ccUITablet::drawStart(ccPoint const& p, Layers l)
   }
   for (int layer = 0; layer < 2; ++layer)
     if (cf_hasLayer(l, layer))
-      layers_->layer[layer].pen = topPel_(p, layer);
+      layers_->layer[layer].pen = penPlace_(p, layer);
 }
 
-void ccUITablet::penLine_(ccPair<long> const& to, ccColor const& c, int layer)
+void ccUITablet::penLine_(ccPoint const& to, ccColor const& c, int layer)
 {
-  ccPair<long> const from = layers_->layer[layer].pen;
+  ccPoint ends[] = {layers_->layer[layer].pen, to};
   layers_->layer[layer].pen = to;
   if (!top_() || !isDrawnIn_(layer, c))
     return;
-  ccUIRect const ends = ccUIRect::fromEdges(std::min(from.x(), to.x()), std::min(from.y(), to.y()),
-                                            std::max(from.x(), to.x()) + 1, std::max(from.y(), to.y()) + 1);
+  cs_Reach reach;
+  reach.add(ends[0]);
+  reach.add(ends[1]);
+  if (!reach.isFinite() || (!reach.isWithin(cf_pelReach) && !cf_cutSegment(ends[0], ends[1], cf_pelReach)))
+    return;
   ccGraphicProps const& pen = top_()->pen(c);
-  cc_Pieces pieces(*this, layer, cf_grown(ends, thinPenMargin));
+  cc_Pieces pieces(*this, layer, cf_penBox(ends, 2, thinPenMargin));
   while (ccUIScope* scope = pieces.next()) {
-    scope->drawStart(ccPoint(from));
-    scope->drawTo(ccPoint(to), pen);
+    scope->drawStart(ends[0]);
+    scope->drawTo(ends[1], pen);
   }
 }
 
@@ -268,7 +263,7 @@ void ccUITablet::drawTo(ccPoint const& p, ccColor const& c, Layers l)
   }
   for (int layer = 0; layer < 2; ++layer)
     if (cf_hasLayer(l, layer))
-      penLine_(topPel_(p, layer), c, layer);
+      penLine_(penPlace_(p, layer), c, layer);
 }
 
 void ccUITablet::drawToRelPels(long dx, long dy, ccColor const& c, Layers l)
@@ -279,7 +274,7 @@ void ccUITablet::drawToRelPels(long dx, long dy, ccColor const& c, Layers l)
   }
   for (int layer = 0; layer < 2; ++layer)
     if (cf_hasLayer(l, layer))
-      penLine_(cf_nearSum(layers_->layer[layer].pen, ccPair<long>(dx, dy)), c, layer);
+      penLine_(layers_->layer[layer].pen + ccVector<2>(ccPair<long>(dx, dy)), c, layer);
 }
 
 // ---- The draw clip
@@ -291,15 +286,14 @@ void ccUITablet::clipTo_(ccPoint const& ul, ccPoint const& lr, Layers l)
     if (!cf_hasLayer(l, layer))
       continue;
     ccPoint const corners[] = {ul, ccPoint(lr.x(), ul.y()), lr, ccPoint(ul.x(), lr.y())};
-    ccPair<long> low = topPel_(corners[0], layer);
-    ccPair<long> high = low;
-    for (ccPoint const& corner : corners) {
-      ccPair<long> const p = topPel_(corner, layer);
-      low = ccPair<long>(std::min(low.x(), p.x()), std::min(low.y(), p.y()));
-      high = ccPair<long>(std::max(high.x(), p.x()), std::max(high.y(), p.y()));
-    }
+    cs_Reach reach;
+    for (ccPoint const& corner : corners)
+      reach.add(screenMap_ * (corner + layers_->sketchOffset));
+    ccPair<long> const shift = cf_nearSum(screenOrigin_, dragShift_(layer));
+    ccPair<long> const low = cf_nearSum(cf_nearPel(reach.low), shift), high = cf_nearSum(cf_nearPel(reach.high), shift);
     layers_->layer[layer].clipped = true;
-    layers_->layer[layer].drawClip = ccUIRect(low, high - low) - screenOrigin_;
+    // A clip that the map leaves nowhere lets nothing through.
+    layers_->layer[layer].drawClip = reach.isFinite() ? ccUIRect(low, high - low) - screenOrigin_ : ccUIRect();
   }
 }
 
@@ -321,7 +315,9 @@ template <class T, class Key> void ccUITablet::drawPels_(ccPelBuffer_const<T> co
     if (!cf_hasLayer(l, layer))
       continue;
     ccPair<double> const scale = scaleMode_ == scaleNone ? ccPair<double>(1, 1) : scaleExact_;
-    ccPair<long> const ul = topPel_(at, layer);
+    ccPair<long> ul;
+    if (!topPel_(at, layer, ul))
+      continue;
     ccPoint const place(ul);
     cc_Pieces pieces(*this, layer, cf_scaledBox(ul, pels.width(), pels.height(), scale));
     while (ccUIScope* scope = pieces.next()) {
@@ -396,7 +392,9 @@ void ccUITablet::draw(ccRLEBuffer const& icon, ccPoint const& at, std::vector<un
     if (!cf_hasLayer(l, layer))
       continue;
     ccPair<double> const scale = mode == scaleNone ? ccPair<double>(1, 1) : scaleExact_;
-    ccPair<long> const ul = topPel_(at, layer);
+    ccPair<long> ul;
+    if (!topPel_(at, layer, ul))
+      continue;
     ccPoint const place(ul);
     cc_Pieces pieces(*this, layer, cf_scaledBox(ul, icon.width(), icon.height(), scale));
     while (ccUIScope* scope = pieces.next()) {
@@ -423,9 +421,10 @@ void ccUITablet::draw(std::string const& text, ccPoint const& at, ccColor const&
   }
   for (int layer = 0; layer < 2; ++layer) {
     ccUIScope* const surface = cf_hasLayer(l, layer) && top_() ? top_()->scope(layer) : nullptr;
-    if (!surface)
+    ccPair<long> pel;
+    if (!surface || !topPel_(at, layer, pel))
       continue;
-    ccPoint const place(topPel_(at, layer));
+    ccPoint const place(pel);
     ccUIRect clipped;
     ccUIRect const full = surface->textRect(text, place, format, clipped);
     if (!isDrawnIn_(layer, fore)) {
@@ -450,7 +449,9 @@ ccUIRect ccUITablet::textRect(std::string const& text, ccPoint const& at, ccUIFo
     if (!surface)
       continue;
     ccUIRect unused;
-    ccPair<long> const place = scopeCoords(at + layers_->sketchOffset) + screenOrigin_;
+    if (!cf_isFinitePoint(screenMap_ * (at + layers_->sketchOffset)))
+      return ccUIRect();
+    ccPair<long> const place = cf_nearSum(scopeCoords(at + layers_->sketchOffset), screenOrigin_);
     ccUIRect const full = surface->textRect(text, ccPoint(place), format, unused) - screenOrigin_;
     clipped = full & currentScope(static_cast<Layers>(layer));
     return full;
@@ -480,6 +481,8 @@ void ccUITablet::draw(ccUISketch const& sketch, ccPoint const& at, Layers l)
     ~cs_Offset() { offset = former; }
   } const restore{layers_->sketchOffset, layers_->sketchOffset};
   layers_->sketchOffset += at;
+  if (!cf_isFinitePoint(layers_->sketchOffset) || !cf_isFinitePoint(screenMap_.mapVector(layers_->sketchOffset)))
+    return;  // rectangles would not know where
   for (std::size_t i = 0; i < sketch.ops_seq().size(); ++i)
     sketch.ops_seq()[i]->replay(*this, l);
 }

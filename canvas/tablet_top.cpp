@@ -1,5 +1,7 @@
 #include "canvas/tablet_top.h"
 
+#include "canvas/tablet_scratch.h"
+
 #include <algorithm>
 #include <atomic>
 #include <limits>
@@ -48,6 +50,8 @@ void cc_Watch::destroyed(cc_TabletLayers& layers)
     w->tablet_ = nullptr;
   layers.watches = nullptr;
 }
+
+cc_TabletTop::cc_TabletTop(ccUITablet& owner) : owner_(owner) {}
 
 cc_TabletTop::~cc_TabletTop()
 {

@@ -32,7 +32,7 @@ inline ccPair<long> cf_nearPel(std::int64_t x, std::int64_t y)
   return ccPair<long>(static_cast<long>(std::clamp(x, -far, far)), static_cast<long>(std::clamp(y, -far, far)));
 }
 
-inline ccPair<long> cf_nearPel(ccPoint const& p) { return cf_nearPel(cfPelOf(p.x()), cfPelOf(p.y())); }
+inline ccPair<long> cf_nearPel(ccVector<2> const& p) { return cf_nearPel(cfPelOf(p.x()), cfPelOf(p.y())); }
 
 inline ccPair<long> cf_nearSum(ccPair<long> const& a, ccPair<long> const& b)
 {
@@ -51,6 +51,18 @@ struct cs_Region {
 enum class ce_RegionKind { direct, pass, ghost };
 
 class cc_Watch;
+struct cc_DrawScratch;
+
+// What the linear part of a map does to shapes, worked out once for each map.
+struct cs_MapKind {
+  ccMatrix<2> matrix;
+  bool known = false;
+  bool finite = false;
+  bool keepsShapes = false;  // a scale, a turn, and behind a mirroring of y if mirrored
+  bool mirrored = false;
+  double scale = 1;
+  ccRadian turn;
+};
 
 class cc_TabletLayers {
 public:
@@ -61,7 +73,7 @@ public:
     ccUIRect drawClip;           // local pels
     ccUIRect modified;           // local pels: drawn since last wiped
     ccUIRect record;             // local pels: drawn since recordChanges(true)
-    ccPair<long> pen;            // top pels
+    ccPoint pen;                 // whole top pels; not finite: nowhere
     cc_RectList* open = nullptr; // in the tablet's own redraw_: local pels that no fill has reached yet
     cs_Region regions[3];
   };
@@ -79,6 +91,7 @@ public:
   ccXform<2> inverse;        // of screenMap_
   bool regular = true;       // screenMap_ has an inverse
   double hitScale = 1;
+  cs_MapKind mapKind;        // of screenMap_
   ccPair<long> dragDel;
   std::uint64_t dragEpoch = 0;
   ccPoint sketchOffset; // tablet coordinates, while a sketch is replayed
@@ -108,7 +121,7 @@ class cc_TabletTop {
 public:
   using Layers = cc_TabletEnums::Layers;
 
-  explicit cc_TabletTop(ccUITablet& owner) : owner_(owner) {}
+  explicit cc_TabletTop(ccUITablet& owner);
   ~cc_TabletTop();
   cc_TabletTop(cc_TabletTop const&) = delete;
   cc_TabletTop& operator=(cc_TabletTop const&) = delete;
@@ -184,6 +197,7 @@ public:
 
   // The pen of the overloads that take a colour.
   ccGraphicProps& pen(ccColor const&);
+  cc_DrawScratch& scratch();
 
 private:
   // One entry of what is owed: repaint area from the bottom if from is null, else from that tablet on, or from what
@@ -254,4 +268,30 @@ private:
   long busy_ = 0;
   bool deferred_ = false;
   ccGraphicProps pen_;
+  std::unique_ptr<cc_DrawScratch> scratch_;  // made by the first figure
 };
+
+// What every drawing call asks first.
+inline cc_TabletTop* ccUITablet::top_() const { return layers_->top; }
+inline bool ccUITablet::isRecorder_() const { return layers_->recorder; }
+inline bool ccUITablet::isDrawnIn_(int layer, ccColor const& color) const
+{
+  return layer == overlayLayer || !color.isPass();
+}
+inline ccPair<long> ccUITablet::dragShift_(int layer) const
+{
+  cc_TabletTop const* const top = top_();
+  bool const shifted = top && !top->inPass() && top->isAnimating(layer) && layers_->dragEpoch == top->dragEpoch();
+  return shifted ? layers_->dragDel : ccPair<long>();
+}
+inline cs_MapKind const& ccUITablet::mapKind_() const
+{
+  cs_MapKind const& kind = layers_->mapKind;
+  return kind.known && kind.matrix == screenMap_.matrix() ? kind : newMapKind_();
+}
+inline ccXform<2> ccUITablet::drawMap_(int layer) const
+{
+  ccVector<2> const shift =
+      ccVector<2>(cf_nearSum(screenOrigin_, dragShift_(layer))) + screenMap_.mapVector(layers_->sketchOffset);
+  return ccXform<2>(screenMap_.matrix(), screenMap_.trans() + shift);
+}

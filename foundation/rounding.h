@@ -18,5 +18,22 @@ inline long cfTruncToLong(double x)
   return x < 2147483647.0 ? static_cast<long>(x) : 2147483647L;
 }
 
-inline long floorTL(double x) { return cfTruncToLong(floorT(x)); }
-inline long ceilTL(double x) { return cfTruncToLong(ceilT(x)); }
+// The largest whole number not above, with the same limits; std::floor costs a call on machines of old.
+inline long cfFloorToLong(double x)
+{
+  if (!(std::abs(x) < 2147483647.0))
+    return cfTruncToLong(std::floor(x));
+  long const whole = static_cast<long>(x);
+  return x < static_cast<double>(whole) ? whole - 1 : whole;
+}
+
+inline long cfCeilToLong(double x)
+{
+  if (!(std::abs(x) < 2147483647.0))
+    return cfTruncToLong(std::ceil(x));
+  long const whole = static_cast<long>(x);
+  return x > static_cast<double>(whole) ? whole + 1 : whole;
+}
+
+inline long floorTL(double x) { return cfFloorToLong(x * (1.0 + (x < 0 ? -cfRoundingTolerance : cfRoundingTolerance))); }
+inline long ceilTL(double x) { return cfCeilToLong(x * (1.0 - (x < 0 ? -cfRoundingTolerance : cfRoundingTolerance))); }

@@ -2,6 +2,8 @@
 
 #include "foundation/math_error.h"
 
+#include <algorithm>
+
 constinit ccXform<2> const ccXform<2>::I{};
 constinit cc2Rigid const cc2Rigid::I{};
 
@@ -18,7 +20,11 @@ ccVector<2> ccVector<2>::unit() const
   double const length = len();
   if (!(length > 0))
     throw ccMathError::Singular("unit of a zero vector");
-  return *this / length;
+  if (length > 1e-290 && length < 1e290)
+    return *this / length;
+  // Near the ends of the range of numbers a length overflows, or has few digits.
+  ccVector const scaled = *this / std::max(std::abs(x_), std::abs(y_));
+  return scaled / scaled.len();
 }
 
 ccMatrix<2>::ccMatrix(ccRadian xRot, ccRadian yRot, double xScale, double yScale)
@@ -68,7 +74,7 @@ bool ccXform<2>::similarity(double& scale, ccRadian& rot, bool& mirrored) const
   // So that rigid moves leave radii as they are, however often they are repeated.
   scale = std::abs(xLen - 1) <= tolerance ? 1.0 : xLen;
   rot = x.angle();
-  mirrored = m_.determinant() < 0;
+  mirrored = xLen > 0 && (x.x() / xLen) * (y.y() / yLen) < (x.y() / xLen) * (y.x() / yLen);
   return true;
 }
 

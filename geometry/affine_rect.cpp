@@ -139,3 +139,15 @@ std::optional<ccAffineRectangle> cfAffineRectSize(ccAffineRectangle const& r, in
     return std::nullopt;
   return ccAffineRectangle(center, xLength, yLength, r.xRotation(), r.skew());
 }
+
+std::optional<ccAffineRectangle> cfAffineRectSkew(ccAffineRectangle const& r, ccVector<2> const& from,
+                                                  ccVector<2> const& to)
+{
+  bool const turns = from != ccVector<2>() && to != ccVector<2>();
+  ccRadian const k = r.skew() + (turns ? ccRadian::signedNorm(to.angle() - from.angle()) : ccRadian(0));
+  if (ccAffineRectangle::isBadSkew(k))
+    return std::nullopt;
+  ccAffineRectangle result = r;
+  result.skew(k);
+  return result;
+}

@@ -59,3 +59,6 @@ private:
 
 // The rectangle after corner id was dragged to p; the opposite corner stays. Empty if a length would fall below 1e-10.
 std::optional<ccAffineRectangle> cfAffineRectSize(ccAffineRectangle const&, int id, ccPoint const& p);
+// The rectangle after the skew handle turned from one direction, seen from the centre, to another. A zero vector counts as no
+// turn. Empty for a bad skew.
+std::optional<ccAffineRectangle> cfAffineRectSkew(ccAffineRectangle const&, ccVector<2> const& from, ccVector<2> const& to);

@@ -9,12 +9,19 @@ ccEllipseAnnulus::ccEllipseAnnulus(ccEllipse const& first, ccEllipse const& seco
 
 ccEllipseAnnulus ccEllipseAnnulus::map(ccXform<2> const& x) const
 {
-  return ccEllipseAnnulus(first_.map(x), second_.map(x));
+  // Without a check of the centres: an uneven map may take them apart farther than the radii grow.
+  ccEllipseAnnulus image;
+  image.first_ = first_.map(x);
+  image.second_ = second_.map(x);
+  return image;
 }
 
 double ccEllipseAnnulus::distanceToPoint(ccVector<2> const& p) const
 {
-  return std::min(first_.distanceToPoint(p), second_.distanceToPoint(p));
+  double const best = first_.distanceToPoint(p);
+  cs_Bounds box;
+  cf_addConic(box, second_.conic());
+  return box.distance(p) < best ? std::min(best, second_.distanceToPoint(p)) : best;
 }
 
 ccRect ccEllipseAnnulus::encloseRect() const
@@ -53,7 +60,12 @@ ccGenAnnulus ccGenAnnulus::map(ccXform<2> const& x) const { return ccGenAnnulus(
 
 double ccGenAnnulus::distanceToPoint(ccVector<2> const& p) const
 {
-  return std::min(first_.distanceToPoint(p), second_.distanceToPoint(p));
+  double const best = first_.distanceToPoint(p);
+  ccRect const r = second_.encloseRect();
+  cs_Bounds box;
+  box.add(r.ul());
+  box.add(r.lr());
+  return box.distance(p) < best ? std::min(best, second_.distanceToPoint(p)) : best;
 }
 
 ccRect ccGenAnnulus::encloseRect() const
@@ -73,3 +85,11 @@ void ccGenAnnulus::outline(ccOutlineSink& sink) const
 
 ccPtrHandle<ccShape> ccGenAnnulus::clone_() const { return new ccGenAnnulus(*this); }
 ccPtrHandle_const<ccShape> ccGenAnnulus::map_(ccXform<2> const& x) const { return new ccGenAnnulus(map(x)); }
+
+bool cfIsNested(ccGenRect const& inner, ccGenRect const& outer)
+{
+  constexpr double room = 2;  // client units
+  ccVector<2> const one(1, 1), in = inner.fromUnit(one - inner.rounding()), out = outer.fromUnit(one - outer.rounding());
+  return inner.hx() <= outer.hx() - room && inner.hy() <= outer.hy() - room && std::abs(in.x()) <= std::abs(out.x()) &&
+         std::abs(in.y()) <= std::abs(out.y());
+}

@@ -63,3 +63,8 @@ protected:
 private:
   ccGenRect first_, second_;
 };
+
+// Whether a ring may be edited to these: each half length of the inner rectangle is smaller by 2 units at least, and the centre
+// of its rounding lies nearer to the middle. That is compared along the client axes, so that some turned rings are refused
+// although they are nested.
+bool cfIsNested(ccGenRect const& inner, ccGenRect const& outer);

@@ -37,7 +37,10 @@ void ccEllipseAnnulusSection::stop(ccRadian a) { stop_ = cf_finite(a, "stop of a
 ccRadian ccEllipseAnnulusSection::span() const
 {
   ccRadian const s = ccRadian::norm(stop_ - start_);
-  return s.value() > 2 * cfPi - kEmptySpan ? ccRadian(0) : s;
+  // Angles of many turns have fewer digits.
+  double const slack = kEmptySpan + 2 * std::numeric_limits<double>::epsilon() *
+                                        std::max(std::abs(start_.value()), std::abs(stop_.value()));
+  return s.value() > 2 * cfPi - slack ? ccRadian(0) : s;
 }
 
 ccPoint ccEllipseAnnulusSection::middle() const
@@ -147,5 +150,24 @@ std::optional<ccEllipseAnnulusSection> cfSectionWarp(ccEllipseAnnulusSection con
     stop = stop + ccRadian(cfPi);
     reversed = !reversed;
   }
+  if (!cf_isFinite(center) || !cf_isFinite(start) || !cf_isFinite(stop))
+    return std::nullopt;
   return ccEllipseAnnulusSection(center, inner, outer, start, stop, reversed, !reversed, true);
+}
+
+ccEllipseAnnulusSection cfSectionTurn(ccEllipseAnnulusSection const& s, ccRadian by)
+{
+  ccPoint const m = s.middle();
+  return s.map(ccXform<2>(1, 1, m) * ccXform<2>(ccMatrix<2>(by, 1), ccVector<2>()) * ccXform<2>(1, 1, -m));
+}
+
+std::optional<ccEllipseAnnulusSection> cfSectionSize(ccEllipseAnnulusSection const& s, bool first, double factor)
+{
+  ccEllipse e = first ? s.first() : s.second();
+  ccVector<2> const radii = e.radii() * factor;
+  if (!(factor >= 0) || !cf_isFinite(radii))
+    return std::nullopt;
+  e.radii(radii);
+  return ccEllipseAnnulusSection(first ? e : s.first(), first ? s.second() : e, s.start(), s.stop(), s.reversed(),
+                                 s.forward(), s.ends());
 }

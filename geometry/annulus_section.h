@@ -62,3 +62,7 @@ private:
 // middle and outer arc stay. No radius passes maxRadius, the inner one stays at least minRadius; empty where that cannot be.
 std::optional<ccEllipseAnnulusSection> cfSectionWarp(ccEllipseAnnulusSection const&, ccPoint const& h,
                                                      ccPoint const& dragged, double maxRadius, double minRadius);
+// The section turned about its middle as a rigid body.
+ccEllipseAnnulusSection cfSectionTurn(ccEllipseAnnulusSection const&, ccRadian by);
+// The section with one of its ellipses scaled about the centre. Empty if the factor is negative or not finite.
+std::optional<ccEllipseAnnulusSection> cfSectionSize(ccEllipseAnnulusSection const&, bool first, double factor);

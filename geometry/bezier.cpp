@@ -3,6 +3,7 @@
 namespace {
 
 constexpr int kMaxHalvings = 16;
+constexpr double kLeastWeight = 1e-200;  // against the largest one: below it a quotient of weights would underflow
 constexpr double kJoint = 1e-9;  // of the largest coordinate
 
 int cf_index(long i)
@@ -92,36 +93,58 @@ void ccBezierCurve::weight(long i, double w)
   weights_[static_cast<std::size_t>(cf_index(i))] = w;
 }
 
+// Only their ratios count.
+std::array<double, 4> ccBezierCurve::usableWeights_() const
+{
+  auto const [least, largest] = std::minmax_element(weights_.begin(), weights_.end());
+  if (*least > 1e-100 && *largest < 1e100)
+    return weights_;
+  std::array<double, 4> usable;
+  for (std::size_t i = 0; i < 4; ++i)
+    usable[i] = std::max(weights_[i] / *largest, kLeastWeight);
+  return usable;
+}
+
 cs_RationalCurve ccBezierCurve::rational_() const
 {
   cs_RationalCurve curve;
   curve.degree = 3;
+  std::array<double, 4> const weights = usableWeights_();
   for (std::size_t i = 0; i < 4; ++i) {
     curve.points[i] = points_[i];
-    curve.weights[i] = weights_[i];
+    curve.weights[i] = weights[i];
   }
   return curve;
 }
 
-ccPoint ccBezierCurve::point(double t) const { return rational_().at(t); }
+ccPoint ccBezierCurve::point(double t) const
+{
+  cf_require(t >= 0 && t <= 1, "parameter of a curve");
+  return rational_().at(t);
+}
 
 ccVector<2> ccBezierCurve::derivative(double t) const
 {
+  cf_require(t >= 0 && t <= 1, "parameter of a curve");
   ccVector<2> d;
   rational_().at(t, &d);
   return d;
 }
 
-ccPoint ccBezierCurve::closestPoint(ccVector<2> const& q) const { return point(cf_nearest(rational_(), q).t); }
+ccPoint ccBezierCurve::closestPoint(ccVector<2> const& q) const 
+{
+  return point(cf_nearest(rational_(), cf_finite(q, "place near a curve")).t);
+}
 double ccBezierCurve::distanceToPoint(ccVector<2> const& p) const { return cf_nearest(rational_(), p).distance; }
 
 std::pair<ccBezierCurve, ccBezierCurve> ccBezierCurve::split(double t) const
 {
   cf_require(t >= 0 && t <= 1, "parameter of a curve");
   cs_Homogeneous b[4];
+  std::array<double, 4> const weights = usableWeights_();
   for (std::size_t i = 0; i < 4; ++i) {
-    ccVector<2> const p = (points_[i] - points_[0]) * weights_[i];
-    b[i] = {p.x(), p.y(), weights_[i]};
+    ccVector<2> const p = (points_[i] - points_[0]) * weights[i];
+    b[i] = {p.x(), p.y(), weights[i]};
   }
   auto const place = [&](cs_Homogeneous const& h) { return ccPoint(points_[0] + ccVector<2>(h.x / h.w, h.y / h.w)); };
   ccBezierCurve left, right;
@@ -178,9 +201,9 @@ ccPtrHandle_const<ccShape> ccBezierCurve::map_(ccXform<2> const& x) const { retu
 ccWeightLaw::ccWeightLaw(double oldWeight, double sumOfWeights) : least_(0.1 * oldWeight)
 {
   cf_checkWeight(oldWeight);
-  cf_require(cf_isFinite(sumOfWeights) && sumOfWeights >= oldWeight, "sum of weights");
+  cf_require(cf_isFinite(10 * sumOfWeights) && sumOfWeights >= oldWeight, "sum of weights");
   double const rise = oldWeight - least_;
-  scale_ = rise * rise / (10 * sumOfWeights + least_ - 2 * oldWeight);
+  scale_ = rise * (rise / (10 * sumOfWeights + least_ - 2 * oldWeight));
   log_ = std::log((10 * sumOfWeights - least_) / scale_ + 1);
 }
 

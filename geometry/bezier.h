@@ -1,4 +1,5 @@
-// A rational cubic Bezier curve, and chains of them.
+// A rational cubic Bezier curve, and chains of them. Weights are above 0; only their ratios count. Points, halves and polygons
+// come from de Casteljau's algorithm on weighted coordinates: G. Farin, "Curves and Surfaces for CAGD", rational curves.
 #pragma once
 
 #include "geometry/ellipse_arc.h"
@@ -24,10 +25,11 @@ public:
   ccPoint startPoint() const { return points_[0]; }
   ccPoint endPoint() const { return points_[3]; }
 
-  ccPoint point(double t) const;          // t from 0 to 1
-  ccVector<2> derivative(double t) const; // by t
+  // t from 0 to 1, else ccShapesError::BadParams.
+  ccPoint point(double t) const;
+  ccVector<2> derivative(double t) const;  // by t
   ccPoint closestPoint(ccVector<2> const&) const;
-  std::pair<ccBezierCurve, ccBezierCurve> split(double t) const;
+  std::pair<ccBezierCurve, ccBezierCurve> split(double t) const;  // by the algorithm of de Casteljau
   // Calls lineTo for the points of a polygon within the tolerance of the curve, the start point left out. The curve is halved
   // at most 16 times. The tolerance is above 0, else ccShapesError::BadParams.
   void flatten(double tolerance, ccOutlineSink&) const;
@@ -47,6 +49,7 @@ protected:
   ccPtrHandle_const<ccShape> map_(ccXform<2> const&) const override;
 
 private:
+  std::array<double, 4> usableWeights_() const;
   cs_RationalCurve rational_() const;
 
   std::array<ccPoint, 4> points_;
@@ -54,7 +57,8 @@ private:
 };
 
 // The weight of a control point during a drag: a tenth of the old weight at t = 0, the old one at 1/2, ten times the sum of
-// all weights at 1. t is the distance from the control point in hundreds of pels.
+// all weights at 1. t is the distance from the control point in hundreds of pels. Weights are above 0 and the sum is at least
+// the old weight, else ccShapesError::BadParams.
 class ccWeightLaw {
 public:
   ccWeightLaw() = default;

@@ -12,7 +12,7 @@ void ccCircle::radius(double r) { radius_ = cf_length(r, "radius of a circle"); 
 
 ccPoint ccCircle::closestPoint(ccVector<2> const& q) const
 {
-  return center_ + ccVector<2>::polar(radius_, (q - center_).angle());
+  return center_ + ccVector<2>::polar(radius_, (cf_finite(q, "place near a circle") - center_).angle());
 }
 
 ccCircle ccCircle::map(ccXform<2> const& x) const
@@ -24,7 +24,10 @@ ccCircle ccCircle::map(ccXform<2> const& x) const
   return ccCircle(x.mapPoint(center_), radius_ * scale);
 }
 
-double ccCircle::distanceToPoint(ccVector<2> const& p) const { return std::abs(center_.distance(p) - radius_); }
+double ccCircle::distanceToPoint(ccVector<2> const& p) const 
+{
+  return cf_distance(std::abs(center_.distance(p) - radius_));
+}
 
 ccRect ccCircle::encloseRect() const
 {

@@ -71,9 +71,13 @@ cs_Conic cf_mapConic(cs_Conic const& e, ccXform<2> const& x, cs_AngleMap& angles
     return image;
   }
   ccVector<2> const b0 = x.mapVector(e.xAxis()), b1 = x.mapVector(e.yAxis());
-  // The principal axes, labelled so that they stay near the images of the old ones.
-  double const c00 = b0.x() * b0.x() + b1.x() * b1.x(), c11 = b0.y() * b0.y() + b1.y() * b1.y();
-  double const c01 = b0.x() * b0.y() + b1.x() * b1.y();
+  // The principal axes, labelled so that they stay near the images of the old ones. In units of a power of two near the largest
+  // number, since squares overflow early.
+  double const size = std::max({std::abs(b0.x()), std::abs(b0.y()), std::abs(b1.x()), std::abs(b1.y())});
+  double const unit = size > 0 && std::isfinite(size) ? std::exp2(-std::clamp(std::ilogb(size), -1000, 1000)) : 1.0;
+  ccVector<2> const s0 = b0 * unit, s1 = b1 * unit;
+  double const c00 = s0.x() * s0.x() + s1.x() * s1.x(), c11 = s0.y() * s0.y() + s1.y() * s1.y();
+  double const c01 = s0.x() * s0.y() + s1.x() * s1.y();
   double alpha = 0.5 * std::atan2(2 * c01, c00 - c11);
   ccVector<2> const xImage = x.mapVector(cf_polar(e.phi));
   if (xImage != ccVector<2>())
@@ -100,7 +104,7 @@ cs_NearestAngle cf_nearestOnConic(cs_Conic const& e, ccVector<2> const& q)
 {
   ccVector<2> const d = q - e.c;
   if (e.isCircle())
-    return {d.angle() - e.phi, std::abs(d.len() - e.rx)};
+    return {d.angle() - e.phi, cf_distance(std::abs(d.len() - e.rx))};
   // By symmetry the nearest point lies in the quadrant of the query.
   ccVector<2> const local = cf_turned(d, -e.phi);
   cs_RationalCurve const unit = cf_unitPiece(ccRadian(0), ccRadian(kQuarter));
@@ -136,8 +140,8 @@ cs_NearestAngle cf_nearestOnArc(cs_Conic const& e, ccRadian start, ccRadian span
     ccVector<2> const d = q - e.c;
     ccRadian const a = d == ccVector<2>() ? start : d.angle() - e.phi;
     if (cf_isInSpan(a, start, span))
-      return {a, std::abs(d.len() - e.rx)};
-    double const first = e.at(start).distance(q), last = e.at(start + span).distance(q);
+      return {a, cf_distance(std::abs(d.len() - e.rx))};
+    double const first = cf_distance(e.at(start).distance(q)), last = cf_distance(e.at(start + span).distance(q));
     return last < first ? cs_NearestAngle{start + span, last} : cs_NearestAngle{start, first};
   }
   cs_NearestAngle best;

@@ -1,6 +1,8 @@
 // The arithmetic of ellipses and their arcs, below the classes.
 //
-// The point at own angle t is c + R(phi) (rx cos t, ry sin t). An arc runs from own angle start over a signed span.
+// The point at own angle t is c + R(phi) (rx cos t, ry sin t). An arc runs from own angle start over a signed span. Nothing is
+// checked here; that is done by the classes. An arc of at most a quarter turn is a rational quadratic curve whose weights are 1,
+// the cosine of half the span, and 1: G. Farin, "Curves and Surfaces for CAGD", chapter on conics.
 #pragma once
 
 #include "foundation/xform.h"

@@ -63,3 +63,11 @@ std::optional<ccXform<2>> cfAxesAdjust(ccXform<2> const& fromUser, double u, boo
     return std::nullopt;
   return ccXform<2>(ccMatrix<2>(x.x(), y.x(), x.y(), y.y()), fromUser.trans());
 }
+
+ccXform<2> cfUserXform(ccCoordAxes const& axes, double xScale, double yScale)
+{
+  ccVector<2> const x = axes.xAxis(), y = axes.yAxis();
+  ccXform<2> const user(ccMatrix<2>(x.angle(), y.angle() - ccRadian(cfPi / 2), x.len() / xScale, y.len() / yScale),
+                        axes.origin());
+  return cf_finite(user, "scale of axes");
+}

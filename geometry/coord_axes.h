@@ -38,6 +38,10 @@ private:
   ccPoint origin_, xEnd_, yEnd_;
 };
 
+// The map from user coordinates whose axes these are, when they are xScale and yScale user units long; a scale of 0 throws
+// ccShapesError::BadParams.
+ccXform<2> cfUserXform(ccCoordAxes const&, double xScale, double yScale);
+
 // What a drag of one axis keeps.
 struct csAxesKeep {
   bool length = false;     // of the dragged axis

@@ -62,7 +62,7 @@ double ccCubicSpline::distanceToPoint(ccVector<2> const& p) const
 {
   long const curves = numBezierCurves();
   if (curves == 0)
-    return isEmpty() ? cfInfinity : point_(0).distance(p);
+    return isEmpty() ? cfInfinity : cf_distance(point_(0).distance(p));
   double best = cfInfinity;
   for (long k = 0; k < curves; ++k) {
     ccBezierCurve const curve = bezierCurve_(k);
@@ -108,7 +108,7 @@ void ccCubicSpline::outline(ccOutlineSink& sink) const
 void ccCubicSpline::mapPoints_(ccXform<2> const& x)
 {
   for (ccVector<2>& p : points_)
-    p = x.mapPoint(p);
+    p = cf_finite(x.mapPoint(p), "image of a spline's control point");
 }
 
 void ccCubicSpline::checkIndex_(long i) const

@@ -1,5 +1,6 @@
 // Base of the cubic splines: control points that an operator edits, and the Bezier curves that they stand for. Every spline is
-// continuous with any number of points, as one grows point by point while it is drawn.
+// continuous with any number of points, as one grows point by point while it is drawn. Control points, tangents and curves are in
+// client units; a parameter t runs from 0 to 1 over each curve.
 #pragma once
 
 #include "geometry/bezier.h"
@@ -40,6 +41,11 @@ public:
 
 protected:
   ccCubicSpline() = default;
+  // Copied as a whole only: the classes hold what belongs to their points.
+  ccCubicSpline(ccCubicSpline const&) = default;
+  ccCubicSpline(ccCubicSpline&&) = default;
+  ccCubicSpline& operator=(ccCubicSpline const&) = default;
+  ccCubicSpline& operator=(ccCubicSpline&&) = default;
   ccCubicSpline(std::vector<ccVector<2>> points, bool closed);
 
   virtual ccBezierCurve bezierCurve_(long k) const = 0;  // k is in range

@@ -1,5 +1,8 @@
 // A uniform cubic B-spline with a weight for each control point. An open one starts and ends in its end points: with two
 // points it is a line, with three a quadratic curve, each as one cubic, then n - 3 cubics. A closed one has n.
+//
+// The Bezier points follow C. de Boor, "On calculating with B-splines", Journal of Approximation Theory 6 (1972), and W. Boehm,
+// "Inserting new knots into B-spline curves", Computer-Aided Design 12 (1980), on weighted coordinates.
 #pragma once
 
 #include "geometry/cubic_spline.h"

@@ -40,7 +40,10 @@ ccPoint cc_EllipseBase::fromUnit(ccVector<2> const& v) const
   return conic_.c + e0 * (conic_.rx * e0.dot(v)) + e1 * (conic_.ry * e1.dot(v));
 }
 
-ccPoint cc_EllipseBase::closestPoint(ccVector<2> const& q) const { return conic_.at(cf_nearestOnConic(conic_, q).angle); }
+ccPoint cc_EllipseBase::closestPoint(ccVector<2> const& q) const 
+{
+  return conic_.at(cf_nearestOnConic(conic_, cf_finite(q, "place near an ellipse")).angle);
+}
 double cc_EllipseBase::distanceToPoint(ccVector<2> const& p) const { return cf_nearestOnConic(conic_, p).distance; }
 
 ccRect cc_EllipseBase::encloseRect() const
@@ -69,10 +72,10 @@ ccEllipse::ccEllipse(ccCircle const& c) : ccEllipse(c.center(), c.radius(), c.ra
 
 ccEllipse::ccEllipseUnit ccEllipse::unit() const
 {
-  if (conic_.rx == 0 || conic_.ry == 0)
+  double const a = 1 / conic_.rx, b = 1 / conic_.ry;
+  if (!std::isfinite(a) || !std::isfinite(b))
     throw ccShapesError::DegenerateShape("unit of an ellipse with radius 0");
-  double const c = std::cos(conic_.phi.value()), s = std::sin(conic_.phi.value());
-  double const a = 1 / conic_.rx, b = 1 / conic_.ry, across = c * s * (a - b);
+  double const c = std::cos(conic_.phi.value()), s = std::sin(conic_.phi.value()), across = c * s * (a - b);
   return ccEllipseUnit(conic_.c, ccMatrix<2>(c * c * a + s * s * b, across, across, s * s * a + c * c * b));
 }
 

@@ -2,7 +2,8 @@
 //
 // Three angles are kept apart. The own angle t of a point: c + R(rotation) (rx cos t, ry sin t); arcs use it. The unit angle
 // t + rotation; sections of rings use it, and for a circle it is the direction in client coordinates whatever the rotation.
-// The direction of the point as seen from the centre in the ellipse's own axes; drawing uses it.
+// The direction of the point as seen from the centre in the ellipse's own axes; drawing uses it. The image under an affine map
+// has the principal axes of B B^T for B the map times the axes, labelled so that x stays near the image of x.
 #pragma once
 
 #include "geometry/circle.h"
@@ -22,7 +23,7 @@ public:
   ccRadian rotation() const { return conic_.phi; }
   void rotation(ccRadian);
 
-  ccPoint point(ccRadian ownAngle) const { return conic_.at(ownAngle); }
+  ccPoint point(ccRadian ownAngle) const { return conic_.at(cf_finite(ownAngle, "angle on an ellipse")); }
   // From the unit circle: center + U v, with U the inverse of the unit's matrix. Never throws, also for radius 0.
   ccPoint fromUnit(ccVector<2> const&) const;
   ccPoint closestPoint(ccVector<2> const&) const;
@@ -62,7 +63,8 @@ public:
   ccEllipse(ccPoint const& center, ccVector<2> const& radii, ccRadian rotation);
   explicit ccEllipse(ccCircle const&);
 
-  ccEllipseUnit unit() const;  // a radius of 0 throws ccShapesError::DegenerateShape
+  // A radius of 0, or so small that it has no reciprocal, throws ccShapesError::DegenerateShape.
+  ccEllipseUnit unit() const;
   ccEllipse map(ccXform<2> const&) const;
   friend bool operator==(ccEllipse const& a, ccEllipse const& b) { return a.conic_ == b.conic_; }
 

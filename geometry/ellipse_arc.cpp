@@ -30,7 +30,7 @@ void cc_EllipseArcBase::span(ccRadian a) { span_ = cf_span(a); }
 
 ccPoint cc_EllipseArcBase::closestPoint(ccVector<2> const& q) const
 {
-  return conic_.at(cf_nearestOnArc(conic_, start_, span_, q).angle);
+  return conic_.at(cf_nearestOnArc(conic_, start_, span_, cf_finite(q, "place near an arc")).angle);
 }
 
 ccRadian cc_EllipseArcBase::phiStart() const { return cf_direction(conic_, start_); }

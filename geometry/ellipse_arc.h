@@ -11,7 +11,7 @@ public:
   ccRadian span() const { return span_; }  // its sign is the direction of travel
   void span(ccRadian);                     // beyond a full turn: ccShapesError::BadParams
 
-  ccPoint pointAt(double t) const { return conic_.at(start_ + span_ * t); }  // t from 0 to 1
+  ccPoint pointAt(double t) const { return conic_.at(start_ + span_ * cf_finite(t, "parameter of an arc")); }  // t from 0 to 1
   ccPoint startPoint() const { return pointAt(0); }
   ccPoint midPoint() const { return pointAt(0.5); }
   ccPoint endPoint() const { return pointAt(1); }

@@ -56,6 +56,7 @@ public:
   // The rounding of a vertex as it is drawn. It does not fit, and the vertex counts as sharp, for size 0, at an end, where no
   // such circle exists, and where it would overlap with the rounding of a vertex before.
   cs_PolyRounding rounding(long i) const;
+  std::vector<cs_PolyRounding> roundings() const;  // of all vertices, in one pass
 
   // All numbers are finite, and every rounding of an inner vertex fits and leaves room for its neighbours. An empty polygon is
   // valid, and so are coincident vertices. Who makes a candidate tests this before it is shown or stored.

@@ -79,6 +79,20 @@ cs_PolyRounding ccGenPoly::rounding(long i) const
   return isRounded ? own : cs_PolyRounding();
 }
 
+std::vector<cs_PolyRounding> ccGenPoly::roundings() const
+{
+  std::vector<cs_PolyRounding> all;
+  all.reserve(vertices_.size());
+  long const last = numVertices() - 1;
+  for (long i = 0; i <= last; ++i) {
+    cs_PolyRounding own = corner_(i);
+    if (i > 0 && (cf_overlap(all.back(), own) || (i == last && cf_overlap(own, all.front()))))
+      own = cs_PolyRounding();
+    all.push_back(own);
+  }
+  return all;
+}
+
 // Calls piece for each segment between its roundings and for each rounding that fits, in order of travel: from the end of the
 // rounding of vertex 0 to there again, or from end to end. There are two vertices or more.
 template <class Piece> void ccGenPoly::forEachPiece_(Piece const& piece) const
@@ -150,7 +164,7 @@ bool ccGenPoly::isValid() const
 double ccGenPoly::distanceToPoint(ccVector<2> const& p) const
 {
   if (numVertices() < 2)
-    return vertices_.empty() ? cfInfinity : p.distance(vertices_[0].point);
+    return vertices_.empty() ? cfInfinity : cf_distance(p.distance(vertices_[0].point));
   double best = cfInfinity;
   forEachPiece_([&](cs_PolySegment const& s) {
     // An arc of at most half a turn lies within the circle over its chord.
@@ -168,6 +182,7 @@ ccRect ccGenPoly::encloseRect() const { return encloseRect(ccXform<2>::I); }
 
 ccRect ccGenPoly::encloseRect(ccXform<2> const& x) const
 {
+  cf_finite(x, "map of a polygon");
   cs_Bounds bounds;
   if (numVertices() == 1)
     bounds.add(x.mapPoint(vertices_[0].point));
@@ -214,6 +229,7 @@ bool ccGenPoly::keepsClass_(ccXform<2> const& x) const
 
 void ccGenPoly::mapInPlace_(ccXform<2> const& x)
 {
+  cf_finite(x, "map of a polygon");
   cf_require(keepsClass_(x), "map of a polygon with arcs that makes them elliptic");
   double scale = 1;
   ccRadian rot;
@@ -230,6 +246,8 @@ void ccGenPoly::mapInPlace_(ccXform<2> const& x)
 void ccGenPoly::mapInPlace_(cc2Rigid const& rigid, double scale)
 {
   cf_finite(scale, "scale of a polygon");
+  cf_finite(rigid.trans(), "map of a polygon");
+  cf_finite(ccRadian(rigid.angle()), "map of a polygon");
   for (ccSMDGDPolyVertex& v : vertices_) {
     v.point = rigid.mapPoint(v.point * scale);
     v.roundingSize *= std::abs(scale);

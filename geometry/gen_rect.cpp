@@ -6,6 +6,7 @@
 namespace {
 
 constexpr double kSingular = 1e-12;  // sine of the angle between images that count as parallel
+constexpr double kLeastHalf = std::numeric_limits<double>::min();  // below it there is no reciprocal
 constexpr double kNoLength = 1e-14;  // of an image against the size of the map
 
 double cf_fraction(double round, double half)
@@ -123,11 +124,13 @@ ccVector<2> ccGenRect::toUnit(ccVector<2> const& offset) const
 
 ccXform<2> ccGenRect::xformTo(ccGenRect const& other) const
 {
-  bool const noX = hx_ == 0, noY = hy_ == 0;
-  ccMatrix<2> const from = cf_fromUnit(noX ? 1 : hx_, noY ? 1 : hy_, handed_, skew_, orient_);
+  bool const noX = hx_ < kLeastHalf, noY = hy_ < kLeastHalf;
+  double const hx = noX ? 1 : hx_, hy = noY ? 1 : hy_;
+  ccMatrix<2> const from = cf_fromUnit(hx, hy, handed_, skew_, orient_);
   ccMatrix<2> const to =
       cf_fromUnit(noX ? 1 : other.hx_, noY ? 1 : other.hy_, other.handed_, other.skew_, other.orient_);
-  ccMatrix<2> const m = from == to ? ccMatrix<2>() : to * from.inverse();
+  // The inverse by its formula, since a determinant underflows early.
+  ccMatrix<2> const m = from == to ? ccMatrix<2>() : to * genRectMatrix(hx, handed_ * (hy / hx), skew_, orient_);
   return ccXform<2>(m, other.center_ - m * center_);
 }
 
@@ -244,21 +247,22 @@ std::optional<ccGenRect> cfGenRectSize(ccGenRect const& r, ccVector<2> const& un
   double const c = std::cos(r.orient().value()), s = std::sin(r.orient().value());
   double hx = std::abs(d.y() * s + d.x() * c), hy = std::abs(d.y() * c - d.x() * s);
   if (keepAspect && r.hx() != 0)
-    hy = hx * r.hy() / r.hx();
+    hy = hx * (r.hy() / r.hx());  // so that a circle stays one to the last bit
   if (std::abs(unit.x()) != 1)
     hx = r.hx();
   if (std::abs(unit.y()) != 1)
     hy = r.hy();
-  if (!(hx > 0) || !(hy > 0) || !std::isfinite(hx) || !std::isfinite(hy))
+  if (!(hx > 0) || !(hy > 0) || !std::isfinite(hx) || !std::isfinite(hy * std::tan(r.skew().value())) ||
+      !cf_isFinite(center))
     return std::nullopt;
   return ccGenRect(center, hx, hy, r.handed(), r.skew(), r.orient(), r.rounding());
 }
 
 std::optional<ccGenRect> cfGenRectRound(ccGenRect const& r, ccVector<2> const& unit, ccPoint const& p)
 {
-  if (!cf_isFinite(p))
-    return std::nullopt;
   ccVector<2> const u = r.toUnit(p - r.center());
+  if (!cf_isFinite(u))
+    return std::nullopt;
   ccGenRect result = r;
   result.rounding(ccVector<2>(1 - std::clamp(u.x() * unit.x(), 0.0, 1.0), 1 - std::clamp(u.y() * unit.y(), 0.0, 1.0)));
   return result;

@@ -77,8 +77,9 @@ private:
 ccMatrix<2> genRectMatrix(double hx, double ratio, ccRadian skew, ccRadian orient);
 
 // The rectangle after a corner (unit position x, y of +-1) was dragged to p, with fixedPoint opposite; with keepCentre the
-// centre stays instead. keepAspect holds the ratio of y to x half length. Empty if a new length is 0.
+// centre stays instead. keepAspect holds the ratio of y to x half length. A unit position whose x (y) is not +-1 keeps the x
+// (y) half length. Empty if a new length is 0 or not finite.
 std::optional<ccGenRect> cfGenRectSize(ccGenRect const&, ccVector<2> const& unit, ccPoint const& fixedPoint,
                                        ccPoint const& p, bool keepCentre, bool keepAspect);
-// The rounding after the handle of the corner (unit position x, y of +-1) was dragged to p.
+// The rounding after the handle of the corner (unit position x, y of +-1) was dragged to p. Empty if p is not finite.
 std::optional<ccGenRect> cfGenRectRound(ccGenRect const&, ccVector<2> const& unit, ccPoint const& p);

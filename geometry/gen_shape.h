@@ -1,4 +1,5 @@
-// Bases of things that draw themselves. Here they only tell where they are; how they draw is told to the canvas.
+// Bases of things that draw themselves. Here they only tell where they are; how they draw is told to the canvas. They are held
+// by handles and made with new.
 #pragma once
 
 #include "geometry/rect.h"

@@ -69,7 +69,7 @@ ccHermiteSpline ccHermiteSpline::map(ccXform<2> const& x) const
   mapped.mapPoints_(x);
   for (std::optional<ccVector<2>>& tangent : mapped.tangents_)
     if (tangent)
-      tangent = x.mapVector(*tangent);
+      tangent = cf_finite(x.mapVector(*tangent), "image of a spline's tangent");
   return mapped;
 }
 

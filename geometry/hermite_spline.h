@@ -1,6 +1,7 @@
 // A cubic spline through its control points with a tangent in each. A tangent is the derivative by the parameter, which runs
 // by 1 from point to point. One that was never set is automatic: half the way from the point before to the point after, at
-// the ends of an open spline the way between the two last points. It follows its neighbours.
+// the ends of an open spline the way between the two last points. It follows its neighbours. (Automatic ones make the spline of
+// E. Catmull and R. Rom, "A class of local interpolating splines", 1974.)
 #pragma once
 
 #include "geometry/cubic_spline.h"

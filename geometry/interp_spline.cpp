@@ -91,6 +91,8 @@ void ccInterpSpline::fit_()
   if (numControlPoints() < 2)
     return;
   isClosed() ? fitClosed_() : fitOpen_();
+  for (ccVector<2> const& tangent : tangents_)
+    cf_finite(tangent, "spline through points whose differences overflow");
 }
 
 void ccInterpSpline::measure_()
@@ -187,9 +189,9 @@ ccInterpSpline ccInterpSpline::map(ccXform<2> const& x) const
   ccInterpSpline mapped(*this);
   mapped.mapPoints_(x);
   for (ccVector<2>& tangent : mapped.tangents_)
-    tangent = x.mapVector(tangent);
+    tangent = cf_finite(x.mapVector(tangent), "image of a spline's tangent");
   for (ccVector<2>& tangent : mapped.endTangents_)
-    tangent = x.mapVector(tangent);
+    tangent = cf_finite(x.mapVector(tangent), "image of a spline's tangent");
   return mapped;
 }
 

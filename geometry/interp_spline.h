@@ -1,5 +1,10 @@
 // A cubic spline through its control points whose second derivative is continuous. The curve is computed at each edit and
 // stored; map maps what is stored and does not interpolate anew, so that it is exact where chord lengths change unevenly, too.
+//
+// The tangents solve a tridiagonal system by elimination without exchange of rows, which its dominant diagonal allows: C. de
+// Boor, "A Practical Guide to Splines" (1978). Intervals by the root of the chord: E. T. Y. Lee, "Choosing nodes in parametric
+// curve interpolation", Computer-Aided Design 21 (1989). Points so far apart that a tangent overflows throw
+// ccShapesError::BadParams.
 #pragma once
 
 #include "geometry/cubic_spline.h"

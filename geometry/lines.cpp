@@ -13,7 +13,7 @@ void ccLine::pos(ccPoint const& p) { pos_ = cf_finite(p, "point of a line"); }
 
 double ccLine::distToPoint(ccVector<2> const& p) const
 {
-  return std::abs(cf_cross(dir_, p - pos_));
+  return cf_distance(std::abs(cf_cross(dir_, p - pos_)));
 }
 
 bool ccLine::clip(ccRect const& r, ccLineSeg& part) const
@@ -33,7 +33,10 @@ bool ccLine::clip(ccRect const& r, ccLineSeg& part) const
   }
   if (!(first <= last))
     return false;
-  part = ccLineSeg(pos_ + dir_ * first, pos_ + dir_ * last);
+  ccPoint const p1 = pos_ + dir_ * first, p2 = pos_ + dir_ * last;
+  if (!cf_isFinite(p1) || !cf_isFinite(p2))
+    return false;  // a rectangle beyond all bounds
+  part = ccLineSeg(p1, p2);
   return true;
 }
 
@@ -44,7 +47,12 @@ ccLineSeg::ccLineSeg(ccPoint const& p1, ccPoint const& p2)
 
 void ccLineSeg::p1(ccPoint const& p) { p1_ = cf_finite(p, "end of a segment"); }
 void ccLineSeg::p2(ccPoint const& p) { p2_ = cf_finite(p, "end of a segment"); }
-ccPoint ccLineSeg::closestPoint(ccVector<2> const& q) const { return cf_closestOnSegment(p1_, p2_, q); }
+ccPoint ccLineSeg::closestPoint(ccVector<2> const& q) const 
+{
+  return cf_closestOnSegment(p1_, p2_, cf_finite(q, "place near a segment"));
+}
+
+double ccLineSeg::distanceToPoint(ccVector<2> const& p) const { return cf_segmentDistance(p1_, p2_, p); }
 
 ccRect ccLineSeg::encloseRect() const
 {
@@ -60,3 +68,10 @@ void ccLineSeg::outline(ccOutlineSink& sink) const
 
 ccPtrHandle<ccShape> ccLineSeg::clone_() const { return new ccLineSeg(*this); }
 ccPtrHandle_const<ccShape> ccLineSeg::map_(ccXform<2> const& x) const { return new ccLineSeg(map(x)); }
+
+ccPoint cfLineSegEnd(ccLineSeg const& s, int end) { return end == 1 ? s.p1() : end == 2 ? s.p2() : s.midPoint(); }
+
+ccLineSeg cfMoveLineSegEnd(ccLineSeg const& s, int end, ccPoint const& to)
+{
+  return end == 1 ? ccLineSeg(to, s.p2()) : end == 2 ? ccLineSeg(s.p1(), to) : s;
+}

@@ -3,7 +3,8 @@
 
 #include "geometry/rect.h"
 
-// Direction first. A zero direction throws ccMathError::Singular. By default through (0,0) along +x.
+// Direction first. A zero direction throws ccMathError::Singular, also that of an image. By default through (0,0) along +x. No
+// shape: it has no box.
 class ccLine {
 public:
   ccLine() = default;
@@ -15,7 +16,7 @@ public:
   ccRadian angle() const { return dir_.angle(); }
   ccLine map(ccXform<2> const& x) const { return ccLine(x.mapVector(dir_), x.mapPoint(pos_)); }
   double distToPoint(ccVector<2> const& p) const;
-  bool clip(ccRect const&, ccLineSeg&) const;  // the part inside the rectangle; false if there is none
+  bool clip(ccRect const&, ccLineSeg&) const;  // the part inside the rectangle; false if there is none. Never throws.
   friend bool operator==(ccLine const& a, ccLine const& b) { return a.dir_ == b.dir_ && a.pos_ == b.pos_; }
 
 private:
@@ -40,7 +41,7 @@ public:
   friend bool operator==(ccLineSeg const& a, ccLineSeg const& b) { return a.p1_ == b.p1_ && a.p2_ == b.p2_; }
 
   double distToPoint(ccVector<2> const& p) const { return distanceToPoint(p); }
-  double distanceToPoint(ccVector<2> const& p) const override { return closestPoint(p).distance(p); }
+  double distanceToPoint(ccVector<2> const&) const override;
   ccRect encloseRect() const override;
   void outline(ccOutlineSink&) const override;
 
@@ -51,3 +52,7 @@ protected:
 private:
   ccPoint p1_, p2_;
 };
+
+// The ends of a segment by number, 1 or 2; another number gives the middle, and moves nothing.
+ccPoint cfLineSegEnd(ccLineSeg const&, int end);
+ccLineSeg cfMoveLineSegEnd(ccLineSeg const&, int end, ccPoint const& to);

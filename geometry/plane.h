@@ -2,7 +2,7 @@
 #pragma once
 
 #include "foundation/math_error.h"
-#include "foundation/vector.h"
+#include "foundation/xform.h"
 
 #include <limits>
 
@@ -14,6 +14,16 @@ inline ccVector<2> cf_leftNormal(ccVector<2> const& v) { return ccVector<2>(-v.y
 inline bool cf_isFinite(double v) { return std::isfinite(v); }
 inline bool cf_isFinite(ccRadian a) { return std::isfinite(a.value()); }
 inline bool cf_isFinite(ccVector<2> const& v) { return std::isfinite(v.x()) && std::isfinite(v.y()); }
+inline bool cf_isFinite(ccXform<2> const& x)
+{
+  ccMatrix<2> const& m = x.matrix();
+  return cf_isFinite(x.trans()) && std::isfinite(m.element(0, 0)) && std::isfinite(m.element(0, 1)) &&
+         std::isfinite(m.element(1, 0)) && std::isfinite(m.element(1, 1));
+}
+
+// A distance that cannot be told, of a place that is not finite or where a difference overflows, counts as infinite: such a
+// place touches nothing.
+inline double cf_distance(double d) { return std::isnan(d) ? cfInfinity : d; }
 
 // What is asked of arguments; a refusal throws ccShapesError::BadParams.
 inline void cf_require(bool good, char const* what)
@@ -37,5 +47,5 @@ inline double cf_length(double value, char const* what)
 ccVector<2> cf_closestOnSegment(ccVector<2> const& a, ccVector<2> const& b, ccVector<2> const& q);
 inline double cf_segmentDistance(ccVector<2> const& a, ccVector<2> const& b, ccVector<2> const& q)
 {
-  return cf_closestOnSegment(a, b, q).distance(q);
+  return cf_distance(cf_closestOnSegment(a, b, q).distance(q));
 }

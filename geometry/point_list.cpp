@@ -1,9 +1,14 @@
 #include "geometry/point_list.h"
 
-cc_PointList cf_checkedPoints(cc_PointList points)
+void cf_requireFinite(cc_PointList const& points)
 {
   for (ccVector<2> const& p : points)
     cf_finite(p, "point of a shape");
+}
+
+cc_PointList cf_checkedPoints(cc_PointList points)
+{
+  cf_requireFinite(points);
   return points;
 }
 

@@ -7,7 +7,8 @@
 
 using cc_PointList = std::vector<ccVector<2>>;
 
-cc_PointList cf_checkedPoints(cc_PointList points);  // one that is not finite throws ccShapesError::BadParams
+void cf_requireFinite(cc_PointList const&);            // one that is not finite throws ccShapesError::BadParams
+cc_PointList cf_checkedPoints(cc_PointList points);  // the same
 ccVector<2> const& cf_checkedPoint(cc_PointList const&, long i);
 cc_PointList cf_mappedPoints(cc_PointList const&, ccXform<2> const&);
 ccRect cf_boxOfPoints(cc_PointList const&);

@@ -42,3 +42,26 @@ void ccPointSet::outline(ccOutlineSink& sink) const
 
 ccPtrHandle<ccShape> ccPointSet::clone_() const { return new ccPointSet(*this); }
 ccPtrHandle_const<ccShape> ccPointSet::map_(ccXform<2> const& x) const { return new ccPointSet(map(x)); }
+
+namespace {
+
+std::optional<ccPointSet> cf_mapAboutFirst(ccPointSet const& set, ccMatrix<2> const& m)
+{
+  ccXform<2> const x(m, ccVector<2>());
+  if (set.degen() || !cf_isFinite(x))
+    return std::nullopt;
+  ccPointSet const image = set.mapCentered(x);
+  return image.degen() ? std::nullopt : std::optional<ccPointSet>(image);
+}
+
+}  // namespace
+
+std::optional<ccPointSet> cfPointSetTurn(ccPointSet const& set, ccRadian by)
+{
+  return cf_mapAboutFirst(set, ccMatrix<2>(by, 1));
+}
+
+std::optional<ccPointSet> cfPointSetScale(ccPointSet const& set, double factor)
+{
+  return cf_mapAboutFirst(set, ccMatrix<2>(factor, 0, 0, factor));
+}

@@ -3,6 +3,7 @@
 
 #include "geometry/shape.h"
 
+#include <optional>
 #include <vector>
 
 class ccPointSet : public ccShape {
@@ -33,3 +34,8 @@ protected:
 private:
   std::vector<ccVector<2>> points_;
 };
+
+// The set turned, and scaled, about its first point. Empty if the set or the result is degenerate: a result without direction
+// could never be dragged back.
+std::optional<ccPointSet> cfPointSetTurn(ccPointSet const&, ccRadian by);
+std::optional<ccPointSet> cfPointSetScale(ccPointSet const&, double factor);

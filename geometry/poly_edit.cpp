@@ -162,7 +162,7 @@ ccRadian ccSMDGDPolyPrivate::dominantAngle(ccSMDGDPoly const& poly)
     y += length * 2 * x2 * y2;
     total += length;
   }
-  if (std::hypot(x, y) <= kNoDominance * total)
+  if (!(std::hypot(x, y) > kNoDominance * total))
     return ccRadian(0);
   double const angle = std::atan2(y, x) / 4;
   return ccRadian(angle <= -cfPi / 4 ? cfPi / 4 : angle);
@@ -193,10 +193,11 @@ void ccSMDGDPolyPrivate::snapRectilinear(ccSMDGDPoly& poly)
 
   ccSMDGDPoly snapped = poly;
   cf_store(snapped, vertices, !poly.isOpen());
-  long const count = poly.numVertices();
-  for (long i = poly.isOpen() ? 1 : 0; i < (poly.isOpen() ? count - 1 : count); ++i)
-    if (!snapped.wireframe().rounding(i).fits)
-      vertices[static_cast<std::size_t>(i)].roundingSize = 0;
+  std::vector<cs_PolyRounding> const roundings = snapped.wireframe().roundings();
+  std::size_t const ends = poly.isOpen() ? 1 : 0;
+  for (std::size_t i = ends; i + ends < vertices.size(); ++i)
+    if (!roundings[i].fits)
+      vertices[i].roundingSize = 0;
   cf_store(poly, std::move(vertices), !poly.isOpen());
 }
 
@@ -290,7 +291,7 @@ std::optional<double> cfRoundingSize(ccGenPoly const& poly, long i, ccVector<2> 
 {
   constexpr double straight = 1e-15;  // radians
   long const before = poly.previousSegmentIndex(i), after = poly.nextSegmentIndex(i);
-  if (before < 0 || after < 0)
+  if (before < 0 || after < 0 || !cf_isFinite(q))
     return std::nullopt;
   if (std::abs(ccSMDGDPolyPrivate::vertexAngle(ccSMDGDPolyPrivate::poly(poly), i).value() - cfPi) <= straight)
     return std::nullopt;
@@ -307,5 +308,41 @@ std::optional<cc2Wireframe> cfClosePolygon(cc2Wireframe const& wire, long dragge
   if (draggedEnd == last)
     closed.vertexPoint(last - 1, wire.vertexPoint(0));
   closed.close(wire.segmentAngleSpan(0), wire.segmentLengthTol(0));
+  return closed;
+}
+
+cc2Wireframe cfSplitSegment(cc2Wireframe const& wire, long segment, ccVector<2> const& at, ccDimTol const& tol)
+{
+  ccRadian const half = wire.segmentAngleSpan(segment) / 2;
+  cc2Wireframe split = wire;
+  split.insertVertex(wire.previousVertexIndex(segment), at, 0, half, tol);
+  split.segmentAngleSpan(segment + 1, half);
+  return split;
+}
+
+cc2Wireframe cfExtendPolygon(cc2Wireframe const& wire, bool atFirst, ccVector<2> const& to, bool closes,
+                             ccDimTol const& tol)
+{
+  cc2Wireframe extended = wire;
+  if (wire.numVertices() < 2)
+    return extended;
+  if (!wire.isOpen())
+    extended.open();
+  else if (closes)
+    extended.close(ccRadian(0), tol);
+  else
+    extended.insertVertex(atFirst ? -1 : wire.numVertices() - 1, to, 0, ccRadian(0), tol);
+  return extended;
+}
+
+cc2Wireframe cfCloseRectilinear(cc2Wireframe const& wire, ccDimTol const& tol)
+{
+  ccSMDGDPoly poly(wire, "poly");
+  ccSMDGDPolyPrivate::closeRectilinear(poly);
+  cc2Wireframe closed = poly.wireframe();
+  long const last = closed.numSegments() - 1;
+  closed.segmentLengthTol(last, tol);
+  if (wire.numVertices() % 2 == 1)
+    closed.segmentLengthTol(last - 1, tol);
   return closed;
 }

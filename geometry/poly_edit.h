@@ -1,5 +1,7 @@
 // Edits of polygons that need the whole polygon, and the drags of its handles as pure functions.
 //
+// Points and sizes are in client units. What is tested by a tolerance says so; the rest is exact up to rounding.
+//
 // A polygon is rectilinear if all its segments are lines along x or y. A segment is H if it runs more along x than along y, else
 // V; one of length 0 counts as the other kind than the segment before it, the very first one as H.
 #pragma once
@@ -48,9 +50,19 @@ public:
 // takes.
 ccRadian cfArcSpanThrough(ccVector<2> const& a, ccVector<2> const& b, ccVector<2> const& q);
 
-// The rounding size of a vertex for a circle around q that reaches both its segments. Empty at the ends of an open polygon and
-// where the sides are in line.
+// The rounding size of a vertex for a circle around q that reaches both its segments. Empty at the ends of an open polygon,
+// where the sides are in line, and for a place that is not finite.
 std::optional<double> cfRoundingSize(ccGenPoly const&, long vertex, ccVector<2> const& q);
+
+// The polygon with a new vertex in a segment; both halves take half of its span, and the first one the tolerance.
+cc2Wireframe cfSplitSegment(cc2Wireframe const&, long segment, ccVector<2> const& at, ccDimTol const&);
+
+// The polygon after one of its ends was dragged to a point. A closed one is opened. An open one gets a vertex at that end, or
+// with closes set is closed there, each with the tolerance on the new segment. A single vertex stays as it is.
+cc2Wireframe cfExtendPolygon(cc2Wireframe const&, bool atFirst, ccVector<2> const& to, bool closes, ccDimTol const&);
+
+// closeRectilinear with tolerances: the last segment keeps its own, the new ones take the one given.
+cc2Wireframe cfCloseRectilinear(cc2Wireframe const&, ccDimTol const&);
 
 // An open polygon after one end was dragged onto the other. The dragged end goes and the polygon is closed there; the first
 // segment keeps its span and tolerance. Empty if the vertex is no end, the polygon is closed, or fewer than two vertices would

@@ -194,7 +194,7 @@ double cs_PolySegment::distance(ccVector<2> const& q) const
     return cf_segmentDistance(a, b, q);
   cs_ChordFrame frame(*this);
   frame.place(*this, q);
-  return frame.facesArc() ? std::abs(frame.signedDistance()) : std::min(q.distance(a), q.distance(b));
+  return cf_distance(frame.facesArc() ? std::abs(frame.signedDistance()) : std::min(q.distance(a), q.distance(b)));
 }
 
 void cs_PolySegment::addTo(cs_Bounds& bounds, ccXform<2> const& x) const

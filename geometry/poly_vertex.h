@@ -1,4 +1,4 @@
-// What a polygon records of a vertex and of the segment that leads to it.
+// What a polygon records of a vertex and of the segment that leads to it. Points and sizes are in client units.
 #pragma once
 
 #include "foundation/vector.h"

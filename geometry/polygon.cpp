@@ -8,6 +8,11 @@ ccPolyline::ccPolyline(std::vector<ccVector<2>> points, bool closed)
 }
 
 ccVector<2> const& ccPolyline::operator[](long i) const { return cf_checkedPoint(points_, i); }
+void ccPolyline::swapPoints(std::vector<ccVector<2>>& points)
+{
+  cf_requireFinite(points);
+  points_.swap(points);
+}
 ccPolyline ccPolyline::map(ccXform<2> const& x) const { return ccPolyline(cf_mappedPoints(points_, x), closed_); }
 double ccPolyline::distanceToPoint(ccVector<2> const& p) const { return cf_chainDistance(points_, closed_, p); }
 ccRect ccPolyline::encloseRect() const { return cf_boxOfPoints(points_); }
@@ -27,6 +32,11 @@ void ccPolygon::fillRule(int rule)
 }
 
 ccVector<2> const& ccPolygon::operator[](long i) const { return cf_checkedPoint(points_, i); }
+void ccPolygon::swapPoints(std::vector<ccVector<2>>& points)
+{
+  cf_requireFinite(points);
+  points_.swap(points);
+}
 ccPolygon ccPolygon::map(ccXform<2> const& x) const { return ccPolygon(cf_mappedPoints(points_, x), fillRule_); }
 double ccPolygon::distanceToPoint(ccVector<2> const& p) const { return cf_chainDistance(points_, true, p); }
 ccRect ccPolygon::encloseRect() const { return cf_boxOfPoints(points_); }

@@ -13,6 +13,9 @@ public:
   long size() const { return static_cast<long>(points_.size()); }
   ccVector<2> const& operator[](long i) const;
   std::vector<ccVector<2>> const& points() const { return points_; }
+  // Exchanges the points, so that one object serves many figures without new memory. Ones that are not finite throw
+  // ccShapesError::BadParams, and nothing is exchanged.
+  void swapPoints(std::vector<ccVector<2>>&);
   bool closed() const { return closed_; }
   void closed(bool c) { closed_ = c; }
 
@@ -47,6 +50,7 @@ public:
   long size() const { return static_cast<long>(points_.size()); }
   ccVector<2> const& operator[](long i) const;
   std::vector<ccVector<2>> const& points() const { return points_; }
+  void swapPoints(std::vector<ccVector<2>>&);  // as of a polyline
   int fillRule() const { return fillRule_; }
   void fillRule(int);
 

@@ -1,5 +1,6 @@
 // An axis-parallel rectangle in doubles. It is not normalised: a negative size is kept. The default one, all zero, is null:
-// the neutral element of |, and "no clip" where it limits drawing.
+// the neutral element of |, and "no clip" where it limits drawing. A size that is not finite, also of what | would give, throws
+// ccShapesError::BadParams.
 #pragma once
 
 #include "geometry/shape.h"

@@ -1,10 +1,12 @@
 #include "geometry/root_finder.h"
 
 #include <algorithm>
+#include <limits>
 
 namespace {
 
 constexpr double kRounding = 4e-15;      // of the sum of the absolute terms of a coefficient
+constexpr double kLeastWeight = 1e-200;  // against the largest one: below it a quotient of weights would underflow
 constexpr double kLeastInterval = 1e-9;  // of the parameter
 constexpr int kMaxNodes = 300;
 constexpr int kMaxDepth = 32;  // 2^-30 is below the least interval
@@ -195,7 +197,7 @@ cs_RationalCurve cf_withUnitWeights(cs_RationalCurve curve)  // the largest weig
 {
   double const largest = *std::max_element(curve.weights, curve.weights + curve.degree + 1);
   for (int i = 0; i <= curve.degree; ++i)
-    curve.weights[i] /= largest;
+    curve.weights[i] = std::max(curve.weights[i] / largest, kLeastWeight);
   return curve;
 }
 
@@ -272,6 +274,9 @@ cs_Nearest cf_nearest(cs_RationalCurve const& given, ccVector<2> const& q)
     curve.points[i] = curve.points[i] - q;
     size = std::max({size, std::abs(curve.points[i].x()), std::abs(curve.points[i].y())});
   }
+  // A place that is not finite touches nothing.
+  if (!std::isfinite(q.x()) || !std::isfinite(q.y()))
+    return {0, std::numeric_limits<double>::infinity()};
   if (!(size > 0))
     return {};
   cs_Poly const x = cf_coordinate(curve, 0, 0, 1 / size), y = cf_coordinate(curve, 1, 0, 1 / size);

@@ -1,5 +1,9 @@
 // The numeric kernel of curves: nearest points, extremes and the real roots behind them. It serves ellipses, Bezier curves
-// and splines. Nothing here allocates.
+// and splines. Nothing here allocates or throws.
+//
+// The signs of Bernstein coefficients bound the number of roots, and halving by de Casteljau's algorithm isolates them: J. M.
+// Lane and R. F. Riesenfeld, "Bounds on a polynomial", BIT 21 (1981). The nearest point as such a root: P. J. Schneider, "Solving
+// the nearest-point-on-curve problem", Graphics Gems (1990). A single root is found by Newton's steps that are kept in a bracket.
 #pragma once
 
 #include "foundation/vector.h"

@@ -29,7 +29,7 @@ cc2SegmentArc::cc2SegmentArc(ccEllipseArc const& arc)
 ccPoint cc2SegmentArc::closestPoint(ccVector<2> const& q) const
 {
   ccPoint const first = xform_ * ccVector<2>::polar(1, start_);
-  ccVector<2> const d = q - xform_.trans();
+  ccVector<2> const d = cf_finite(q, "place near an arc") - xform_.trans();
   if (d == ccVector<2>() || first == xform_.trans())
     return first;
   // A similarity keeps which point is nearest. The matrix is a multiple of an orthogonal one, so that its transpose inverts it

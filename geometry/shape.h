@@ -1,14 +1,22 @@
 // Base of all shapes: pure values with a distance, a box and an outline. Distance means distance to the outline, never to the
-// filled region; it is infinite for a shape without points. Coordinates are doubles, y points down on screen, angles grow
-// from +x towards +y. An index out of range, a number that is not finite and a negative radius or length throw
-// ccShapesError::BadParams; a setter that throws leaves the object as it was. Objects may be read by several threads at once.
+// filled region; it is infinite for a shape without points, and for a place that is not finite. Coordinates are doubles in
+// whatever coordinate system the client draws in, y points down on screen, angles grow from +x towards +y. Every map is affine.
+//
+// An index out of range, an argument that is not finite (but for the place whose distance is asked), an image or a box that would not be finite, and a negative radius or
+// length throw ccShapesError::BadParams; a setter that throws leaves the object as it was. Zero lengths and coincident points
+// are legal unless a class says otherwise. Objects may be read by several threads at once. A shape under a handle is made with
+// new; a value on the stack or in a field is nobody's but its owner's.
+//
+// Closed formulas are right to 1e-12 of the largest coordinate. What uses the root finder, which is distances of ellipses,
+// roundings and curves and boxes of rational curves, is right to 1e-9 of it. Distances and boxes take no memory from the heap.
 #pragma once
 
 #include "foundation/handle.h"
 #include "foundation/xform.h"
 #include "geometry/fwd.h"
 
-// Receives an outline stroke by stroke; consecutive pieces of one stroke share end points.
+// Receives an outline stroke by stroke; consecutive pieces of one stroke share end points (to 1e-12 of the largest coordinate
+// where an arc is one of them). The sink stays the caller's, and what it is given is the shape's: good during the call only.
 class ccOutlineSink {
 public:
   virtual ~ccOutlineSink() = default;

@@ -1,6 +1,7 @@
 #include "geometry/shape_tree.h"
 
 #include "geometry/bounds.h"
+#include "geometry/gen_rect.h"
 
 namespace {
 
@@ -8,6 +9,19 @@ namespace {
 bool cf_hasPoints(ccShape const& shape, ccRect const& box)
 {
   return !box.isNull() || shape.distanceToPoint(ccVector<2>()) < cfInfinity;
+}
+
+constexpr int kMaxLevels = 1000;  // each takes a part of the stack
+
+// Whether the shape can hang levels below the top without holding the top itself.
+bool cf_canHang(ccShape const& shape, ccShape const& top, int levels)
+{
+  auto const* tree = dynamic_cast<ccShapeTree const*>(&shape);
+  if (!tree)
+    return true;
+  return tree != &top && levels < kMaxLevels &&
+         std::all_of(tree->shapes().begin(), tree->shapes().end(),
+                     [&](auto const& child) { return cf_canHang(*child, top, levels + 1); });
 }
 
 }  // namespace
@@ -23,6 +37,7 @@ void ccShapeTree::addShape(ccPtrHandle_const<ccShape> const& shape)
 {
   if (!shape)
     cf_throwBadPointer();
+  cf_require(cf_canHang(*shape, *this, 1), "tree that holds itself or is too deep");
   shapes_.push_back(shape);
 }
 
@@ -88,4 +103,18 @@ ccPtrHandle_const<ccShape> cfShapeMapShapePosition(ccShape const& shape, ccXform
   }
   ccPoint const center = shape.encloseRect().center();
   return shape.map(ccXform<2>(ccMatrix<2>(), x.mapPoint(center) - center));
+}
+
+ccXform<2> cfTurnPosition(ccXform<2> const& x, ccRadian by)
+{
+  ccMatrix<2> const& m = x.matrix();
+  return ccXform<2>(ccMatrix<2>::fromRotation(m.rotation() + by, m.shear(), m.aspect(), m.scale()), x.trans());
+}
+
+ccXform<2> cfSizePosition(ccXform<2> const& x, ccGenRect const& current, ccGenRect const& edited)
+{
+  ccMatrix<2> const& m = x.matrix();
+  ccXform<2> const a = current.xformTo(edited);
+  return ccXform<2>(ccMatrix<2>(m.xRot(), m.yRot(), m.xScale() * a.matrix().xScale(), m.yScale() * a.matrix().yScale()),
+                    a.trans());
 }

@@ -10,7 +10,8 @@ public:
   ccShapeTree() = default;
   explicit ccShapeTree(std::vector<ccPtrHandle_const<ccShape>> shapes);  // a null handle throws ccBadPointer
 
-  void addShape(ccPtrHandle_const<ccShape> const&);  // null: ccBadPointer
+  // null: ccBadPointer. A tree that holds this one, or of more than 1000 levels: ccShapesError::BadParams.
+  void addShape(ccPtrHandle_const<ccShape> const&);
   std::vector<ccPtrHandle_const<ccShape>> const& shapes() const { return shapes_; }
   long size() const { return static_cast<long>(shapes_.size()); }
 
@@ -34,3 +35,9 @@ private:
 // Moves shapes without reshaping them: each leaf of a tree, or a shape that is none, is shifted as the map shifts the centre
 // of its box. The result is never null.
 ccPtrHandle_const<ccShape> cfShapeMapShapePosition(ccShape const&, ccXform<2> const&);
+
+// Position maps after a drag of the rectangle around the shapes: turned, with the translation kept; and sized from the current
+// rectangle to the edited one, with the rotations of the axes kept. A map without x scale cannot be turned and throws
+// ccMathError::Singular.
+ccXform<2> cfTurnPosition(ccXform<2> const&, ccRadian by);
+ccXform<2> cfSizePosition(ccXform<2> const&, ccGenRect const& current, ccGenRect const& edited);

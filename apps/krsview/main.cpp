@@ -42,19 +42,55 @@ bool cf_startWindows(ccViewOptions const& options)
   init.video = plat::InitOptions::headless;
   init.depth = options.depth;
   // A display is never larger than its screen.
-  init.screen = {static_cast<plat::i32>(std::max(options.width, 1280L)),
-                 static_cast<plat::i32>(std::max(options.height, 1024L))};
+  init.screen = {static_cast<plat::i32>(std::max(options.width(), 1280L)),
+                 static_cast<plat::i32>(std::max(options.height(), 1024L))};
   if (!plat::init(init))
     throw std::runtime_error("cannot start a headless screen");
   return false;
 }
 
+// The pictures of all pages; the folder is made if there is none.
+int cf_writePages(ccViewer& viewer, std::filesystem::path const& folder)
+{
+  std::error_code error;
+  std::filesystem::create_directories(folder, error);
+  for (long i = 0; i < viewer.gallery()->size(); ++i) {
+    viewer.gallery()->show(i);
+    plat::testing::drain();
+    std::filesystem::path const file = folder / ("gallery_" + viewer.gallery()->name() + ".png");
+    if (std::string const failed = viewer.writeShot(file.string()); !failed.empty()) {
+      std::cerr << "krsview: " << failed << "\n";
+      return badOption;
+    }
+  }
+  return allWell;
+}
+
 int cf_view(ccViewOptions options)
 {
-  if (options.images.empty())
+  // Before any window opens: a drawing is shown whole or not at all.
+  std::vector<ccDrawing> drawings;
+  for (std::string const& file : options.draw) {
+    drawings.push_back(cfReadDrawFile(file));
+    if (!drawings.back()) {
+      std::cerr << "krsview: " << drawings.back().error << "\n";
+      return badFile;
+    }
+  }
+  if (options.images.empty() && !options.gallery)
     options.images.push_back(cf_samplesFolder());
   bool const headless = !cf_startWindows(options);
   ccViewer viewer(options, std::cerr);
+  if (options.gallery && !options.page.empty() && !viewer.showPage(options.page)) {
+    std::cerr << "krsview: no page of the gallery has the name " << options.page << "; there are";
+    for (long i = 0; i < viewer.gallery()->size(); ++i)
+      std::cerr << (i == 0 ? " " : ", ") << viewer.gallery()->name(i);
+    std::cerr << "\n";
+    return badOption;
+  }
+  if (!options.pages.empty())
+    return cf_writePages(viewer, options.pages);
+  viewer.draw(drawings);
   viewer.open(options.images);
   plat::testing::drain();
   if (!options.script.empty()) {

@@ -66,9 +66,11 @@ std::string cfParseViewOptions(std::vector<std::string> const& arguments, ccView
     if (option == "--window") {
       if (!takeValue())
         return needs;
-      if (!cf_two(value, 'x', options.width, options.height) || options.width < 1 || options.height < 1 ||
-          options.width > kMaxSide || options.height > kMaxSide)
+      long width = 0, height = 0;
+      if (!cf_two(value, 'x', width, height) || width < 1 || height < 1 || width > kMaxSide || height > kMaxSide)
         return bad + value + " (WIDTHxHEIGHT, 1 to 16384)";
+      options.givenWidth = width;
+      options.givenHeight = height;
     } else if (option == "--depth") {
       if (!takeValue())
         return needs;
@@ -128,7 +130,25 @@ std::string cfParseViewOptions(std::vector<std::string> const& arguments, ccView
       if (value.empty())
         return bad + "an empty file name";
       options.shot = value;
-    } else if (option == "--fit")
+    } else if (option == "--draw") {
+      if (!takeValue())
+        return needs;
+      if (value.empty())
+        return bad + "an empty file name";
+      options.draw.push_back(value);
+    } else if (option == "--page") {
+      if (!takeValue())
+        return needs;
+      options.page = value;
+    } else if (option == "--pages") {
+      if (!takeValue())
+        return needs;
+      if (value.empty())
+        return bad + "an empty folder name";
+      options.pages = value;
+    } else if (option == "--gallery")
+      options.gallery = true;
+    else if (option == "--fit")
       options.fit = ccViewOptions::fitWhole;
     else if (option == "--fit-exact")
       options.fit = ccViewOptions::fitExact;
@@ -147,6 +167,10 @@ std::string cfParseViewOptions(std::vector<std::string> const& arguments, ccView
     if (attached)
       return option + " takes no value";
   }
+  if (!options.gallery && (!options.page.empty() || !options.pages.empty()))
+    return std::string(options.page.empty() ? "--pages" : "--page") + " goes with --gallery only";
+  if (options.gallery && (!options.images.empty() || !options.draw.empty()))
+    return "--gallery takes neither images nor --draw";
   return "";
 }
 
@@ -163,6 +187,10 @@ char const* cfViewHelp()
          "  --pan X,Y        pan in image pels, after mag or fit\n"
          "  --mode MODE      what the left button does: pointer, pan, zoom-in or zoom-out\n"
          "  --overlay KIND   none, plane (a layer of its own) or chroma (keyed graphics of the application)\n"
+         "  --draw FILE.json draw what a file says over the images; may be given several times\n"
+         "  --gallery        page through all that the library draws, in place of images\n"
+         "  --page NAME      the page of the gallery to begin with\n"
+         "  --pages FOLDER   write the picture of each page of the gallery into a folder\n"
          "  --quit-after S   end after so many seconds\n"
          "  --script FILE    do what the lines of a file say (- for standard input)\n"
          "  --headless       open no window\n"
@@ -173,6 +201,7 @@ char const* cfViewHelp()
          "\n"
          "Keys: Page Down and Page Up step through the images, + and - zoom, 0 fits, 1 is one to one, arrows pan,\n"
          "P, A, I, O choose pointer, pan, zoom in and zoom out, Q quits. The wheel zooms at the cursor.\n"
+         "In the gallery the space bar and the left and right arrows turn pages, too.\n"
          "\n"
          "Exit status: 0 all well, 1 a bad option or an output that cannot be written, 2 a file that failed,\n"
          "3 a script's expectation that was not met, 4 a script line that is not understood.\n";

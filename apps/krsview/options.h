@@ -9,12 +9,18 @@ struct ccViewOptions {
   enum Fit { noFit, fitWhole, fitExact };
   enum Overlay { noOverlay, plane, chroma };
 
-  long width = 800, height = 600;  // client area of the window
+  std::optional<long> givenWidth, givenHeight;
+  long width() const { return givenWidth.value_or(gallery ? 640 : 800); }  // client area of the window
+  long height() const { return givenHeight.value_or(gallery ? 480 : 600); }
   int depth = 32;
   std::optional<long> mag;
   Fit fit = noFit;
   std::optional<std::pair<double, double>> pan;  // after mag or fit
-  Overlay overlay = noOverlay;
+  std::optional<Overlay> overlay;  // not given: a plane where something is drawn on it, else none
+  std::vector<std::string> draw;   // draw files
+  bool gallery = false;
+  std::string page;   // of the gallery, by name; empty for the first
+  std::string pages;  // folder for the pictures of all pages, empty for none
   bool headless = false;
   bool scrollBars = false;
   bool info = false;

@@ -4,6 +4,7 @@
 #include "apps/common/picture_file.h"
 #include "apps/krsview/show_image.h"
 #include "platform/app.h"
+#include "platform/objects.h"
 #include "platform/testing.h"
 #include "platform/window.h"
 
@@ -21,6 +22,7 @@ constexpr plat::u32 kChildStyle = 0x40000000;
 constexpr int kShow = 5, kShowChild = 4;
 
 constexpr unsigned kSize = 5, kClose = 16, kKeyDown = 256, kChar = 258, kTimer = 275, kWheel = 522;
+constexpr unsigned kSpace = 32;  // a virtual key
 constexpr plat::uptr kQuitTimer = 40;
 constexpr int kWheelNotch = 120;
 
@@ -67,7 +69,7 @@ ccViewer::ccViewer(ccViewOptions const& options, std::ostream& errors) : options
   plat::WindowDesc desc;
   desc.title = "krsview";
   desc.style = kTopStyle;
-  desc.rect = {0, 0, static_cast<plat::i32>(options.width), static_cast<plat::i32>(options.height)};
+  desc.rect = {0, 0, static_cast<plat::i32>(options.width()), static_cast<plat::i32>(options.height())};
   desc.proc = &ccViewer::proc_;
   top_ = windows.create(desc);
   view_ = top_;
@@ -86,18 +88,26 @@ ccViewer::ccViewer(ccViewOptions const& options, std::ostream& errors) : options
   if (options.scrollBars)
     display_->showScrollBar(true, true);
   display_->mouseMode(static_cast<ccDisplay::MouseMode>(options.mode));
-  if (options.overlay == ccViewOptions::plane)
+  auto const overlay = options.overlay.value_or(options.gallery ? ccViewOptions::plane : ccViewOptions::noOverlay);
+  if (overlay == ccViewOptions::plane)
     display_->enableOverlay(ccDisplay::overlayOn);
-  else if (options.overlay == ccViewOptions::chroma)
+  else if (overlay == ccViewOptions::chroma)
     display_->enableOverlay(ccDisplay::chromaOn);
   if (options.quitAfter)
     windows.setTimer(top_, kQuitTimer, static_cast<unsigned>(*options.quitAfter * 1000));
+  if (options.gallery) {
+    gallery_ = std::make_unique<ccGallery>(*display_);
+    applyView_();
+  }
 }
 
 ccViewer::~ccViewer()
 {
   plat::dropHandler({});
+  gallery_.reset();
   display_.reset();
+  for (HFONT font : fonts_)
+    plat::platform().objects.deleteFont(font);
   plat::platform().windows.destroy(top_);
   cf_viewers().erase(top_);
   cf_viewers().erase(view_);
@@ -154,20 +164,44 @@ plat::LResult ccViewer::message_(HWND window, unsigned message, plat::WParam wPa
   return windows.callProc(nullptr, window, message, wParam, lParam);
 }
 
+bool ccViewer::showPage(std::string const& name)
+{
+  if (!gallery_ || !gallery_->show(name))
+    return false;
+  applyView_();
+  return true;
+}
+
+// In the gallery, space bar and arrows turn pages as the page keys do.
+bool ccViewer::turnPage_(long by)
+{
+  if (!gallery_)
+    return false;
+  if (gallery_->show(gallery_->page() + by))
+    applyView_();
+  return true;
+}
+
 bool ccViewer::key_(unsigned virtualKey)
 {
   switch (virtualKey) {
   case ccKeyboardEvent::vkPageDown:
-    step(1);
+    if (!turnPage_(1))
+      step(1);
     return true;
   case ccKeyboardEvent::vkPageUp:
-    step(-1);
+    if (!turnPage_(-1))
+      step(-1);
     return true;
+  case kSpace:
+    return turnPage_(1);
   case ccKeyboardEvent::vkLeft:
-    panBy(-1, 0);
+    if (!turnPage_(-1))
+      panBy(-1, 0);
     return true;
   case ccKeyboardEvent::vkRight:
-    panBy(1, 0);
+    if (!turnPage_(1))
+      panBy(1, 0);
     return true;
   case ccKeyboardEvent::vkUp:
     panBy(0, -1);
@@ -197,6 +231,7 @@ bool ccViewer::character_(unsigned c)
   case '1':
     display_->mag(1);
     break;
+
   case 'p':
   case 'P':
     display_->mouseMode(ccDisplay::pointerMode);
@@ -262,6 +297,21 @@ void ccViewer::fail_(std::string const& line)
   errors_ << "krsview: " << line << "\n";
 }
 
+void ccViewer::draw(std::vector<ccDrawing> const& drawings)
+{
+  bool usesOverlay = false;
+  for (ccDrawing const& drawing : drawings)
+    usesOverlay = usesOverlay || drawing.usesOverlay();
+  if (usesOverlay && !options_.overlay)
+    display_->enableOverlay(ccDisplay::overlayOn);
+  for (ccDrawing const& drawing : drawings) {
+    if (drawing.clientFromImage())
+      clientFromImage_ = *drawing.clientFromImage();
+    std::vector<HFONT> const made = cfShowDrawing(*display_, drawing);
+    fonts_.insert(fonts_.end(), made.begin(), made.end());
+  }
+}
+
 void ccViewer::open(std::vector<std::string> const& names)
 {
   list_(names);
@@ -318,7 +368,7 @@ bool ccViewer::show_(std::size_t index)
   bool const first = !current_;
   current_ = std::move(file);
   index_ = index;
-  cfShowImage(*display_, *current_);
+  cfShowImage(*display_, *current_, clientFromImage_);
   if (first)
     applyView_();
   return true;
@@ -378,6 +428,10 @@ std::string ccViewer::info() const
   info.set("pan", ccJson::array().push(display.pan().x()).push(display.pan().y()));
   info.set("overlay", cf_overlayName(display.enableOverlay()));
   info.set("visible", ccJson::array().push(left).push(top).push(right - left).push(bottom - top));
+  if (gallery_) {
+    info.set("page", gallery_->name());
+    info.set("title", gallery_->title());
+  }
   return info.write();
 }
 

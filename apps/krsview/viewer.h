@@ -2,6 +2,8 @@
 #pragma once
 
 #include "apps/common/image_file.h"
+#include "apps/krsview/draw_file.h"
+#include "apps/krsview/gallery.h"
 #include "apps/krsview/options.h"
 #include "backend/win32/win32_display.h"
 #include "platform/types.h"
@@ -16,12 +18,16 @@ public:
   ccViewer(ccViewOptions const&, std::ostream& errors);
   ~ccViewer();
 
+  // Keeps drawings over whatever image is shown.
+  void draw(std::vector<ccDrawing> const&);
+  ccGallery* gallery() { return gallery_.get(); }  // null unless the options ask for it
+  bool showPage(std::string const& name);  // of the gallery; false if it has none of that name
   // Puts files and the image files of folders on the list, and shows the first good one.
   void open(std::vector<std::string> const& names);
   bool step(long by);         // shows the next good image in that direction; false if there is none
   void checkTheRest();        // reads what has not been read yet, so that every bad file is told of
   bool anyFailed() const { return anyFailed_; }
-  bool showsImage() const { return current_ != nullptr; }
+  bool showsImage() const { return current_ != nullptr || gallery_ != nullptr; }
   std::string info() const;   // JSON
   std::string writeShot(std::string const& file) const;  // error text, empty if all is well
   ccWin32Display& display() { return *display_; }
@@ -42,6 +48,7 @@ private:
   void list_(std::vector<std::string> const& names);
   void drop_(std::vector<std::string> const& names);
   bool show_(std::size_t index);
+  bool turnPage_(long by);
   void fail_(std::string const& line);
   bool key_(unsigned virtualKey);
   bool character_(unsigned c);
@@ -57,5 +64,8 @@ private:
   std::vector<cs_Entry> entries_;
   std::size_t index_ = 0;
   std::unique_ptr<ccImageFile> current_;
+  ccXform<2> clientFromImage_;
+  std::vector<HFONT> fonts_;
+  std::unique_ptr<ccGallery> gallery_;
   bool anyFailed_ = false;
 };

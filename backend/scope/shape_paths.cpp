@@ -19,8 +19,6 @@ double controlFraction(double round, double halfSide)
 
 }  // namespace
 
-plat::i32 cf_to32(long v) { return static_cast<plat::i32>(std::clamp(v, -0x40000000L, 0x3FFFFFFFL)); }
-
 plat::Pen cf_penOf(ccGraphicProps const& props, COLORREF color)
 {
   plat::Pen pen;
@@ -32,13 +30,9 @@ plat::Pen cf_penOf(ccGraphicProps const& props, COLORREF color)
   return pen;
 }
 
-long cf_halfWidth(ccGraphicProps const& props) { return floorTL(static_cast<double>(props.penWidth()) * 0.5) + 1; }
-
-long cf_halfWidthOfEnds(ccGraphicProps const& props)
+ccUIRect cf_grown(ccUIRect const& r, long by)
 {
-  constexpr double squareCapReach = 1.42;
-  long const h = cf_halfWidth(props);
-  return props.capStyle() == 2 ? cfTruncToLong(static_cast<double>(h) * squareCapReach) : h;
+  return ccUIRect(r.left() - by, r.top() - by, r.width() + 2 * by, r.height() + 2 * by);
 }
 
 void cf_beginBounds(plat::Painter& painter) { painter.setBounds(nullptr, boundsReset | boundsEnable); }

@@ -6,15 +6,34 @@
 #include "foundation/vector.h"
 #include "platform/paint.h"
 
+#include <algorithm>
+#include <cstdint>
+
 inline constexpr int kBezierPoints = 13;
 
-plat::i32 cf_to32(long);
-inline plat::Point cf_toPoint(long x, long y) { return plat::Point{cf_to32(x), cf_to32(y)}; }
+// Pels of a scope as the painter takes them.
+inline plat::i32 cf_to32(std::int64_t v)
+{
+  return static_cast<plat::i32>(std::clamp<std::int64_t>(v, -0x40000000, 0x3FFFFFFF));
+}
+inline plat::Point cf_toPoint(std::int64_t x, std::int64_t y) { return plat::Point{cf_to32(x), cf_to32(y)}; }
 plat::Pen cf_penOf(ccGraphicProps const&, COLORREF);
 // How far a stroke reaches beyond its geometry, in pels.
-long cf_halfWidth(ccGraphicProps const&);
+inline long cf_halfWidth(ccGraphicProps const& props)
+{
+  constexpr long widest = 1 << 20;  // more than any painter draws
+  return std::clamp(props.penWidth(), 0L, widest) / 2 + 1;
+}
 // The same for strokes with free ends: square caps reach further.
-long cf_halfWidthOfEnds(ccGraphicProps const&);
+inline long cf_halfWidthOfEnds(ccGraphicProps const& props)
+{
+  constexpr double squareCapReach = 1.42;
+  long const h = cf_halfWidth(props);
+  return props.capStyle() == 2 ? static_cast<long>(static_cast<double>(h) * squareCapReach) : h;
+}
+
+// A rectangle with so many pels more on each side.
+ccUIRect cf_grown(ccUIRect const&, long by);
 
 // Starts to note what is painted, and ends it. In pels of the scope.
 void cf_beginBounds(plat::Painter&);

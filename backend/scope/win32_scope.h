@@ -14,6 +14,7 @@
 
 #include <iosfwd>
 #include <memory>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -313,9 +314,12 @@ private:
   ccUIRect clipToDisplay_(ccUIRect const& rootRect) const;
 
   // Lines, figures and text. Rectangles are in pels of the scope.
-  template <class Paint> void paintFigure_(ccUIRect const&, Paint&&);
+  template <class Paint> void paintFigure_(ccUIRect const& touched, ccUIRect const& reach, Paint&&);
   ccUIRect figureRect_(ccRect const& box, long before, double more) const;
-  template <class Points> bool chainOf_(Points const&, long reach, ccUIRect& touched);
+  ccUIRect chainOf_(std::span<ccVector<2> const>, long reach);
+  void paintChain_(ccUIRect const& touched, ccGraphicProps const&, int fillRule);
+  void drawFarChain_(std::span<ccVector<2> const>, ccGraphicProps const&, int fillRule, bool closed);
+  void drawLine_(ccPair<long> const& from, ccPair<long> const& to, ccGraphicProps const&);
   void paintLine_(plat::Painter&, ccPair<long> const& from, ccPair<long> const& to, ccGraphicProps const&);
   HFONT font_(long id) const;
 
@@ -342,6 +346,7 @@ private:
   bool optimize_ = false;
   DrawMethod method_ = kNoPhase;
   HDC drawDC_ = nullptr;
+  plat::Painter* phasePainter_ = nullptr;  // of drawDC_, at a root
   unsigned char* locked_ = nullptr;  // this scope's upper left pel
   ccDirectDrawSurface* bltTarget_ = nullptr;
 

@@ -181,6 +181,8 @@ void ccWin32UIScope::drawNC(ccPelBuffer_const<unsigned char> const& image, ccPoi
 template <class T>
 void ccWin32UIScope::drawFamily_(ccPelBuffer_const<T> const& image, ccPoint const& p, bool transparent, T key, bool mapped)
 {
+  if (!isPlace(p))
+    return;
   if (!image.isBound())
     return drawCache(p, transparent, wordOf(key));
   ccPair<long> const pos(xCoord(p), yCoord(p));
@@ -444,7 +446,8 @@ template <class T>
 void ccWin32UIScope::expandFamily_(ccPelBuffer_const<T> const& image, ccPoint const& p, ccPair<double> const& scale,
                                    bool transparent, T key, bool mapped, InterpolationModes mode)
 {
-  if (!(scale.x() >= 1) || !(scale.y() >= 1) || !isFactor(scale.x()) || !isFactor(scale.y()) || !image.isBound())
+  if (!(scale.x() >= 1) || !(scale.y() >= 1) || !isFactor(scale.x()) || !isFactor(scale.y()) || !image.isBound() ||
+      !isPlace(p))
     return;
   cs_Scale s;
   s.factor = scale.x();
@@ -482,7 +485,7 @@ template <class T>
 void ccWin32UIScope::sampleFamily_(ccPelBuffer_const<T> const& image, ccPoint const& p, ccPair<double> const& scale,
                                    bool transparent, T key, bool mapped)
 {
-  if (!isFactor(scale.x()) || !isFactor(scale.y()) || !image.isBound())
+  if (!isFactor(scale.x()) || !isFactor(scale.y()) || !image.isBound() || !isPlace(p))
     return;
   cs_Scale s;
   s.factor = scale.x();

@@ -73,6 +73,7 @@ bool ccWin32UIScope::win32DrawStart_(DrawMethod method)
     started = target.created();
   } else if (method == kPaint) {
     started = target.getDC(&drawDC_) == ceDDOk && drawDC_;
+    phasePainter_ = started ? plat::painter(drawDC_) : nullptr;
   } else if (method == kDirect) {
     started = target.lock() == ceDDOk && target.description().surface();
     if (started) {
@@ -111,7 +112,7 @@ void ccWin32UIScope::setUpPhase_()
   }
 }
 
-plat::Painter* ccWin32UIScope::painter_() { return method_ == kPaint && drawDC_ ? plat::painter(drawDC_) : nullptr; }
+plat::Painter* ccWin32UIScope::painter_() { return method_ == kPaint && drawDC_ ? root_().phasePainter_ : nullptr; }
 
 ccUIRect ccWin32UIScope::clipToDisplay_(ccUIRect const& rootRect) const
 {
@@ -161,6 +162,7 @@ void ccWin32UIScope::abandonPhase_()
   if (method_ != kBlit && display_ && displayActiveLockedScope_(display_) == this)
     displayActiveLockedScope_(display_, nullptr);
   drawDC_ = nullptr;
+  phasePainter_ = nullptr;
   locked_ = nullptr;
   bltTarget_ = nullptr;
   phaseSurface_ = nullptr;

@@ -148,6 +148,8 @@ void ccWin32UIScope::colorFill_(ccUIRect const& rect, std::uint32_t value)
 
 void ccWin32UIScope::draw(ccPoint const& p, ccGraphicProps const& props)
 {
+  if (!isPlace(p))
+    return;
   ccUIRect const r = ccUIRect(xCoord(p), yCoord(p), 1, 1) & ownRect_();
   if (!r.isNull()) {
     if (win32DrawStart(kDirect)) {
@@ -175,7 +177,7 @@ void ccWin32UIScope::draw(ccRLEBuffer const& image, ccPoint const& p, std::vecto
 void ccWin32UIScope::draw(ccRLEBuffer const& image, ccPoint const& p, std::vector<unsigned char> const& map,
                           bool transparent, unsigned char key)
 {
-  if (image.isNull())
+  if (image.isNull() || !isPlace(p))
     return;
   cs_Clip const c = clip_<unsigned char>(ccPair<long>(image.width(), image.height()), ccPair<long>(xCoord(p), yCoord(p)));
   if (!c.r.isNull()) {

@@ -4,10 +4,10 @@
 #include "backend/scope/shape_paths.h"
 #include "canvas/format.h"
 #include "canvas/graphic_props.h"
+#include "canvas/strokes.h"
 #include "geometry/lines.h"
 
 #include <algorithm>
-#include <cstdlib>
 
 namespace {
 
@@ -35,33 +35,63 @@ long textTop(plat::Painter& painter, std::string const& text, ccUIFormat const& 
 
 void ccWin32UIScope::draw(ccLineSeg const& seg, ccGraphicProps const& props)
 {
-  drawStart(seg.p1());
-  drawTo(seg.p2(), props);
+  ccVector<2> const offset(clientOffset());
+  ccVector<2> a = seg.p1() - offset, b = seg.p2() - offset;
+  cs_Reach reach;
+  reach.add(a);
+  reach.add(b);
+  auto const pelOf = [](ccVector<2> const& p) { return ccPair<long>(cfPelOf(p.x()), cfPelOf(p.y())); };
+  if (reach.isWithin(cf_pelReach)) {
+    drawLine_(pelOf(a), pelOf(b), props);
+    currentPoint(pelOf(b));
+    return;
+  }
+  if (reach.isFinite() && cf_cutSegment(a, b, cf_pelReach))
+    drawLine_(pelOf(a), pelOf(b), props);
+  drawStart(seg.p2());
 }
 
+// Nothing is drawn from or to a place that isn't one.
 void ccWin32UIScope::drawTo(ccPoint const& p, ccGraphicProps const& props)
 {
+  if (!isPlace(p) || isNowhere())
+    return drawStart(p);
   drawToRel(xCoord(p) - currentPoint().x(), yCoord(p) - currentPoint().y(), props);
 }
 
+// The point moves on also where nothing is drawn.
 void ccWin32UIScope::drawToRel(long dx, long dy, ccGraphicProps const& props)
 {
+  if (isNowhere())
+    return;
   ccPair<long> const from = currentPoint();
-  ccPair<long> const to = from + ccPair<long>(dx, dy);
+  moveToRel(dx, dy);
+  drawLine_(from, currentPoint(), props);
+}
+
+void ccWin32UIScope::drawLine_(ccPair<long> const& from, ccPair<long> const& to, ccGraphicProps const& props)
+{
   long const h = cf_halfWidthOfEnds(props);
-  ccUIRect const r = ccUIRect(std::min(from.x(), to.x()) - h, std::min(from.y(), to.y()) - h, std::labs(dx) + 2 * h,
-                              std::labs(dy) + 2 * h) &
-                     ownRect_();
-  if (!r.isNull()) {
+  ccUIRect const touched = ccUIRect::fromEdges(std::min(from.x(), to.x()) - h, std::min(from.y(), to.y()) - h,
+                                               std::max(from.x(), to.x()) + h, std::max(from.y(), to.y()) + h);
+  bool const wide = props.penWidth() >= 2;
+  // The corner of a slanted square end may lie just outside.
+  ccUIRect const reach = wide && from.x() != to.x() && from.y() != to.y() ? cf_grown(touched, 1) : touched;
+  ccUIRect drawn = touched & ownRect_();
+  if (!(reach & ownRect_()).isNull()) {
     if (win32DrawStart(kPaint)) {
-      if (plat::Painter* const painter = painter_())
+      if (plat::Painter* const painter = painter_()) {
+        if (wide)
+          cf_beginBounds(*painter);
         paintLine_(*painter, from, to, props);
-      win32Changed(r);
+        if (wide)
+          drawn = (drawn | cf_endBounds(*painter)) & ownRect_();
+      }
+      win32Changed(drawn);
     }
     win32DrawStop();
   }
-  report_(r, false);
-  moveToRel(dx, dy);
+  report_(drawn, false);
 }
 
 void ccWin32UIScope::paintLine_(plat::Painter& painter, ccPair<long> const& from, ccPair<long> const& to,
@@ -102,7 +132,7 @@ HFONT ccWin32UIScope::font_(long id) const
 void ccWin32UIScope::draw(std::string const& text, ccPoint const& p, ccColor const& color, ccColor const& back,
                           ccUIFormat const& format)
 {
-  if (text.empty())
+  if (text.empty() || !isPlace(p))
     return;
   ccUIRect drawn;
   if (win32DrawStart(kPaint)) {
@@ -125,7 +155,7 @@ ccUIRect ccWin32UIScope::textRect(std::string const& text, ccPoint const& p, ccU
 {
   clipped = ccUIRect();
   ccUIRect full;
-  if (text.empty())
+  if (text.empty() || !isPlace(p))
     return full;
   if (win32DrawStart(kPaint)) {
     if (plat::Painter* const painter = painter_()) {
@@ -151,6 +181,8 @@ ccUIRect ccWin32UIScope::textRect(std::string const& text, ccPoint const& p, ccU
 
 void ccWin32UIScope::fill(ccPoint const& p, ccColor const& color, ccColor const& border, bool toBorder)
 {
+  if (!isPlace(p))
+    return;
   ccUIRect drawn;
   if (win32DrawStart(kPaint)) {
     if (plat::Painter* const painter = painter_()) {

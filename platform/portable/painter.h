@@ -115,6 +115,7 @@ private:
   void fillSpans(COLORREF, FillRule);   // what the filler holds
   static constexpr unsigned pathFill = 1, pathStroke = 2;
   void paintPath(int chords, bool closed, unsigned how);  // control_
+  void paintOutline(bool closed, unsigned how);           // outline_
   void plotPels();                                        // points_
   template <class PlotType> void fillCurve(CornerBox const&, Part const&, PlotType const&);
   template <class PlotType> void outlineCurve(CornerBox const&, Rect const&, Part const&, PlotType const&);
@@ -167,6 +168,7 @@ private:
   std::vector<Rect> cut_;        // visible rectangles of a window within the clip
   std::vector<PointF> outline_;  // of wide pens, between pels
   std::vector<PointF> control_;  // of Bezier curves
+  std::vector<PointF> cornerOutline_;
   std::vector<u8> blocked_;      // of a flood
   struct PlacedGlyph {
     Glyph const* glyph;

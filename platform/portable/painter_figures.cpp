@@ -310,14 +310,20 @@ void MemPainter::bezier(std::span<Point const> points, bool fill)
   paintPath(bezierChords, false, fill ? pathFill : pathStroke);
 }
 
-// control_ as a path: chords with rounded ends, then the rules of lines and polygons.
+// control_ as a path.
 void MemPainter::paintPath(int chords, bool closed, unsigned how)
 {
   flatten(control_, chords, outline_);
+  paintOutline(closed, how);
+}
+
+// outline_ as chords with rounded ends, by the rules of lines and polygons.
+void MemPainter::paintOutline(bool closed, unsigned how)
+{
   points_.resize(outline_.size());
   for (std::size_t i = 0; i < outline_.size(); ++i)
     points_[i] = {rounded(outline_[i].x), rounded(outline_[i].y)};
-  if (closed && points_.size() > 1)
+  if (closed && points_.size() > 1 && points_.back() == points_.front())
     points_.pop_back();
   if ((how & pathFill) && brushOn_)
     fillFigure(brush_, FillRule::alternate);
@@ -483,7 +489,13 @@ void MemPainter::turnedRoundRect(Rect const& box, Size corner)
   outlineBezier(box.left, box.top, box.left + w, box.top + h, rx, ry, control_);
   for (PointF& p : control_)
     p = deviceF(p.x, p.y);
-  paintPath(bezierChords, true, pathFill | pathStroke);
+  // Sides and corners take turns, from the middle of a side on. A side is one chord: ends of more would be rounded off it.
+  outline_.clear();
+  for (std::size_t i = 3; i + 3 < control_.size(); i += 6) {
+    flatten(std::span(control_).subspan(i, 4), rx > 0 && ry > 0 ? bezierChords : 1, cornerOutline_);
+    outline_.insert(outline_.end(), cornerOutline_.begin(), cornerOutline_.end());
+  }
+  paintOutline(true, pathFill | pathStroke);
 }
 
 void MemPainter::arc(Rect const& logical, Point start, Point end)

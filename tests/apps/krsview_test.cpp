@@ -321,7 +321,9 @@ TEST(Krsview, badOptionsEndWithStatusOneAndOneLine)
       {"--depth"},    {"--depth", "12"},   {"--depth", "32x"},    {"--mag", "2.5"},      {"--mag", ""},
       {"--pan", "1"}, {"--pan", "1,nan"},  {"--pan", "1,2,3"},    {"--shot"},            {"--shot", ""},
       {"--mode", "fly"}, {"--quit-after", "-1"}, {"--script"}, {"--script", "/no/such/file"}, {"--overlay", "much"},
-      {"--fit=3"},    {"--headless=yes"},
+      {"--fit=3"},    {"--headless=yes"}, {"--draw"},       {"--draw", ""},      {"--pages", "x"},
+      {"--page", "pens"}, {"--gallery", "x.png"}, {"--gallery", "--draw", "x.json"}, {"--gallery", "--pages", ""},
+      {"--gallery", "--page", "nothing"}, {"--gallery=pens"},
   };
   for (auto const& arguments : wrong) {
     Outcome const outcome = view(folder, arguments);
@@ -534,6 +536,156 @@ TEST(KrsviewScript, linesFromStandardInputAreAnsweredOneByOne)
   EXPECT_EQ(std::system(command.c_str()), 0);
 
   EXPECT_EQ(textOf(folder.file("o.txt")), "ok\nok\nok\n");
+}
+
+// ---- Draw files and the gallery
+
+TEST(KrsviewDraw, aFileIsDrawnOverTheImageAtItsZoomAndPan)
+{
+  TestFolder const folder;
+  std::string const image = greyFile(folder, 100, 80);
+  std::ofstream(folder.file("marks.json")) << R"({"version": 1, "draw": [
+      {"kind": "lineSeg", "coords": "image", "p1": [50, 40], "p2": [52, 40], "color": "red", "width": 1, "style": "solid", "fill": false},
+      {"kind": "fillRect", "coords": "display", "ul": [2, 3], "sz": [4, 5], "color": "green", "layer": "image"}]})";
+  std::string const marks = folder.file("marks.json").string();
+  // In a window of the image's size image (50, 40) shows at (50, 40), eightfold with pan (1, -1) at (58, 32).
+  Outcome const plain = script(folder, "expect 50 40 255 0 0\nexpect 52 40 255 0 0\nexpect 53 40 " + triple(146) +
+                                           "\nexpect 2 3 0 255 0\nexpect 6 3 " + triple(15) + "\n",
+                               {"--window", "100x80", "--draw", marks, image});
+  Outcome const zoomed = script(folder, "expect 58 32 255 0 0\nexpect 74 32 255 0 0\nexpect 58 33 " + triple(140) +
+                                            "\nexpect 75 32 " + triple(144) + "\nexpect 2 3 0 255 0\nexpect 5 7 0 255 0\n",
+                                {"--window", "100x80", "--mag", "8", "--pan", "1,-1", "--draw", marks, image});
+
+  EXPECT_EQ(plain.status, 0) << plain.err;
+  EXPECT_EQ(zoomed.status, 0) << zoomed.err;
+}
+
+TEST(KrsviewDraw, drawingsStayOverEveryImageAndFollowTheHand)
+{
+  TestFolder const folder;
+  Random random{12};
+  writeNetpbm(folder.file("a.pgm"), randomPels(random, Pels::grey8, 100, 80));
+  writeNetpbm(folder.file("b.pgm"), randomPels(random, Pels::rgb, 100, 80));
+  std::ofstream(folder.file("one.json")) << R"({"version": 1, "draw": [{"kind": "point", "pos": [20, 30], "color": "red"}]})";
+  std::ofstream(folder.file("two.json")) << R"({"version": 1, "draw": [{"kind": "point", "pos": [60, 30], "color": "green"}]})";
+
+  Outcome const outcome = script(folder,
+                                 "expect 20 30 255 0 0\nexpect 60 30 0 255 0\nkey down pagedown\nexpect 20 30 255 0 0\n"
+                                 "expect 60 30 0 255 0\nchar A\npress left 50 40\nmove 45 42\nrelease left 45 42\n"
+                                 "expect 15 32 255 0 0\nlose\nexpect 15 32 255 0 0\nexpect 55 32 0 255 0\n",
+                                 {"--window", "100x80", "--draw", folder.file("one.json").string(), "--draw",
+                                  folder.file("two.json").string(), folder.file("a.pgm").string(), folder.file("b.pgm").string()});
+
+  EXPECT_EQ(outcome.status, 0) << outcome.err;
+}
+
+TEST(KrsviewDraw, theOverlayComesWithWhatIsDrawnOnItUnlessItIsChosen)
+{
+  TestFolder const folder;
+  std::string const image = greyFile(folder, 10, 10);
+  std::ofstream(folder.file("over.json")) << R"({"version": 1, "draw": [{"kind": "point", "pos": [2, 3]}]})";
+  std::ofstream(folder.file("image.json")) << R"({"version": 1, "draw": [{"kind": "point", "pos": [2, 3], "layer": "image"}]})";
+  auto const overlay = [&](std::vector<std::string> arguments) {
+    arguments.insert(arguments.end(), {"--info", image});
+    return cfReadJson(view(folder, arguments).out).value["overlay"].text();
+  };
+
+  EXPECT_EQ(overlay({"--draw", folder.file("over.json").string()}), "plane");
+  EXPECT_EQ(overlay({"--draw", folder.file("image.json").string()}), "none");
+  EXPECT_EQ(overlay({"--draw", folder.file("over.json").string(), "--overlay", "none"}), "none");
+  EXPECT_EQ(overlay({"--draw", folder.file("image.json").string(), "--overlay", "plane"}), "plane");
+}
+
+TEST(KrsviewDraw, severalFilesDoNotDisturbEachOther)
+{
+  TestFolder const folder;
+  std::string const image = greyFile(folder, 100, 80);
+  // A clip that is never lifted, and a font whose text cannot be seen.
+  std::ofstream(folder.file("one.json")) << R"({"version": 1, "draw": [
+      {"kind": "text", "text": "x", "at": [500, 10], "font": {"height": 9}},
+      {"kind": "clipRect", "ul": [1, 1], "sz": [2, 2]},
+      {"kind": "sketch", "at": [1, 1], "draw": [{"kind": "clipRect", "ul": [1, 1], "sz": [2, 2]}]}]})";
+  std::ofstream(folder.file("two.json")) << R"({"version": 1, "draw": [
+      {"kind": "text", "text": "two", "at": [10, 10], "color": "red", "font": {"height": 40, "bold": true}},
+      {"kind": "text", "text": "two", "at": [10, 60], "color": "red"}]})";
+  auto const look = [&](std::vector<std::string> arguments) {
+    arguments.insert(arguments.end(), {"--window", "100x80", "--shot", folder.file("s.png").string(), image});
+    EXPECT_EQ(view(folder, arguments).status, 0);
+    long w = 0, h = 0;
+    return pelsOf(folder.file("s.png"), w, h);
+  };
+
+  auto const alone = look({"--draw", folder.file("two.json").string()});
+
+  EXPECT_EQ(look({"--draw", folder.file("one.json").string(), "--draw", folder.file("two.json").string()}), alone);
+  EXPECT_GT(std::count(alone.begin(), alone.end(), 0xFF0000u), 200);
+}
+
+TEST(KrsviewDraw, aBadFileEndsWithStatusTwoAndOneLineAndNoPicture)
+{
+  TestFolder const folder;
+  std::string const image = greyFile(folder, 10, 10);
+  std::ofstream(folder.file("bad.json")) << R"({"version": 1, "draw": [{"kind": "point", "pos": [2, 3]}, {"kind": "circle", "center": [2, 3]}]})";
+  std::ofstream(folder.file("good.json")) << R"({"version": 1, "draw": []})";
+  for (std::string const name : {"bad.json", "missing.json"}) {
+    Outcome const outcome = view(folder, {"--draw", folder.file("good.json").string(), "--draw", folder.file(name).string(), "--shot",
+                                          folder.file("shot.png").string(), "--info", image});
+    EXPECT_EQ(outcome.status, 2) << name;
+    EXPECT_EQ(lines(outcome.err), 1) << outcome.err;
+    EXPECT_NE(outcome.err.find(name), std::string::npos) << outcome.err;
+    EXPECT_EQ(outcome.out, "");
+    EXPECT_FALSE(fs::exists(folder.file("shot.png")));
+  }
+  EXPECT_NE(view(folder, {"--draw", folder.file("bad.json").string(), image}).err.find("entry 1 (circle): radius"), std::string::npos);
+}
+
+TEST(KrsviewGallery, writesAPictureOfEachPage)
+{
+  TestFolder const folder;
+
+  Outcome const outcome = view(folder, {"--gallery", "--pages", folder.file("made/pages").string()});
+
+  EXPECT_EQ(outcome.status, 0) << outcome.err;
+  int count = 0;
+  for (fs::directory_entry const& entry : fs::directory_iterator(folder.file("made/pages"))) {
+    EXPECT_EQ(entry.path().filename().string().find("gallery_"), 0u);
+    ccImageFile const picture = cfReadImageFile(entry.path());
+    EXPECT_EQ(picture.width(), 640) << entry.path();
+    EXPECT_EQ(picture.height(), 480) << entry.path();
+    ++count;
+  }
+  EXPECT_EQ(count, 14);
+}
+
+TEST(KrsviewGallery, aPageAFolderThatCannotBeWrittenAndTheDepths)
+{
+  TestFolder const folder;
+  EXPECT_EQ(cfReadJson(view(folder, {"--gallery", "--page", "text", "--info"}).out).value["page"].text(), "text");
+  EXPECT_EQ(view(folder, {"--gallery", "--pages", "/dev/null/x"}).status, 1);
+  for (std::string const depth : {"8", "15", "16", "24", "32"}) {
+    Outcome const outcome = view(folder, {"--gallery", "--depth", depth, "--page", "colours", "--shot", folder.file("c.png").string()});
+    EXPECT_EQ(outcome.status, 0) << outcome.err;
+    long w = 0, h = 0;
+    std::vector<std::uint32_t> const pels = pelsOf(folder.file("c.png"), w, h);
+    // Red at its place among the colours by name.
+    EXPECT_EQ(pels[static_cast<std::size_t>(90 * w + 40 + 5 * 77)], depth == "15" || depth == "16" ? 0xF80000u : 0xFF0000u) << depth;
+  }
+}
+
+TEST(KrsviewGallery, scriptsTurnItsPages)
+{
+  TestFolder const folder;
+
+  Outcome const outcome = script(folder, "info\nkey down pagedown\ninfo\nkey down space\ninfo\nshot " + folder.file("p.png").string() + "\n",
+                                 {"--gallery"});
+
+  EXPECT_EQ(outcome.status, 0) << outcome.err;
+  std::istringstream in(outcome.out);
+  std::vector<std::string> pages;
+  for (std::string line; std::getline(in, line);)
+    pages.push_back(cfReadJson(line).value["page"].text());
+  EXPECT_EQ(pages, (std::vector<std::string>{"pens", "polygons", "rectangles"}));
+  EXPECT_TRUE(cfReadImageFile(folder.file("p.png")));
 }
 
 TEST(Krsview, helpAndVersionAnswerOnStandardOutput)

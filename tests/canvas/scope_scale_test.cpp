@@ -19,7 +19,7 @@ thread_local long allocations = 0;
 
 }  // namespace
 
-void* operator new(std::size_t size)
+[[gnu::noinline]] void* operator new(std::size_t size)
 {
   ++allocations;
   if (void* const memory = std::malloc(size ? size : 1))
@@ -27,12 +27,12 @@ void* operator new(std::size_t size)
   throw std::bad_alloc();
 }
 
-void operator delete(void* memory) noexcept
+[[gnu::noinline]] void operator delete(void* memory) noexcept
 {
   std::free(memory);
 }
 
-void operator delete(void* memory, std::size_t) noexcept
+[[gnu::noinline]] void operator delete(void* memory, std::size_t) noexcept
 {
   std::free(memory);
 }

@@ -1,6 +1,6 @@
 // Drawing and repainting of settled trees takes no memory from the heap.
-#include "geometry/lines.h"
 #include "tests/canvas/tablet_fixture.h"
+#include "tests/support/every_figure.h"
 
 #include <gtest/gtest.h>
 
@@ -36,6 +36,10 @@ public:
     ++*calls_;
   }
   void draw(ccLineSeg const&, ccGraphicProps const&) override { ++*calls_; }
+  void draw(ccPolygon const&, ccGraphicProps const&) override { ++*calls_; }
+  void draw(ccPolyline const&, ccGraphicProps const&) override { ++*calls_; }
+  void draw(ccEllipse const&, ccGraphicProps const&) override { ++*calls_; }
+  void draw(ccGenRect const&, ccGraphicProps const&) override { ++*calls_; }
   void set(ccUIRect const&, ccColor const&) override { ++*calls_; }
   void drawTo(ccPoint const&, ccGraphicProps const&) override { ++*calls_; }
 
@@ -59,15 +63,16 @@ public:
 
 } // namespace
 
-void* operator new(std::size_t size)
+// Not inlined, so that the compiler doesn't take free() for a mistake.
+[[gnu::noinline]] void* operator new(std::size_t size)
 {
   ++allocations;
   if (void* p = std::malloc(size ? size : 1))
     return p;
   throw std::bad_alloc();
 }
-void operator delete(void* p) noexcept { std::free(p); }
-void operator delete(void* p, std::size_t) noexcept { std::free(p); }
+[[gnu::noinline]] void operator delete(void* p) noexcept { std::free(p); }
+[[gnu::noinline]] void operator delete(void* p, std::size_t) noexcept { std::free(p); }
 
 TEST(TabletAllocation, settledFramesTakeNoMemory)
 {
@@ -97,4 +102,46 @@ TEST(TabletAllocation, settledFramesTakeNoMemory)
 
   EXPECT_EQ(before, allocations);
   EXPECT_GT(calls, 200);
+}
+
+// Outlined and filled, under a map that keeps shapes and one that shears, near and so far that it must be cut.
+TEST(TabletAllocation, everyFigureTakesNoMemoryOnceItHasBeenDrawn)
+{
+  long calls = 0;
+  QuietScope image({60, 40}, &calls);
+  ccUITablet top(&image, nullptr);
+  ccUITablet form(top, {20, 10, 6, 6});  // cuts the top into pieces
+  form.opaque(kImage, true);
+  ccXform<2> const maps[] = {ccXform<2>(ccMatrix<2>(ccRadian(0.4), 1.5), ccVector<2>(9, 3)),
+                             ccXform<2>(ccMatrix<2>(1, 0.5, 0.2, 2), ccVector<2>(-3, 7)),
+                             ccXform<2>(ccMatrix<2>(3e8, 2e8, 0, 4e8), ccVector<2>(30, 20))};
+  std::vector<NamedFigure> const figures = everyFigure(ccPoint(15, 12), 9);
+  ASSERT_EQ(figures.size(), 23u);
+  ccGraphicProps outlined(ccColor::whiteColor(), 3, ceDashPen, false), filled(ccColor::redColor(), 1, ceSolidPen, true);
+  outlined.showDirection(true);
+  outlined.showVertices(true);
+  for (ccXform<2> const& map : maps) {
+    top.baseMap(map);
+    for (NamedFigure const& figure : figures)
+      for (ccGraphicProps const* pen : {&outlined, &filled}) {
+        for (int i = 0; i < 2; ++i)
+          figure.draw(top, *pen, kImage);
+        calls = 0;
+        long const before = allocations;
+        for (int i = 0; i < 5; ++i)
+          figure.draw(top, *pen, kImage);
+        EXPECT_EQ(before, allocations) << figure.name << ' ' << (pen == &filled);
+        if (&map != &maps[2]) {
+          EXPECT_GT(calls, 0) << figure.name;
+        }
+      }
+  }
+  ccPolygon const triangle(std::vector<ccVector<2>>{{1, 1}, {9, 2}, {4, 8}}, 1);
+  ccCircle const circle(ccPoint(9, 9), 4);
+  long const before = allocations;
+  top.draw(triangle, ccColor::redColor(), kImage);
+  top.draw(circle, ccColor::redColor(), true, kImage);
+  top.draw(ccGenRect(circle), ccColor::redColor(), kImage);
+  top.drawPointIcon(ccPoint(3, 3), filled, kImage);
+  EXPECT_EQ(before, allocations);
 }

@@ -82,14 +82,27 @@ TEST(TabletGeometry, filledFlagMayStandBeforeTheLayers)
   EXPECT_FALSE(tree.image.log().back().props.fill());
 }
 
-TEST(TabletGeometry, polygonStaysOneUnlessItIsNotFilled)
+TEST(TabletGeometry, polygonIsOneForTheScopeWhetherFilledOrNot)
 {
   TestTree tree;
   Points const points{{2, 2}, {9, 2}, {9, 9}};
   EXPECT_EQ(kinds(tree, [&](TestTablet& t) { t.draw(ccPolygon(points, 2), ccColor::whiteColor(), kImage); }),
             Rows{"polygon"});
   EXPECT_EQ(kinds(tree, [&](TestTablet& t) { t.draw(ccPolygon(points), ccColor::whiteColor(), kImage); }),
+            Rows{"polygon"});
+  // Of two vertices and of one, too: the scope knows what becomes of their last pels.
+  EXPECT_EQ(kinds(tree, [&](TestTablet& t) { t.draw(ccPolygon(Points{{2, 2}, {9, 2}}), white(), kImage); }),
+            Rows{"polygon"});
+  EXPECT_EQ(kinds(tree, [&](TestTablet& t) { t.draw(ccPolygon(Points{{2, 2}}, 1), white(), kImage); }), Rows{"polygon"});
+}
+
+TEST(TabletGeometry, polylineStaysOneOfTwoPointsAndOfOne)
+{
+  TestTree tree;
+  EXPECT_EQ(kinds(tree, [&](TestTablet& t) { t.draw(ccPolyline(Points{{2, 2}, {9, 2}}), white(), kImage); }),
             Rows{"polyline"});
+  EXPECT_EQ(kinds(tree, [&](TestTablet& t) { t.draw(ccPolyline(Points{{2, 2}}), white(), kImage); }), Rows{"polyline"});
+  EXPECT_TRUE(kinds(tree, [&](TestTablet& t) { t.draw(ccPolyline(), white(), kImage); }).empty());
 }
 
 TEST(TabletGeometry, sectionShowsItsEndSidesUnlessToldNot)
@@ -156,9 +169,9 @@ TEST(TabletGeometry, recorderKeepsEveryShape)
 TEST(TabletGeometry, farCoordinatesAreCutBeforeTheScope)
 {
   TestTree tree;
-  tree.top.draw(ccPolyline(Points{{-1e9, 10}, {1e9, 10}}), white(), kImage);
+  tree.top.draw(ccLineSeg(ccPoint(-1e12, 10), ccPoint(1e12, 10)), white(), kImage);
   EXPECT_EQ(inked(tree.image), ccUIRect(0, 10, 40, 1));
-  EXPECT_TRUE(kinds(tree, [](TestTablet& t) { t.draw(ccPolyline(Points{{1e9, 1e9}, {2e9, 1e9}, {1e9, 3e9}}), white(), kImage); })
+  EXPECT_TRUE(kinds(tree, [](TestTablet& t) { t.draw(ccPolyline(Points{{1e10, 1e10}, {2e10, 1e10}, {1e10, 3e10}}), white(), kImage); })
                   .empty());
 }
 
@@ -185,10 +198,11 @@ TEST(TabletGeometry, passColourDrawsNothingOnTheImageLayer)
 TEST(TabletPath, chordsOfAnArcStayWithinAQuarterOfAPel)
 {
   for (double const radius : {3.0, 100.0, 20000.0}) {
-    cc_TabletPath path(ccXform<2>(2, 0.5, ccVector<2>(7, 9)));
+    cc_TabletPath path;
+    path.start(ccXform<2>(2, 0.5, ccVector<2>(7, 9)), ccVector<2>(-1e6, -1e6), ccVector<2>(1e6, 1e6), false);
     ccCircle(ccPoint(1, 2), radius).outline(path);
     ASSERT_EQ(path.strokes().size(), 1u);
-    std::vector<ccVector<2>> const& p = path.strokes()[0].points;
+    std::span<ccVector<2> const> const p = path.strokes()[0];
     for (std::size_t i = 1; i < p.size(); ++i) {
       // The middle of a chord against the ellipse: its nearest point lies no further than the gap in y or in x.
       ccVector<2> const m = (p[i - 1] + p[i]) * 0.5 - ccVector<2>(9, 10);
@@ -200,10 +214,46 @@ TEST(TabletPath, chordsOfAnArcStayWithinAQuarterOfAPel)
   }
 }
 
+TEST(TabletPath, viewMovesNoChordInside)
+{
+  ccEllipse2 const ellipse(ccPoint(1000, 700), 90000, 60000, ccRadian(0.3));
+  ccBezierCurve const curve(ccPoint(-90000, 30), ccPoint(10, 80000), ccPoint(900, -70000), ccPoint(80000, 600));
+  struct {
+    ccShape const& shape;
+    ccVector<2> on;
+  } const rows[] = {{ellipse, ellipse.conic().at(ccRadian(0.7))}, {curve, curve.point(0.4)}};
+  for (auto const& row : rows) {
+    ccVector<2> const low = row.on - ccVector<2>(1500, 1500), high = row.on + ccVector<2>(1500, 1500);
+    auto const seen = [&](bool all) {
+      cc_TabletPath path;
+      path.start(ccXform<2>(), all ? ccVector<2>(-1e9, -1e9) : low, all ? ccVector<2>(1e9, 1e9) : high, false);
+      row.shape.outline(path);
+      std::vector<ccVector<2>> points;
+      for (std::size_t i = 0; i < path.strokes().size(); ++i)
+        for (ccVector<2> const& p : path.strokes()[i])
+          if (p.x() >= low.x() && p.x() <= high.x() && p.y() >= low.y() && p.y() <= high.y())
+            points.push_back(p);
+      return points;
+    };
+    EXPECT_GT(seen(true).size(), 3u);
+    EXPECT_EQ(seen(true), seen(false));
+  }
+}
+
+TEST(TabletPath, whatIsOutOfSightCostsNothing)
+{
+  cc_TabletPath path;
+  path.start(ccXform<2>(), ccVector<2>(0, 0), ccVector<2>(2000, 1000), true);
+  ccEllipse2(ccPoint(1e9 + 1000, 500), 1e9, 1e9, ccRadian(0)).outline(path);
+  ASSERT_EQ(path.strokes().size(), 1u);
+  EXPECT_LT(path.strokes()[0].size(), 1200u);  // a point for each row in sight, and a few far away
+}
+
 TEST(TabletPath, cutFigureKeepsItsAreaInside)
 {
   // A square twice as wide as the window: half of it is left.
-  Points const cut = cf_clipFigure(Points{{-10, 2}, {10, 2}, {10, 8}, {-10, 8}}, ccVector<2>(0, 0), ccVector<2>(20, 20));
+  Points cut{{-10, 2}, {10, 2}, {10, 8}, {-10, 8}}, scratch;
+  cf_cutFigure(cut, ccVector<2>(0, 0), ccVector<2>(20, 20), scratch);
   double area = 0;
   for (std::size_t i = 0; i < cut.size(); ++i) {
     ccVector<2> const& a = cut[i];
@@ -215,9 +265,20 @@ TEST(TabletPath, cutFigureKeepsItsAreaInside)
 
 TEST(TabletPath, cutChainComesInParts)
 {
-  std::vector<cs_Stroke> const parts =
-      cf_clipChain(Points{{5, 5}, {30, 5}, {30, 8}, {5, 8}}, false, ccVector<2>(0, 0), ccVector<2>(20, 20));
+  cc_Strokes parts;
+  cf_cutChain(Points{{5, 5}, {30, 5}, {30, 8}, {5, 8}}, false, ccVector<2>(0, 0), ccVector<2>(20, 20), parts);
   ASSERT_EQ(parts.size(), 2u);
-  EXPECT_EQ(parts[0].points, (Points{{5, 5}, {20, 5}}));
-  EXPECT_EQ(parts[1].points, (Points{{20, 8}, {5, 8}}));
+  EXPECT_EQ(Points(parts[0].begin(), parts[0].end()), (Points{{5, 5}, {20, 5}}));
+  EXPECT_EQ(Points(parts[1].begin(), parts[1].end()), (Points{{20, 8}, {5, 8}}));
+}
+
+TEST(TabletPath, cutSegmentKeepsAnEndInsideToTheLastBit)
+{
+  ccVector<2> a(0.1, 0.7), b(1e308, -1e308);
+  ASSERT_TRUE(cf_cutSegment(a, b, 1000));
+  EXPECT_EQ(a, ccVector<2>(0.1, 0.7));
+  EXPECT_NEAR(b.x(), 1000, 1);
+  EXPECT_NEAR(b.y(), -1000, 1);
+  ccVector<2> c(-1e308, 5000), d(1e308, 5000);
+  EXPECT_FALSE(cf_cutSegment(c, d, 1000));
 }

@@ -1,16 +1,6 @@
 // Hit tests and boxes take no memory from the heap.
-#include "geometry/affine_rect.h"
-#include "geometry/annulus_section.h"
-#include "geometry/coord_axes.h"
-#include "geometry/deboor_spline.h"
-#include "geometry/hermite_spline.h"
-#include "geometry/interp_spline.h"
-#include "geometry/lines.h"
-#include "geometry/point_set.h"
-#include "geometry/polygon.h"
-#include "geometry/shape_tree.h"
-#include "geometry/wireframe.h"
-#include "tests/geometry/shape_support.h"
+#include "geometry/all.h"
+#include "tests/geometry/families.h"
 
 #include <atomic>
 #include <new>
@@ -21,15 +11,16 @@ std::atomic<long> allocations{0};
 
 }  // namespace
 
-void* operator new(std::size_t size)
+// Not inlined, so that the compiler doesn't take free() for a mistake.
+[[gnu::noinline]] void* operator new(std::size_t size)
 {
   ++allocations;
   if (void* const memory = std::malloc(size ? size : 1))
     return memory;
   throw std::bad_alloc();
 }
-void operator delete(void* memory) noexcept { std::free(memory); }
-void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
+[[gnu::noinline]] void operator delete(void* memory) noexcept { std::free(memory); }
+[[gnu::noinline]] void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
 
 using namespace krs_test;
 
@@ -75,6 +66,53 @@ TEST(Shapes, distancesAndBoxesDoNotAllocate)
       sum += shape->distanceToPoint(V(10.0 * i - 100, 37.0 * i - 300));
     sum += shape->encloseRect().width();
   }
+  long const taken = allocations - before;
+
+  EXPECT_EQ(taken, 0);
+  EXPECT_GT(sum, 0);
+}
+
+TEST(Shapes, distancesAndBoxesOfNoShapeOfAnyFamilyAllocate)
+{
+  Random random(1);
+  for (Family const& family : families())
+    for (int i = 0; i < rounds(100); ++i) {
+      ccPtrHandle_const<ccShape> const shape = family.make(random);
+      V const q = random.vector(200);
+      long const before = allocations;
+      double const d = shape->distanceToPoint(q);
+      ccRect const box = shape->encloseRect();
+      ccGenRect const same = shape->encloseGenRect();
+      long const taken = allocations - before;
+
+      ASSERT_EQ(taken, 0) << family.name;
+      ASSERT_TRUE(d >= 0 && cf_isFinite(box.ul()) && cf_isFinite(same.center()));
+    }
+}
+
+TEST(Shapes, whatOnlyOneClassMeasuresDoesNotAllocateEither)
+{
+  class Outlined : public ccShape {
+  public:
+    explicit Outlined(ccGenRect const& r) : rect_(r) {}
+    void outline(ccOutlineSink& sink) const override { rect_.outline(sink); }
+
+  protected:
+    ccPtrHandle<ccShape> clone_() const override { return new Outlined(*this); }
+    ccPtrHandle_const<ccShape> map_(ccXform<2> const&) const override { return new Outlined(*this); }
+
+  private:
+    ccGenRect rect_;
+  };
+  Outlined const base(ccGenRect(V(1, 2), V(30, 40), deg(10), V(5, 9)));
+  ccLine const line(V(1, 2), V(3, 4));
+  ccGenPoly const poly(ccCircle(V(1, 2), 3));
+  ccSMDGDPoly const edited(cc2Wireframe(poly, ccDimTol()), "poly");
+  ccXform<2> const x(2, 3, V(4, 5));
+  long const before = allocations;
+  double sum = base.distanceToPoint(V(7, 8)) + base.encloseRect().width() + line.distToPoint(V(7, 8));
+  sum += poly.encloseRect(x).width() + poly.arcSegment(1, true).distToPoint(V(7, 8)) + poly.isValid();
+  sum += ccSMDGDPolyPrivate::roundPoint(edited, 1).x() + ccSMDGDPolyPrivate::vertexAngle(edited, 1).value();
   long const taken = allocations - before;
 
   EXPECT_EQ(taken, 0);

@@ -377,7 +377,8 @@ TEST(CubicSpline, mapKeepsTheClassThroughEitherBase)
     ccCubicSpline const& s = *kind.spline;
     ccXform<2> const x(2, 3, ccVector<2>(5, 7));
     ccPtrHandle_const<ccShape> const image = static_cast<ccShape const&>(s).map(x);
-    EXPECT_EQ(typeid(*image), typeid(s)) << kind.name;
+    ccShape const& mapped = *image;
+    EXPECT_EQ(typeid(mapped), typeid(s)) << kind.name;
     EXPECT_TRUE(equal(dynamic_cast<ccCubicSpline const&>(*image), *s.map(x))) << kind.name;
     EXPECT_TRUE(s.map(x)->isClosed()) << kind.name;
     EXPECT_EQ(s.map(x)->controlPoint(2), ccVector<2>(15, 28)) << kind.name;

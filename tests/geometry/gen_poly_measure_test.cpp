@@ -312,6 +312,27 @@ TEST(GenPolyRounding, ofRoundingsThatOverlapTheFirstIsMeasured)
   EXPECT_NEAR(poly.distToPoint(V(10, 10)), 6 * std::sqrt(2) - 6, 1e-14);
 }
 
+TEST(GenPolyRounding, allInOnePassAreThoseOfEachVertex)
+{
+  Random random(31);
+  int overlaps = 0;
+  for (int i = 0; i < rounds(400); ++i) {
+    cc2Wireframe wire = randomWire(random, {2, 8, true, true, 200, false});
+    for (long k = 0; k < wire.numVertices(); ++k)
+      if (random.chance(2))
+        wire.vertexRoundingSize(k, random.magnitude(0.1, 300));
+    std::vector<cs_PolyRounding> const all = wire.roundings();
+    overlaps += !wire.isValid();
+    ASSERT_EQ(static_cast<long>(all.size()), wire.numVertices());
+    for (long k = 0; k < wire.numVertices(); ++k) {
+      cs_PolyRounding const& one = all[static_cast<std::size_t>(k)];
+      EXPECT_EQ(one.fits, wire.rounding(k).fits) << i << " " << k;
+      EXPECT_EQ(one.center, wire.rounding(k).center) << i << " " << k;
+    }
+  }
+  EXPECT_GT(overlaps, rounds(50));
+}
+
 TEST(GenPolyRounding, atTheEndsOfAnOpenOneItIsKeptAndIgnored)
 {
   ccGenPoly poly = chain({V(0, 0), V(10, 0), V(10, 10)}, false);

@@ -142,6 +142,14 @@ TEST(PointSet, isDegenerateWithoutTwoDistinctFirstPoints)
   EXPECT_EQ(ccPointSet({V(1, 1), V(1, 1), V(2, 2)}).angle(), ccRadian(0));
 }
 
+TEST(PointSet, isDegenerateWithinABillionthOfAThousandthAlsoAtTheOrigin)
+{
+  EXPECT_TRUE(ccPointSet({V(0, 0), V(0.9e-12, 0)}).degen());
+  EXPECT_FALSE(ccPointSet({V(0, 0), V(1.1e-12, 0)}).degen());
+  EXPECT_TRUE(ccPointSet({V(999, 0), V(999, 0.9e-9)}).degen());
+  EXPECT_FALSE(ccPointSet({V(999, 0), V(999, 1.1e-9)}).degen());
+}
+
 TEST(PointSet, mapsAboutItsFirstPoint)
 {
   ccPointSet const set({V(10, 10), V(12, 10), V(10, 13)});

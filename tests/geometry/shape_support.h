@@ -161,14 +161,21 @@ struct Family {
   std::function<ccPtrHandle_const<ccShape>(Random&)> make;
 };
 
+// Makes a random map for a shape of that size (the largest coordinate).
+using MapMaker = std::function<ccXform<2>(Random&, double size)>;
+
 // The properties of every shape; the test fails with the family's name where one does not hold. n random shapes are made.
 void outlineIsAtDistanceZero(Family const&, int n);
 void distanceIsLipschitz(Family const&, int n);
 void distanceAgreesWithSamples(Family const&, int n);
 void boxHoldsAndTouches(Family const&, int n);
 void mapAndBackRestores(Family const&, int n);
+// The same for other maps. Returns how many maps had an image: only a rectangle whose sides a map lays on one line has none, and
+// throws ccMathError::Singular.
+int mapAndBackRestores(Family const&, int n, MapMaker const&);
 void mapMovesEveryPoint(Family const&, int n);
 void distanceScalesWithSimilarities(Family const&, int n);
+void distanceScalesWithSimilarities(Family const&, int n, double least, double most);
 void cloneIsEqual(Family const&, int n);
 
 }  // namespace krs_test

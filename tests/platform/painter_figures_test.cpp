@@ -789,6 +789,22 @@ TEST(PainterTransform, turnedLinesAndRectanglesGoThroughTheirTransformedPoints)
   EXPECT_EQ(turned.picture(0), plain.picture(0));
 }
 
+TEST(PainterTransform, sidesOfATurnedRectangleAreStraight)
+{
+  // By the angle of the 3-4-5 triangle, so corners come to lie on whole pels.
+  Xform const turn{0.8f, 0.6f, -0.6f, 0.8f, 15, 0};
+  Canvas turned(kW, kH, 32), plain(kW, kH, 32);
+  for (Canvas* c : {&turned, &plain}) {
+    c->painter().pen({white, 1, 0, 0, 0});
+    c->painter().brush(white);
+  }
+  turned.painter().worldTransform(&turn);
+  turned.painter().roundRect({0, 0, 26, 16}, {0, 0});  // its outline runs through 25 and 15
+  Point const corners[4] = {{35, 15}, {15, 0}, {6, 12}, {26, 27}};
+  plain.painter().polygon(corners, FillRule::alternate);
+  EXPECT_EQ(turned.picture(0), plain.picture(0));
+}
+
 TEST(PainterPictures, everyFigureIsTheSameAtEveryDepth)
 {
   FakeScreen screen({8, 8}, 32);

@@ -659,7 +659,7 @@ void MemoryScope::box_(ccUIRect const& local, std::uint32_t v)
 // of the smaller coordinate is taken. A wider pen stamps a square at each step.
 void MemoryScope::line_(ccPair<long> from, ccPair<long> to, ccGraphicProps const& props)
 {
-  constexpr long kReach = 1L << 28;
+  constexpr long kReach = 1L << 29;
   for (ccPair<long>* p : {&from, &to})
     *p = ccPair<long>(std::clamp(p->x(), -kReach, kReach), std::clamp(p->y(), -kReach, kReach));
   std::uint32_t const ink = value(props.penColor());
@@ -670,12 +670,17 @@ void MemoryScope::line_(ccPair<long> from, ccPair<long> to, ccGraphicProps const
   std::int64_t const length = std::max(std::abs(d.x()), std::abs(d.y()));
   std::int64_t const minor = steep ? d.x() : d.y();
   long const way = (steep ? d.y() : d.x()) < 0 ? -1 : 1;
-  for (std::int64_t k = 0; k <= length; ++k) {
+  // Only the steps at which something may lie inside.
+  std::int64_t const start = steep ? from.y() : from.x(), extent = steep ? size().y() : size().x();
+  std::int64_t const first = way > 0 ? -width - start : start - extent - width;
+  for (std::int64_t k = std::max<std::int64_t>(first, 0); k <= std::min(length, first + extent + 2 * width); ++k) {
     // The smallest whole number not below the exact offset less one half.
     std::int64_t const across = length == 0 ? 0 : -floorDiv(length - 2 * k * minor, 2 * length);
     long const along = way * static_cast<long>(k);
     long const x = from.x() + (steep ? static_cast<long>(across) : along);
     long const y = from.y() + (steep ? along : static_cast<long>(across));
+    if (x < -width || y < -width || x > size().x() + width || y > size().y() + width)
+      continue;
     for (long v = 0; v < width; ++v)
       for (long u = 0; u < width; ++u)
         put_(x - before + u, y - before + v, ink, true);

@@ -1,5 +1,6 @@
 // A picture of settled size is drawn without a single allocation.
 #include "tests/backend/scope/scope_fixture.h"
+#include "tests/support/every_figure.h"
 
 #include <cstdlib>
 #include <new>
@@ -18,11 +19,11 @@ void* counted(std::size_t size)
 
 }  // namespace
 
-void* operator new(std::size_t size) { return counted(size); }
+[[gnu::noinline]] void* operator new(std::size_t size) { return counted(size); }
 void* operator new[](std::size_t size) { return counted(size); }
-void operator delete(void* p) noexcept { std::free(p); }
+[[gnu::noinline]] void operator delete(void* p) noexcept { std::free(p); }
 void operator delete[](void* p) noexcept { std::free(p); }
-void operator delete(void* p, std::size_t) noexcept { std::free(p); }
+[[gnu::noinline]] void operator delete(void* p, std::size_t) noexcept { std::free(p); }
 void operator delete[](void* p, std::size_t) noexcept { std::free(p); }
 
 class ScopeAllocation : public ScopeTest {};
@@ -54,5 +55,32 @@ TEST_F(ScopeAllocation, framesOfSettledSizeAllocateNothing)
       scope.lockScreenUpdatesPop();
     }
     EXPECT_EQ(allocations, afterFirst) << depth;
+  }
+}
+
+TEST_F(ScopeAllocation, figuresThroughATabletAllocateNothingOnceTheyHaveBeenDrawn)
+{
+  constexpr ccUITablet::Layers image = ccUITablet::imageLayer;
+  ScopeProbe scope;
+  create(scope);
+  ccUITablet top(&scope, nullptr);
+  ccUITablet front(top, ccUIRect(12, 8, 6, 5));  // cuts the top into pieces
+  front.opaque(image, true);
+  std::vector<NamedFigure> const figures = everyFigure(ccPoint(18, 14), 9);
+  std::vector<ccGraphicProps> const pens{ccGraphicProps(ccColor::whiteColor(), 1, ceSolidPen, false),
+                                         ccGraphicProps(ccColor::whiteColor(), 1, ceSolidPen, true),
+                                         ccGraphicProps(ccColor::whiteColor(), 4, ceSolidPen, false)};
+  for (ccXform<2> const& map : {ccXform<2>(ccMatrix<2>(ccRadian(0.4), 1.2), ccVector<2>(3, 1)),
+                                ccXform<2>(ccMatrix<2>(1, 0.3, 0.1, 1.4), ccVector<2>(-2, 2))}) {
+    top.baseMap(map);
+    for (NamedFigure const& figure : figures)
+      for (ccGraphicProps const& pen : pens) {
+        for (int i = 0; i < 2; ++i)
+          figure.draw(top, pen, image);
+        long const before = allocations;
+        for (int i = 0; i < 3; ++i)
+          figure.draw(top, pen, image);
+        EXPECT_EQ(allocations, before) << figure.name << ' ' << pen.penWidth();
+      }
   }
 }

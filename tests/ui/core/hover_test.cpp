@@ -14,15 +14,15 @@ std::atomic<std::size_t> allocations{0};
 }  // namespace
 
 // Counts every allocation of the program, so that the hover path can be shown to make none.
-void* operator new(std::size_t size)
+[[gnu::noinline]] void* operator new(std::size_t size)
 {
   ++allocations;
   if (void* const memory = std::malloc(size ? size : 1))
     return memory;
   throw std::bad_alloc();
 }
-void operator delete(void* memory) noexcept { std::free(memory); }
-void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
+[[gnu::noinline]] void operator delete(void* memory) noexcept { std::free(memory); }
+[[gnu::noinline]] void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
 
 namespace {
 
