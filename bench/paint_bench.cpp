@@ -1,5 +1,9 @@
 // Figures and text, scenarios S5 and S7: by the painter on a surface of 1920 x 1080 pels at 32 bits, and by a scope with its
 // drawing optimised. Ratios to the limit of peers/common/ in the same run.
+#include "backend/scope/win32_scope.h"
+#include "canvas/graphic_props.h"
+#include "geometry/lines.h"
+#include "geometry/polygon.h"
 #include "platform/app.h"
 #include "platform/objects.h"
 #include "platform/paint.h"
@@ -150,6 +154,62 @@ void runFigures()
              });
 }
 
+// The same through a scope that keeps its phase: what the library's own drawing adds to the painter's.
+void runScope()
+{
+  scene::Vectors const all;
+  plat::WindowDesc desc;
+  desc.rect = {0, 0, W, H};
+  HWND const window = plat::platform().windows.create(desc);
+  {
+    ccWin32UIScope scope(nullptr, ccPair<long>(), false, nullptr);
+    if (scope.create(window, ccPair<long>(W, H), 32) != 0)
+      std::abort();
+    scope.optimizeDrawing(true);
+    auto const run = [&](char const* name, char const* peer, std::size_t count, Spans const& reference,
+                         ccGraphicProps props, auto&& figure) {
+      if (!bench::selected(name))
+        return;
+      scene::Replay limit(reference);
+      scope.set(ccUIRect(0, 0, W, H), ccColor(0, 0, 0));
+      auto const color = [&](COLORREF c) {
+        props.penColor(ccColor(static_cast<unsigned char>(c), static_cast<unsigned char>(c >> 8),
+                               static_cast<unsigned char>(c >> 16)));
+      };
+      bench::run(
+          name, peer, static_cast<double>(count), bench::Unit::Ops,
+          [&](std::size_t) { each(count, color, [&](std::size_t i) { figure(i, props); }); }, limit, [&] {
+            ccPelBuffer<ccPackedRGB32Pel> out(W, H);
+            scope.getDisplayedImage(out, nullptr, cc_TabletEnums::imageLayer);
+            return scene::check_cover(out.pelAddress(0, 0), static_cast<std::size_t>(out.rowStride()) * 4, reference);
+          });
+    };
+    auto const at = [](int x, int y) { return ccPoint(static_cast<double>(x), static_cast<double>(y)); };
+    auto const lines = [&](std::vector<scene::Line> const& from) {
+      return [&from, &scope, at](std::size_t i, ccGraphicProps const& props) {
+        scope.draw(ccLineSeg(at(from[i].x0, from[i].y0), at(from[i].x1, from[i].y1)), props);
+      };
+    };
+    ccColor const none;
+    run("S5a_lines", "krsdisp scope", all.line.size(), scene::ref_lines(all.line), {none, 1, ceSolidPen, false},
+        lines(all.line));
+    run("S5b_wide5", "krsdisp scope", all.wide.size(), scene::ref_wide(all.wide), {none, 5, ceSolidPen, false},
+        lines(all.wide));
+    run("S5d_polygons", "krsdisp scope (with outline)", all.poly.size(), scene::ref_poly(all.poly),
+        {none, 1, ceSolidPen, true}, [&](std::size_t i, ccGraphicProps const& props) {
+          std::vector<ccVector<2>> points;
+          for (int k = 0; k < 12; ++k)
+            points.emplace_back(static_cast<double>(all.poly[i].x[k]), static_cast<double>(all.poly[i].y[k]));
+          scope.draw(ccPolygon(std::move(points), 1), props);
+        });
+    run("S5e_dashed", "krsdisp scope (dot pen: 3 on 3 off)", all.dash.size(), dots(all.dash), {none, 1, ceDotPen, false},
+        lines(all.dash));
+    scope.optimizeDrawing(false);
+    static_cast<void>(scope.destroy());
+  }
+  plat::platform().windows.destroy(window);
+}
+
 void runLabels(bool smooth)
 {
   auto const labels = scene::labels();
@@ -187,8 +247,10 @@ int main(int count, char** values)
   options.video = plat::InitOptions::headless;
   options.screen = {2048, 1536};
   plat::init(options);
-  if (bench::selected("S5"))
+  if (bench::selected("S5")) {
     runFigures();
+    runScope();
+  }
   if (bench::selected("S7_labels")) {
     runLabels(false);
     runLabels(true);
