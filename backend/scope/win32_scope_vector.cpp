@@ -74,17 +74,18 @@ void ccWin32UIScope::drawLine_(ccPair<long> const& from, ccPair<long> const& to,
   long const h = cf_halfWidthOfEnds(props);
   ccUIRect const touched = ccUIRect::fromEdges(std::min(from.x(), to.x()) - h, std::min(from.y(), to.y()) - h,
                                                std::max(from.x(), to.x()) + h, std::max(from.y(), to.y()) + h);
-  bool const wide = props.penWidth() >= 2;
-  // The corner of a slanted square end may lie just outside.
-  ccUIRect const reach = wide && from.x() != to.x() && from.y() != to.y() ? cf_grown(touched, 1) : touched;
+  // The corner of a slanted square end may lie just outside, and a broken line along an axis may be moved.
+  bool const slanted = from.x() != to.x() && from.y() != to.y();
+  bool const looks = props.penWidth() >= 2 && (slanted ? props.capStyle() == 2 : props.penStyle() != ceSolidPen);
+  ccUIRect const reach = looks && slanted ? cf_grown(touched, 1) : touched;
   ccUIRect drawn = touched & ownRect_();
   if (!(reach & ownRect_()).isNull()) {
     if (win32DrawStart(kPaint)) {
       if (plat::Painter* const painter = painter_()) {
-        if (wide)
+        if (looks)
           cf_beginBounds(*painter);
         paintLine_(*painter, from, to, props);
-        if (wide)
+        if (looks)
           drawn = (drawn | cf_endBounds(*painter)) & ownRect_();
       }
       win32Changed(drawn);
