@@ -57,6 +57,7 @@ protected:
     create(scope);
     scope.colorMap(testColors());
     scope.colorMapEx(testColors());
+    scope.set(ccColor::blackColor());  // a new surface holds anything
   }
   bool isClean()
   {
