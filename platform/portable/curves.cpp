@@ -14,14 +14,14 @@ CornerBox::CornerBox(Rect const& box, Size corner) : left(box.left), top(box.top
   extraY = box.height() - h;
 }
 
-void outlinePels(CornerBox const& box, std::vector<Point>& out)
+void outlinePels(CornerBox const& box, std::vector<Point>& out, std::vector<Point>& quarter)
 {
   out.clear();
   auto const add = [&out](i32 x, i32 y) {
     if (out.empty() || !(out.back() == Point{x, y}))
       out.push_back({x, y});
   };
-  std::vector<Point> quarter;
+  quarter.clear();
   walkQuarter(box.a, box.b, [&](i32 X, i32 Y) { quarter.push_back({X, Y}); });
   for (Point const& q : quarter)
     add(box.rightOf(q.x), box.topOf(q.y));

@@ -154,8 +154,8 @@ void plotQuarters(u8* top, u8* bottom, std::ptrdiff_t pitch, i32 diameterX, i32 
     fillRow(reinterpret_cast<Pel*>(from), count, pel);
 }
 
-// All pels of the outline, each once, counter-clockwise as seen, from the middle of the right side.
-void outlinePels(CornerBox const&, std::vector<Point>& out);
+// All pels of the outline, each once, counter-clockwise as seen, from the middle of the right side. scratch keeps memory only.
+void outlinePels(CornerBox const&, std::vector<Point>& out, std::vector<Point>& scratch);
 
 // The control points of an outline, counter-clockwise as seen from the middle of the right side: 3 n + 1, closed.
 // Corners of no extent stay corners.

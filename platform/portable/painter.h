@@ -169,6 +169,7 @@ private:
   std::vector<PointF> outline_;  // of wide pens, between pels
   std::vector<PointF> control_;  // of Bezier curves
   std::vector<PointF> cornerOutline_;
+  std::vector<Point> quarter_;   // of an ellipse's outline
   std::vector<u8> blocked_;      // of a flood
   struct PlacedGlyph {
     Glyph const* glyph;

@@ -364,7 +364,7 @@ void MemPainter::roundRect(Rect const& logical, Size corner)
   } else if (pen_.style == 0 || figure.large()) {
     paintWith(pen_.color, [&](Part const& part, auto const& plot, auto) { outlineCurve(figure, box, part, plot); });
   } else {
-    outlinePels(figure, points_);
+    outlinePels(figure, points_, quarter_);
     plotPels();
   }
 }
@@ -539,7 +539,7 @@ void MemPainter::arc(Rect const& logical, Point start, Point end)
 // The pels of the outline between the rays, dashes beginning at the first ray.
 void MemPainter::arcPels(CornerBox const& figure, Rect const& box, Sector const& sector)
 {
-  outlinePels(figure, points_);
+  outlinePels(figure, points_, quarter_);
   double const middleX = (double{1} * box.left + box.right - 1) / 2, middleY = (double{1} * box.top + box.bottom - 1) / 2;
   auto const held = [&](Point p) { return sector.holds(p.x - middleX, p.y - middleY); };
   std::size_t const count = points_.size();

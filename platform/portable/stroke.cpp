@@ -52,6 +52,7 @@ struct Stroker::Impl {
   agg::vcgen_dash dash;
   std::vector<Point> contour;
   std::vector<PointF> run;
+  std::vector<PointF> piece;  // between two gaps
   SpanFiller* filler = nullptr;
   Rect extent;
   // The turns that a round cap of a width takes from one end of its base to the other, both left out.
@@ -141,7 +142,7 @@ void Stroker::Impl::emitDashed(std::span<PointF const> points, bool closed, Styl
   if (closed)
     dash.add_vertex(0, 0, closePoly);
   dash.rewind(0);
-  std::vector<PointF> piece;
+  piece.clear();
   double x = 0, y = 0;
   for (unsigned command; !agg::is_stop(command = dash.vertex(&x, &y));) {
     if (agg::is_move_to(command)) {

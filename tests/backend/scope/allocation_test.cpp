@@ -69,7 +69,9 @@ TEST_F(ScopeAllocation, figuresThroughATabletAllocateNothingOnceTheyHaveBeenDraw
   std::vector<NamedFigure> const figures = everyFigure(ccPoint(18, 14), 9);
   std::vector<ccGraphicProps> const pens{ccGraphicProps(ccColor::whiteColor(), 1, ceSolidPen, false),
                                          ccGraphicProps(ccColor::whiteColor(), 1, ceSolidPen, true),
-                                         ccGraphicProps(ccColor::whiteColor(), 4, ceSolidPen, false)};
+                                         ccGraphicProps(ccColor::whiteColor(), 4, ceSolidPen, false),
+                                         ccGraphicProps(ccColor::whiteColor(), 1, ceDashDotPen, false),
+                                         ccGraphicProps(ccColor::whiteColor(), 3, ceDashPen, false)};
   for (ccXform<2> const& map : {ccXform<2>(ccMatrix<2>(ccRadian(0.4), 1.2), ccVector<2>(3, 1)),
                                 ccXform<2>(ccMatrix<2>(1, 0.3, 0.1, 1.4), ccVector<2>(-2, 2))}) {
     top.baseMap(map);
@@ -80,7 +82,7 @@ TEST_F(ScopeAllocation, figuresThroughATabletAllocateNothingOnceTheyHaveBeenDraw
         long const before = allocations;
         for (int i = 0; i < 3; ++i)
           figure.draw(top, pen, image);
-        EXPECT_EQ(allocations, before) << figure.name << ' ' << pen.penWidth();
+        EXPECT_EQ(allocations, before) << figure.name << ' ' << pen.penWidth() << ' ' << pen.penStyle();
       }
   }
 }
