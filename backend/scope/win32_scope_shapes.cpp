@@ -49,6 +49,13 @@ void dress(plat::Painter& painter, ccGraphicProps const& props, COLORREF color, 
     painter.noBrush();
 }
 
+// Boxes of round figures are worked out for a device whose graphics mode paints their right and lower edges as well, as the
+// mode that turns figures does. The painter's boxes end before these edges.
+plat::Rect withEndPels(plat::Rect const& r)
+{
+  return plat::Rect{r.left, r.top, cf_to32(std::int64_t{r.right} + 1), cf_to32(std::int64_t{r.bottom} + 1)};
+}
+
 ccVector<2> middleOf(plat::Rect const& r)
 {
   return ccVector<2>((static_cast<double>(r.left) + r.right) / 2, (static_cast<double>(r.top) + r.bottom) / 2);
@@ -100,8 +107,7 @@ void paintTurnedBox(plat::Painter& painter, plat::Rect const& box, double rotati
 // to the last in the sense of growing angles stays short.
 void partRays(plat::Point& first, plat::Point& last)
 {
-  // Rays start half a pel before the origin, in the middle of a box of an even number of pels.
-  long const side = static_cast<long>(first.x) + first.y + 2;
+  long const side = static_cast<long>(first.x) + first.y + 1;
   if (side >= 0) {
     ++first.x;
     ++last.y;
@@ -247,8 +253,8 @@ void ccWin32UIScope::draw(ccGenRect const& rect, ccGraphicProps const& props)
     dress(painter, props, bgrColor_(props.penColor()), props.fill());
     ccPoint const corner = rect.center() - rect.halfLengths();
     std::int64_t const x = xCoord(corner), y = yCoord(corner);
-    plat::Rect const figure{cf_to32(x), cf_to32(y), cf_to32(x + floorTL(rect.hx() * 2)),
-                            cf_to32(y + floorTL(rect.hy() * 2))};
+    plat::Rect const edges{cf_to32(x), cf_to32(y), cf_to32(x + floorTL(rect.hx() * 2)), cf_to32(y + floorTL(rect.hy() * 2))};
+    plat::Rect const figure = withEndPels(edges);
     ccVector<2> const round = rect.round();
     plat::Size const ends{cf_to32(cfTruncToLong(round.x() * 2)), cf_to32(cfTruncToLong(round.y() * 2))};
     double const angle = rect.orient().value();
@@ -274,7 +280,7 @@ void ccWin32UIScope::draw(ccGenRect const& rect, ccGraphicProps const& props)
     if (turned)
       return;
     if (round.x() > 0 && round.y() > 0)
-      paintTurnedBezier(painter, figure, round, angle, c, props.fill());
+      paintTurnedBezier(painter, edges, round, angle, c, props.fill());
     else
       paintTurnedBox(painter, figure, angle, c);
   });
@@ -311,12 +317,12 @@ void ccWin32UIScope::draw(ccEllipse const& ellipse, ccGraphicProps const& props)
                          cf_to32(ceilTL(ex + ellipse.rx()) - endPel), cf_to32(ceilTL(ey + ellipse.ry()) - endPel)};
     plat::Rect const placed = shifted(box, cfTruncToLong(shift.x()), cfTruncToLong(shift.y()));
     if (upright) {
-      painter.ellipse(placed);
+      painter.ellipse(withEndPels(placed));
       return;
     }
     WorldTurn const turn(painter, angle, shift);
     if (turn.inForce())
-      painter.ellipse(box);
+      painter.ellipse(withEndPels(box));
     else
       paintTurnedBezier(painter, placed, ccVector<2>(), angle, middleOf(placed), props.fill());
   });
@@ -355,7 +361,7 @@ void ccWin32UIScope::draw(ccEllipseArc const& arc, ccGraphicProps const& props)
       most ? partRays(last, first) : partRays(first, last);
     }
     // The device runs against the sense of growing angles, so it starts at the last ray.
-    plat::Rect const box{cf_to32(-rx), cf_to32(-ry), cf_to32(rx), cf_to32(ry)};
+    plat::Rect const box = withEndPels({cf_to32(-rx), cf_to32(-ry), cf_to32(rx), cf_to32(ry)});
     std::int64_t const x = cfTruncToLong(shift.x()), y = cfTruncToLong(shift.y());
     auto const placed = [x, y](plat::Point p) { return cf_toPoint(p.x + x, p.y + y); };
     double const angle = ellipse.rotation().value();

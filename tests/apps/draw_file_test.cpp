@@ -371,30 +371,31 @@ TEST(DrawFile, circlesAndEllipsesHaveTheirRadii)
 {
   DrawnPels const circle = drawn(R"({"kind": "circle", "center": [20, 15], "radius": 8, "color": "red"})");
   DrawnPels const filled = drawn(R"({"kind": "circle", "center": [20, 15], "radius": 8, "color": "red", "fill": true})");
-  // A figure of the surface ends two pels before its box does: columns 12 to 26, rows 7 to 21. All pels lie within one pel of
-  // the circle of radius 7 about the middle of these, (19, 14).
+  // The box (12, 7) to (28, 23) holds the columns 12 to 27 and the rows 7 to 22. All pels lie within one pel of the circle of
+  // radius 7.5 about the middle of these, (19.5, 14.5).
   for (long y = 0; y < 30; ++y)
     for (long x = 0; x < 40; ++x) {
-      double const r = std::hypot(static_cast<double>(x) - 19, static_cast<double>(y) - 14);
+      double const r = std::hypot(static_cast<double>(x) - 19.5, static_cast<double>(y) - 14.5);
       if (circle.at(x, y) == kRed) {
-        EXPECT_NEAR(r, 7, 1) << x << "," << y;
+        EXPECT_NEAR(r, 7.5, 1) << x << "," << y;
       }
-      if (r < 6) {
+      if (r < 6.5) {
         EXPECT_EQ(filled.at(x, y), kRed) << x << "," << y;
       }
-      if (r > 8) {
+      if (r > 8.5) {
         EXPECT_EQ(filled.at(x, y), kBlack) << x << "," << y;
       }
     }
   for (DrawnPels const* p : {&circle, &filled})
-    for (auto const& [x, y] : {std::pair(12, 14), std::pair(26, 14), std::pair(19, 7), std::pair(19, 21)})
+    for (auto const& [x, y] : {std::pair(12, 14), std::pair(27, 14), std::pair(19, 7), std::pair(19, 22)})
       EXPECT_EQ(p->at(x, y), kRed) << x << "," << y;
   for (char const* const kind : {"ellipse", "ellipse2"}) {
     DrawnPels const e =
         drawn(std::string(R"({"kind": ")") + kind + R"(", "center": [20, 15], "radii": [14, 4], "rotation": 90, "color": "red", "fill": true})");
-    // Turned by a right angle it stands upright, in the columns 16 to 22 and the rows 1 to 27.
+    // Turned by a right angle it stands upright, in the columns 16 to 23 and the rows 1 to 28.
     EXPECT_EQ(e.at(19, 1), kRed) << kind;
-    EXPECT_EQ(e.at(19, 27), kRed) << kind;
+    EXPECT_EQ(e.at(19, 28), kRed) << kind;
+    EXPECT_EQ(e.at(19, 29), kBlack) << kind;
     EXPECT_EQ(e.at(26, 15), kBlack) << kind;
     EXPECT_EQ(drawn(std::string(R"({"kind": ")") + kind + R"(", "center": [20, 15], "rx": 14, "ry": 4, "rotation": 90, "color": "red", "fill": true})").pels,
               e.pels);

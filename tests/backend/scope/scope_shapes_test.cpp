@@ -109,7 +109,7 @@ TEST_F(ScopeShapes, uprightRectangleTakesItsSizeFromTheFlooredSides)
   create(scope);
   ccGenRect const rect(ccPoint(15, 12), ccVector<2>(5, 4), ccRadian(0), ccVector<2>());
   scope.draw(rect, pen());
-  EXPECT_EQ(inked(scope), ccUIRect(10, 8, 10, 8));
+  EXPECT_EQ(inked(scope), ccUIRect(10, 8, 11, 9));  // from edge to edge
   EXPECT_TRUE(isInked(scope, 10, 8));
   EXPECT_FALSE(isInked(scope, 15, 12));
   // h is 1: the corner less h + 1, the size and 2 h + 2.
@@ -142,13 +142,13 @@ TEST_F(ScopeShapes, ellipseWithARadiusOf0IsAPoint)
   EXPECT_EQ(inked(scope), ccUIRect(8, 9, 1, 1));
 }
 
-TEST_F(ScopeShapes, ellipseFillsItsBoxLessTheLastColumnAndRow)
+TEST_F(ScopeShapes, ellipseReachesFromTheFlooredToTheCeiledEdgesLessOne)
 {
   ScopeProbe scope;
   create(scope);
   scope.draw(ccEllipse(ccPoint(15, 14), 6, 4, ccRadian(0)), pen());
-  // The box (9, 10) to (21, 18), less 1 at right and bottom, which are exclusive.
-  EXPECT_EQ(inked(scope), ccUIRect(9, 10, 11, 7));
+  // The box (9, 10) to (21, 18), less 1 at right and bottom.
+  EXPECT_EQ(inked(scope), ccUIRect(9, 10, 12, 8));
   EXPECT_EQ(scope.changeRect(), ccUIRect(6, 7, 17, 13));
 }
 

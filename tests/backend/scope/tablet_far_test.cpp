@@ -300,13 +300,13 @@ TEST_F(TabletFar, quarterTurnsAndMirrorsKeepFiguresSharp)
       tablet.draw(rect, pen(), kImage);
       long const hx = quarter % 2 ? 10 : 20, hy = quarter % 2 ? 20 : 10;
       Pels expected;
-      for (long x = 100 - hx; x < 100 + hx; ++x) {
+      for (long x = 100 - hx; x <= 100 + hx; ++x) {
         addPel(expected, x, 75 - hy);
-        addPel(expected, x, 75 + hy - 1);
+        addPel(expected, x, 75 + hy);
       }
-      for (long y = 75 - hy; y < 75 + hy; ++y) {
+      for (long y = 75 - hy; y <= 75 + hy; ++y) {
         addPel(expected, 100 - hx, y);
-        addPel(expected, 100 + hx - 1, y);
+        addPel(expected, 100 + hx, y);
       }
       EXPECT_EQ(inked(), expected) << quarter << ' ' << mirror;
     }
