@@ -15,6 +15,7 @@ public:
   virtual HPALETTE createPalette(std::span<PaletteEntry const>) = 0;  // at most 256; null when empty or longer
   virtual void deletePalette(HPALETTE) = 0;
   virtual std::vector<PaletteEntry> entries(HPALETTE) = 0;  // empty for a stale handle
+  virtual bool entry(HPALETTE, unsigned index, PaletteEntry&) = 0;  // false for a stale handle or an index beyond
   virtual unsigned nearest(HPALETTE, COLORREF) = 0;         // smallest squared distance, the first of equals
   virtual std::vector<PaletteEntry> systemEntries() = 0;    // 256
   virtual unsigned realize(HWND, HPALETTE) = 0;             // select and realize; count of entries changed

@@ -69,13 +69,9 @@ COLORREF ccWin32UIScope::bgrColor_(ccColor const& color) const
   ccWin32UIScope const& root = root_();
   if (depth_ == 8) {
     HPALETTE const palette = palette_ ? palette_ : root.palette_;
-    std::vector<plat::PaletteEntry> entries;
-    if (palette)
-      entries = plat::platform().objects.entries(palette);
-    if (color.index() < entries.size()) {
-      plat::PaletteEntry const& e = entries[color.index()];
+    plat::PaletteEntry e{};
+    if (palette && plat::platform().objects.entry(palette, color.index(), e))
       return static_cast<COLORREF>(e.r | e.g << 8 | e.b << 16);
-    }
   } else {
     std::vector<ccRGB> const& map = root.colorCacheMap_.getColorMap();
     if (color.index() < map.size()) {

@@ -33,6 +33,16 @@ public:
     return found ? *found : std::vector<PaletteEntry>();
   }
 
+  bool entry(HPALETTE handle, unsigned index, PaletteEntry& out) override
+  {
+    std::lock_guard const guard(mutex_);
+    auto const* const found = palettes_.find(handle);
+    if (!found || index >= found->size())
+      return false;
+    out = (*found)[index];
+    return true;
+  }
+
   unsigned nearest(HPALETTE handle, COLORREF color) override
   {
     std::lock_guard const guard(mutex_);

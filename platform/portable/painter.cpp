@@ -204,9 +204,14 @@ unsigned MemPainter::getBounds(Rect& out, unsigned flags)
   return state;
 }
 
+// Field by field: whoever has just written a pen's small fields can't be read in one go without a wait.
 void MemPainter::pen(Pen const& pen)
 {
-  pen_ = pen;
+  pen_.color = pen.color;
+  pen_.width = pen.width;
+  pen_.style = pen.style;
+  pen_.join = pen.join;
+  pen_.cap = pen.cap;
   penOn_ = true;
 }
 

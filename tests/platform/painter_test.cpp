@@ -269,11 +269,16 @@ TEST(GraphicsObjects, palettesLiveByHandle)
   HPALETTE const palette = objects.createPalette(three);
   ASSERT_NE(palette, nullptr);
   EXPECT_EQ(objects.entries(palette), std::vector<PaletteEntry>(std::begin(three), std::end(three)));
+  PaletteEntry one{};
+  EXPECT_TRUE(objects.entry(palette, 2, one));
+  EXPECT_EQ(one, three[2]);
+  EXPECT_FALSE(objects.entry(palette, 3, one));
   EXPECT_EQ(objects.nearest(palette, 0x0000F0), 1u);
   EXPECT_EQ(objects.nearest(palette, 0x00F000), 2u);
   EXPECT_EQ(objects.nearest(palette, 0x300000), 0u);
   objects.deletePalette(palette);
   EXPECT_TRUE(objects.entries(palette).empty());
+  EXPECT_FALSE(objects.entry(palette, 0, one));
   EXPECT_EQ(objects.createPalette({}), nullptr);
   EXPECT_EQ(objects.createPalette(std::vector<PaletteEntry>(257)), nullptr);
 }

@@ -86,3 +86,22 @@ TEST_F(ScopeAllocation, figuresThroughATabletAllocateNothingOnceTheyHaveBeenDraw
       }
   }
 }
+
+TEST_F(ScopeAllocation, pensOfAnIndexAloneAllocateNothingEither)
+{
+  for (int const depth : allDepths) {
+    screen(depth);
+    ScopeProbe scope;
+    create(scope);
+    scope.palette(testColors());
+    scope.cacheMap(testColors());
+    long afterFirst = 0;
+    for (int i = 0; i < 3; ++i) {
+      if (i == 1)
+        afterFirst = allocations;
+      scope.draw(ccLineSeg(ccPoint(2, 2), ccPoint(20, 9)),
+                 ccGraphicProps(ccColor(static_cast<unsigned char>(40 + i)), 1, ceSolidPen, false));
+    }
+    EXPECT_EQ(allocations, afterFirst) << depth;
+  }
+}
