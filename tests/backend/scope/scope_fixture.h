@@ -173,6 +173,18 @@ protected:
 
   void create(ScopeProbe& scope) { ASSERT_EQ(scope.create(window_, ccPair<long>(width, height), -1), 0); }
 
+  // The rectangle of all pels that aren't black, of a scope of the fixture's size.
+  static ccUIRect inked(ScopeProbe& scope)
+  {
+    std::vector<std::uint32_t> const pels = pelsOf(scope.surface());
+    ccUIRect r;
+    for (long y = 0; y < height; ++y)
+      for (long x = 0; x < width; ++x)
+        if (pels[static_cast<std::size_t>(y * width + x)] != 0)
+          r |= ccUIRect(x, y, 1, 1);
+    return r;
+  }
+
   std::uint32_t shown(long x, long y)
   {
     return plat::testing::pel(window_, plat::Point{static_cast<plat::i32>(x), static_cast<plat::i32>(y)});

@@ -23,16 +23,6 @@ protected:
     props.capStyle(cap);
     return props;
   }
-  static ccUIRect inked(ScopeProbe& scope)
-  {
-    std::vector<std::uint32_t> const pels = pelsOf(scope.surface());
-    ccUIRect r;
-    for (long y = 0; y < height; ++y)
-      for (long x = 0; x < width; ++x)
-        if (pels[static_cast<std::size_t>(y * width + x)] != 0)
-          r |= ccUIRect(x, y, 1, 1);
-    return r;
-  }
   static std::string rows(ScopeProbe& scope, ccUIRect const& r)
   {
     std::vector<std::uint32_t> const pels = pelsOf(scope.surface());

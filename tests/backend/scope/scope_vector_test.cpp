@@ -23,18 +23,6 @@ protected:
     }
     return rows;
   }
-
-  // The rectangle of all pels that aren't black.
-  static ccUIRect inked(ScopeProbe& scope)
-  {
-    std::vector<std::uint32_t> const pels = pelsOf(scope.surface());
-    ccUIRect r;
-    for (long y = 0; y < height; ++y)
-      for (long x = 0; x < width; ++x)
-        if (pels[static_cast<std::size_t>(y * width + x)] != 0)
-          r |= ccUIRect(x, y, 1, 1);
-    return r;
-  }
 };
 
 TEST_F(ScopeVector, lineOfOnePelPaintsItsLastPel)
