@@ -37,6 +37,35 @@ ccRLEBuffer ccRLEBuffer::fromPels(unsigned char const* pels, long w, long h, lon
   return result;
 }
 
+ccRLEBuffer ccRLEBuffer::fromRuns(std::span<unsigned char const> runs, long w, long h)
+{
+  ccRLEBuffer result;
+  // Each row takes two bytes at least.
+  if (w <= 0 || h <= 0 || static_cast<std::size_t>(h) > runs.size() / 2)
+    return result;
+  auto const data = std::make_shared<cs_Data>();
+  data->width = w;
+  data->height = h;
+  std::size_t at = 0;
+  for (long y = 0; y < h; ++y) {
+    data->rows.push_back(at);
+    long length = 0;
+    for (unsigned count = 1; count != 0; at += 2) {
+      if (at + 2 > runs.size())
+        return result;
+      count = runs[at + 1];
+      length += static_cast<long>(count);
+      if (length > w)
+        return result;
+    }
+  }
+  if (at != runs.size())
+    return result;
+  data->bytes.assign(runs.begin(), runs.end());
+  result.data_ = data;
+  return result;
+}
+
 long ccRLEBuffer::width() const
 {
   return data_ ? data_->width : 0;

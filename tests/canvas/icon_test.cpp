@@ -110,3 +110,22 @@ TEST(Icon, pointIconIsTouchedWithinItsArms)
     for (long x = -6; x <= 6; ++x)
       EXPECT_EQ(ccUITablet::pointIconTouched(ccPair<long>(x, y)), std::abs(x) <= 4 && std::abs(y) <= 4);
 }
+
+TEST(Icon, runsComeAsTheyStandOrNotAtAll)
+{
+  // Two rows of at most 4 pels: a whole one, and one that ends after 2.
+  std::vector<unsigned char> const runs{7, 3, 8, 1, 0, 0, 9, 2, 0, 0};
+  ccRLEBuffer const image = ccRLEBuffer::fromRuns(runs, 4, 2);
+  ASSERT_FALSE(image.isNull());
+  unsigned char const expected[2][4] = {{7, 7, 7, 8}, {9, 9, 0, 0}};
+  for (long y = 0; y < 2; ++y)
+    for (long x = 0; x < 4; ++x)
+      EXPECT_EQ(image.getPel(ccPair<long>(x, y)), expected[y][x]) << x << ' ' << y;
+  for (std::size_t length = 0; length < runs.size(); ++length)
+    EXPECT_TRUE(ccRLEBuffer::fromRuns(std::span(runs).first(length), 4, 2).isNull()) << length;
+  EXPECT_TRUE(ccRLEBuffer::fromRuns(runs, 3, 2).isNull());  // a row too long
+  EXPECT_TRUE(ccRLEBuffer::fromRuns(runs, 4, 1).isNull());  // bytes left over
+  EXPECT_TRUE(ccRLEBuffer::fromRuns(runs, 4, 3).isNull());
+  EXPECT_TRUE(ccRLEBuffer::fromRuns(runs, 0, 2).isNull());
+  EXPECT_TRUE(ccRLEBuffer::fromRuns(runs, 4, 2000000000L).isNull());
+}

@@ -624,16 +624,23 @@ TEST_F(ScopeRules, passColorFillsAnOverlayPlaneWithItsKeyAndAnImagePlaneNotAtAll
 
 TEST_F(ScopeRules, runRowWhoseFirstCountIsZeroIsEmpty)
 {
-  // Rows beyond the image are such rows.
-  unsigned char const pels[] = {7, 7, 7, 7};
-  ccRLEBuffer const image = ccRLEBuffer::fromPels(pels, 2, 2, 2);
-  for (long const y : {-1, 2}) {
-    EXPECT_EQ(image.row(y)[1], 0) << y;
-    EXPECT_EQ(image.getPel(ccPair<long>(0, y)), 0) << y;
+  // Rows of 3 pels, none, and 1 pel; what would follow the end of the empty row is the third row.
+  unsigned char const runs[] = {5, 3, 0, 0, 9, 0, 6, 1, 0, 0};
+  ccRLEBuffer const image = ccRLEBuffer::fromRuns(runs, 3, 3);
+  ASSERT_FALSE(image.isNull());
+  for (int const depth : allDepths) {
+    screen(depth);
+    ScopeProbe scope;
+    prepare(scope);
+    scope.set(ccColor::blackColor());
+    scope.draw(image, ccPoint(10, 10), std::vector<unsigned char>(), false, 0);
+    EXPECT_EQ(rows(scope, ccUIRect(9, 9, 5, 5)), ".....\n"
+                                                 ".###.\n"
+                                                 ".....\n"
+                                                 ".#...\n"
+                                                 ".....\n")
+        << depth;
   }
-  // The one behind each row's last run is what ends it.
-  EXPECT_EQ(image.row(0)[1], 2);
-  EXPECT_EQ(image.row(0)[3], 0);
 }
 
 TEST_F(ScopeRules, seeThroughRunsCutOnTheLeftKeepTheirPlaces)
