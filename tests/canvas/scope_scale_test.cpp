@@ -2,40 +2,14 @@
 
 #include "canvas/rle_buffer.h"
 #include "tests/support/memory_scope.h"
+#include "tests/support/memory_watch.h"
 #include "tests/support/plain_painter.h"
 
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <cstdlib>
 #include <limits>
-#include <new>
 #include <random>
-
-namespace {
-
-// Only allocations of the thread that asks are counted.
-thread_local long allocations = 0;
-
-}  // namespace
-
-[[gnu::noinline]] void* operator new(std::size_t size)
-{
-  ++allocations;
-  if (void* const memory = std::malloc(size ? size : 1))
-    return memory;
-  throw std::bad_alloc();
-}
-
-[[gnu::noinline]] void operator delete(void* memory) noexcept
-{
-  std::free(memory);
-}
-
-[[gnu::noinline]] void operator delete(void* memory, std::size_t) noexcept
-{
-  std::free(memory);
-}
 
 namespace {
 
@@ -302,10 +276,10 @@ TEST(PelScale, aSettledSizeAllocatesNothing)
   };
   scaleAll(0);
   unsigned char const* const held = out.pointToOffset();
-  long const before = allocations;
+  long const before = MemoryWatch::allocations();
   for (long i = 0; i < 10; ++i)
     scaleAll(i);  // never larger than the first
-  EXPECT_EQ(allocations, before);
+  EXPECT_EQ(MemoryWatch::allocations(), before);
   EXPECT_EQ(out.pointToOffset(), held);
 }
 

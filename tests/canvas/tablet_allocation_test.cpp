@@ -1,16 +1,11 @@
 // Drawing and repainting of settled trees takes no memory from the heap.
 #include "tests/canvas/tablet_fixture.h"
 #include "tests/support/every_figure.h"
+#include "tests/support/memory_watch.h"
 
 #include <gtest/gtest.h>
 
-#include <atomic>
-#include <cstdlib>
-#include <new>
-
 namespace {
-
-std::atomic<long> allocations{0};
 
 // Counts its drawing calls and keeps nothing.
 class QuietScope : public MemoryScope {
@@ -63,17 +58,6 @@ public:
 
 } // namespace
 
-// Not inlined, so that the compiler doesn't take free() for a mistake.
-[[gnu::noinline]] void* operator new(std::size_t size)
-{
-  ++allocations;
-  if (void* p = std::malloc(size ? size : 1))
-    return p;
-  throw std::bad_alloc();
-}
-[[gnu::noinline]] void operator delete(void* p) noexcept { std::free(p); }
-[[gnu::noinline]] void operator delete(void* p, std::size_t) noexcept { std::free(p); }
-
 TEST(TabletAllocation, settledFramesTakeNoMemory)
 {
   long calls = 0;
@@ -96,11 +80,11 @@ TEST(TabletAllocation, settledFramesTakeNoMemory)
     frame();
 
   calls = 0;
-  long const before = allocations;
+  long const before = MemoryWatch::allocations();
   for (int i = 0; i < 20; ++i)
     frame();
 
-  EXPECT_EQ(before, allocations);
+  EXPECT_EQ(before, MemoryWatch::allocations());
   EXPECT_GT(calls, 200);
 }
 
@@ -127,10 +111,10 @@ TEST(TabletAllocation, everyFigureTakesNoMemoryOnceItHasBeenDrawn)
         for (int i = 0; i < 2; ++i)
           figure.draw(top, *pen, kImage);
         calls = 0;
-        long const before = allocations;
+        long const before = MemoryWatch::allocations();
         for (int i = 0; i < 5; ++i)
           figure.draw(top, *pen, kImage);
-        EXPECT_EQ(before, allocations) << figure.name << ' ' << (pen == &filled);
+        EXPECT_EQ(before, MemoryWatch::allocations()) << figure.name << ' ' << (pen == &filled);
         if (&map != &maps[2]) {
           EXPECT_GT(calls, 0) << figure.name;
         }
@@ -138,10 +122,10 @@ TEST(TabletAllocation, everyFigureTakesNoMemoryOnceItHasBeenDrawn)
   }
   ccPolygon const triangle(std::vector<ccVector<2>>{{1, 1}, {9, 2}, {4, 8}}, 1);
   ccCircle const circle(ccPoint(9, 9), 4);
-  long const before = allocations;
+  long const before = MemoryWatch::allocations();
   top.draw(triangle, ccColor::redColor(), kImage);
   top.draw(circle, ccColor::redColor(), true, kImage);
   top.draw(ccGenRect(circle), ccColor::redColor(), kImage);
   top.drawPointIcon(ccPoint(3, 3), filled, kImage);
-  EXPECT_EQ(before, allocations);
+  EXPECT_EQ(before, MemoryWatch::allocations());
 }

@@ -1,26 +1,7 @@
 // Hit tests and boxes take no memory from the heap.
 #include "geometry/all.h"
 #include "tests/geometry/families.h"
-
-#include <atomic>
-#include <new>
-
-namespace {
-
-std::atomic<long> allocations{0};
-
-}  // namespace
-
-// Not inlined, so that the compiler doesn't take free() for a mistake.
-[[gnu::noinline]] void* operator new(std::size_t size)
-{
-  ++allocations;
-  if (void* const memory = std::malloc(size ? size : 1))
-    return memory;
-  throw std::bad_alloc();
-}
-[[gnu::noinline]] void operator delete(void* memory) noexcept { std::free(memory); }
-[[gnu::noinline]] void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
+#include "tests/support/memory_watch.h"
 
 using namespace krs_test;
 
@@ -59,14 +40,14 @@ TEST(Shapes, distancesAndBoxesDoNotAllocate)
       new ccCoordAxes(V(1, 2), V(3, 4), V(9, 9)),
       new ccShapeTree({new ccCircle(V(1, 2), 30), new ccEllipse(e)}),
   };
-  long const before = allocations;
+  long const before = MemoryWatch::allocations();
   double sum = 0;
   for (auto const& shape : shapes) {
     for (int i = 0; i < 20; ++i)
       sum += shape->distanceToPoint(V(10.0 * i - 100, 37.0 * i - 300));
     sum += shape->encloseRect().width();
   }
-  long const taken = allocations - before;
+  long const taken = MemoryWatch::allocations() - before;
 
   EXPECT_EQ(taken, 0);
   EXPECT_GT(sum, 0);
@@ -79,11 +60,11 @@ TEST(Shapes, distancesAndBoxesOfNoShapeOfAnyFamilyAllocate)
     for (int i = 0; i < rounds(100); ++i) {
       ccPtrHandle_const<ccShape> const shape = family.make(random);
       V const q = random.vector(200);
-      long const before = allocations;
+      long const before = MemoryWatch::allocations();
       double const d = shape->distanceToPoint(q);
       ccRect const box = shape->encloseRect();
       ccGenRect const same = shape->encloseGenRect();
-      long const taken = allocations - before;
+      long const taken = MemoryWatch::allocations() - before;
 
       ASSERT_EQ(taken, 0) << family.name;
       ASSERT_TRUE(d >= 0 && cf_isFinite(box.ul()) && cf_isFinite(same.center()));
@@ -109,11 +90,11 @@ TEST(Shapes, whatOnlyOneClassMeasuresDoesNotAllocateEither)
   ccGenPoly const poly(ccCircle(V(1, 2), 3));
   ccSMDGDPoly const edited(cc2Wireframe(poly, ccDimTol()), "poly");
   ccXform<2> const x(2, 3, V(4, 5));
-  long const before = allocations;
+  long const before = MemoryWatch::allocations();
   double sum = base.distanceToPoint(V(7, 8)) + base.encloseRect().width() + line.distToPoint(V(7, 8));
   sum += poly.encloseRect(x).width() + poly.arcSegment(1, true).distToPoint(V(7, 8)) + poly.isValid();
   sum += ccSMDGDPolyPrivate::roundPoint(edited, 1).x() + ccSMDGDPolyPrivate::vertexAngle(edited, 1).value();
-  long const taken = allocations - before;
+  long const taken = MemoryWatch::allocations() - before;
 
   EXPECT_EQ(taken, 0);
   EXPECT_GT(sum, 0);

@@ -3,11 +3,10 @@
 
 #include "platform/portable/core.h"
 #include "platform/portable/null_video.h"
+#include "tests/support/memory_watch.h"
 
 #include <atomic>
 #include <chrono>
-#include <cstdlib>
-#include <new>
 #include <random>
 #include <thread>
 
@@ -16,22 +15,6 @@ using plat::testing::drain;
 using plat::testing::pel;
 using portable::Core;
 using portable::VisiblePart;
-
-namespace {
-
-std::atomic<long> allocations = 0;
-
-}  // namespace
-
-[[gnu::noinline]] void* operator new(std::size_t size)
-{
-  ++allocations;
-  if (void* const memory = std::malloc(size ? size : 1))
-    return memory;
-  throw std::bad_alloc();
-}
-[[gnu::noinline]] void operator delete(void* memory) noexcept { std::free(memory); }
-[[gnu::noinline]] void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
 
 namespace {
 
@@ -249,14 +232,14 @@ TEST_F(WindowPaint, paintingInTheSteadyStateTakesNoMemory)
   kid(window, {20, 20, 70, 70});
   fill(inner, 1);
   fill(window, 2);
-  long const before = allocations;
+  long const before = MemoryWatch::allocations();
 
   for (u32 i = 0; i < 10; ++i) {
     fill(inner, i);
     fill(window, i);
   }
 
-  EXPECT_EQ(allocations, before);
+  EXPECT_EQ(MemoryWatch::allocations(), before);
 }
 
 TEST_F(WindowPaint, anExposedWindowIsPresentedAgainWithoutAPaintMessage)

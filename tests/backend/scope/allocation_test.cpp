@@ -1,30 +1,7 @@
 // A picture of settled size is drawn without a single allocation.
 #include "tests/backend/scope/scope_fixture.h"
 #include "tests/support/every_figure.h"
-
-#include <cstdlib>
-#include <new>
-
-namespace {
-
-long allocations = 0;
-
-void* counted(std::size_t size)
-{
-  ++allocations;
-  if (void* const p = std::malloc(size ? size : 1))
-    return p;
-  throw std::bad_alloc();
-}
-
-}  // namespace
-
-[[gnu::noinline]] void* operator new(std::size_t size) { return counted(size); }
-void* operator new[](std::size_t size) { return counted(size); }
-[[gnu::noinline]] void operator delete(void* p) noexcept { std::free(p); }
-void operator delete[](void* p) noexcept { std::free(p); }
-[[gnu::noinline]] void operator delete(void* p, std::size_t) noexcept { std::free(p); }
-void operator delete[](void* p, std::size_t) noexcept { std::free(p); }
+#include "tests/support/memory_watch.h"
 
 class ScopeAllocation : public ScopeTest {};
 
@@ -42,7 +19,7 @@ TEST_F(ScopeAllocation, framesOfSettledSizeAllocateNothing)
     long afterFirst = 0;
     for (int frame = 0; frame < 4; ++frame) {
       if (frame == 1)
-        afterFirst = allocations;
+        afterFirst = MemoryWatch::allocations();
       ccPelBuffer<unsigned char> const& image = frame % 2 ? first : second;
       scope.lockScreenUpdatesPush(true);
       child->draw(image, ccPoint(1, 1), false, 0, true);
@@ -54,7 +31,7 @@ TEST_F(ScopeAllocation, framesOfSettledSizeAllocateNothing)
       scope.set(ccUIRect(1, 1, 3, 3), ccColor::redColor());
       scope.lockScreenUpdatesPop();
     }
-    EXPECT_EQ(allocations, afterFirst) << depth;
+    EXPECT_EQ(MemoryWatch::allocations(), afterFirst) << depth;
   }
 }
 
@@ -79,10 +56,10 @@ TEST_F(ScopeAllocation, figuresThroughATabletAllocateNothingOnceTheyHaveBeenDraw
       for (ccGraphicProps const& pen : pens) {
         for (int i = 0; i < 2; ++i)
           figure.draw(top, pen, image);
-        long const before = allocations;
+        long const before = MemoryWatch::allocations();
         for (int i = 0; i < 3; ++i)
           figure.draw(top, pen, image);
-        EXPECT_EQ(allocations, before) << figure.name << ' ' << pen.penWidth() << ' ' << pen.penStyle();
+        EXPECT_EQ(MemoryWatch::allocations(), before) << figure.name << ' ' << pen.penWidth() << ' ' << pen.penStyle();
       }
   }
 }
@@ -98,10 +75,10 @@ TEST_F(ScopeAllocation, pensOfAnIndexAloneAllocateNothingEither)
     long afterFirst = 0;
     for (int i = 0; i < 3; ++i) {
       if (i == 1)
-        afterFirst = allocations;
+        afterFirst = MemoryWatch::allocations();
       scope.draw(ccLineSeg(ccPoint(2, 2), ccPoint(20, 9)),
                  ccGraphicProps(ccColor(static_cast<unsigned char>(40 + i)), 1, ceSolidPen, false));
     }
-    EXPECT_EQ(allocations, afterFirst) << depth;
+    EXPECT_EQ(MemoryWatch::allocations(), afterFirst) << depth;
   }
 }

@@ -1,28 +1,8 @@
 // Enter, leave and motion.
+#include "tests/support/memory_watch.h"
 #include "tests/support/test_tree.h"
 
 #include <gtest/gtest.h>
-
-#include <atomic>
-#include <cstdlib>
-#include <new>
-
-namespace {
-
-std::atomic<std::size_t> allocations{0};
-
-}  // namespace
-
-// Counts every allocation of the program, so that the hover path can be shown to make none.
-[[gnu::noinline]] void* operator new(std::size_t size)
-{
-  ++allocations;
-  if (void* const memory = std::malloc(size ? size : 1))
-    return memory;
-  throw std::bad_alloc();
-}
-[[gnu::noinline]] void operator delete(void* memory) noexcept { std::free(memory); }
-[[gnu::noinline]] void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
 
 namespace {
 
@@ -185,13 +165,13 @@ TEST_F(Hover, theHoverPathAllocatesNothing)
   ccMouseEvent event = cfMouse(ccMouseEvent::mouseMoved, {0, 0}, 0, 0);
   processor.processEvent(event);
 
-  std::size_t const before = allocations;
+  long const before = MemoryWatch::allocations();
   for (long i = 0; i < 1000; ++i) {
     event.position({i % 200, i % 50});
     processor.processEvent(event);
   }
 
-  EXPECT_EQ(allocations, before);
+  EXPECT_EQ(MemoryWatch::allocations(), before);
   EXPECT_FALSE(quiet.cursors.empty());  // the box was met on the way
 }
 

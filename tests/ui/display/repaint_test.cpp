@@ -1,36 +1,9 @@
 // What a new image costs: which layers are painted, what is presented, and that a settled display allocates nothing.
+#include "tests/support/memory_watch.h"
 #include "tests/support/test_display.h"
 #include "tests/ui/display/test_images.h"
 
 #include <gtest/gtest.h>
-
-#include <atomic>
-#include <cstdlib>
-#include <new>
-
-namespace {
-
-std::atomic<bool> counting{false};
-std::atomic<long> allocations{0};
-
-void* counted(std::size_t size)
-{
-  if (counting)
-    ++allocations;
-  if (void* const memory = std::malloc(size ? size : 1))
-    return memory;
-  throw std::bad_alloc();
-}
-
-}  // namespace
-
-// For the whole test program.
-[[gnu::noinline]] void* operator new(std::size_t size) { return counted(size); }
-void* operator new[](std::size_t size) { return counted(size); }
-[[gnu::noinline]] void operator delete(void* memory) noexcept { std::free(memory); }
-void operator delete[](void* memory) noexcept { std::free(memory); }
-[[gnu::noinline]] void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
-void operator delete[](void* memory, std::size_t) noexcept { std::free(memory); }
 
 namespace {
 
@@ -238,25 +211,14 @@ struct Settled {
     test->redraws.reserve(1000);
     for (int i = 0; i < 6; ++i)
       show(images[i % 2]);
-    allocations = 0;
-    counting = true;
+    long const before = MemoryWatch::allocations();
     for (int i = 0; i < 20; ++i)
       show(images[i % 2]);
-    counting = false;
-    return allocations;
+    return MemoryWatch::allocations() - before;
   }
 };
 
 constexpr double kMags[] = {1.0, 3.0, 0.5, 1.37};
-
-TEST(DisplayAllocations, countingWorks)
-{
-  allocations = 0;
-  counting = true;
-  auto const p = std::make_unique<std::vector<int>>(100);
-  counting = false;
-  EXPECT_EQ(allocations, 2);
-}
 
 TEST(DisplayAllocations, eightBitImagesOfASettledSizeMakeNone)
 {
@@ -301,13 +263,12 @@ TEST(DisplayAllocations, aDragStepOfTheImageMakesNone)
   test.moveTo({50, 50}).press();
   for (long i = 0; i < 10; ++i)
     test.moveTo({50 + i, 50 - i});
-  allocations = 0;
-  counting = true;
+  long const before = MemoryWatch::allocations();
   for (long i = 0; i < 10; ++i)
     test.moveTo({60 - i, 40 + i});
-  counting = false;
+  long const taken = MemoryWatch::allocations() - before;
   test.release();
-  EXPECT_EQ(allocations, 0);
+  EXPECT_EQ(taken, 0);
 }
 
 }  // namespace
