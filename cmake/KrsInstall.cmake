@@ -35,10 +35,12 @@ endfunction()
 function(krs_install_headers)
   set(to ${CMAKE_INSTALL_INCLUDEDIR}/krsdisp)
   install(FILES krsdisp.h DESTINATION ${to})
-  install(DIRECTORY foundation geometry acquisition canvas ui backend DESTINATION ${to} FILES_MATCHING PATTERN "*.h")
-  # What realises the platform stays inside; only the switches that platform/testing.h shows come along.
-  file(GLOB platform_headers CONFIGURE_DEPENDS platform/*.h)
-  install(FILES ${platform_headers} DESTINATION ${to}/platform)
+  # A folder's own headers; what lies deeper realises it and stays inside.
+  foreach(folder ${KRS_FOLDERS})
+    file(GLOB headers CONFIGURE_DEPENDS ${folder}/*.h)
+    install(FILES ${headers} DESTINATION ${to}/${folder})
+  endforeach()
+  # Only the switches that platform/testing.h shows come along.
   install(FILES platform/portable/device_testing.h DESTINATION ${to}/platform/portable)
 endfunction()
 

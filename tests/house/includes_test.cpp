@@ -16,42 +16,27 @@ struct Floor {
   std::vector<std::string> mayInclude;  // folders, besides itself
 };
 
-std::vector<std::string> plus(std::vector<std::string> a, std::vector<std::string> const& b)
-{
-  a.insert(a.end(), b.begin(), b.end());
-  return a;
-}
-
-// The longest folder that starts a file's path decides.
+// As the list of folders says. A folder may include what those that it names may include. The longest folder that starts a
+// file's path decides.
 std::vector<Floor> floors()
 {
-  std::vector<std::string> const f1 = {"foundation"};
-  std::vector<std::string> const f12 = plus(f1, {"geometry"});
-  std::vector<std::string> const f3 = plus(f12, {"canvas"});
-  std::vector<std::string> const acq = {"acquisition"};
-  std::vector<std::string> const core = plus(plus(f3, acq), {"ui/core"});
-  std::vector<std::string> const f5 = plus(core, {"ui/display", "ui/shapes", "ui/controls"});
-  std::vector<std::string> const scope = plus(f3, plus(acq, {"platform"}));
-  std::vector<std::string> const f6 = plus(f5, {"ui/notify", "ui/menu", "backend/scope", "platform"});
-  std::vector<std::string> const f7 = plus(f6, {"backend/win32", "backend/live"});
-  return {
-      {"foundation", {}},
-      {"geometry", f1},
-      {"acquisition", f1},
-      {"platform", f1},
-      {"canvas", f12},
-      {"ui/core", plus(f3, acq)},
-      {"ui/display", core},
-      {"ui/shapes", core},
-      {"ui/controls", core},
-      {"ui/notify", f5},
-      {"ui/menu", f5},
-      {"backend/scope", scope},
-      {"backend/win32", plus(f6, {"backend/live"})},
-      {"backend/live", plus(f6, {"backend/win32"})},
-      {"consoles", f7},
-      {"remote", f7},
-  };
+  std::vector<Floor> all;
+  std::ifstream list(fs::path(KRS_SOURCE_DIR) / "cmake" / "folders.txt");
+  for (std::string line; std::getline(list, line);) {
+    std::istringstream words(line);
+    Floor floor;
+    std::string library;
+    if (!(words >> floor.folder >> library) || floor.folder[0] == '#')
+      continue;
+    for (std::string named; words >> named;) {
+      floor.mayInclude.push_back(named);
+      for (Floor const& below : all)
+        if (below.folder == named)
+          floor.mayInclude.insert(floor.mayInclude.end(), below.mayInclude.begin(), below.mayInclude.end());
+    }
+    all.push_back(floor);
+  }
+  return all;
 }
 
 std::string slashed(fs::path const& p) { return p.generic_string(); }
@@ -73,10 +58,10 @@ std::map<std::string, Source> const& sources()
     std::map<std::string, Source> found;
     fs::path const root = KRS_SOURCE_DIR;
     std::regex const quoted("^\\s*#\\s*include\\s*\"([^\"]+)\""), angled("^\\s*#\\s*include\\s*<([^>]+)>");
-    for (char const* const top : {"foundation", "geometry", "acquisition", "platform", "canvas", "ui", "backend",
-                                  "consoles", "remote", "apps", "examples"}) {
-      if (!fs::exists(root / top))
-        continue;
+    std::set<std::string> tops = {"apps", "examples"};
+    for (Floor const& floor : floors())
+      tops.insert(floor.folder.substr(0, floor.folder.find('/')));
+    for (std::string const& top : tops) {
       for (auto const& entry : fs::recursive_directory_iterator(root / top)) {
         if (entry.path().extension() != ".h" && entry.path().extension() != ".cpp")
           continue;
@@ -110,6 +95,17 @@ Floor const* floorOf(std::vector<Floor> const& all, std::string const& path)
 }  // namespace
 
 TEST(House, sourcesAreFound) { EXPECT_GT(sources().size(), 100u); }
+
+TEST(House, everySourceOfTheLibraryStandsInAListedFolder)
+{
+  std::vector<Floor> const all = floors();
+  EXPECT_GE(all.size(), 10u);
+  for (auto const& [path, source] : sources()) {
+    if (!under(path, "apps") && !under(path, "examples")) {
+      EXPECT_NE(floorOf(all, path), nullptr) << path;
+    }
+  }
+}
 
 TEST(House, includesNameFilesThatExistFromTheRoot)
 {
