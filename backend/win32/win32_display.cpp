@@ -21,7 +21,7 @@ constexpr double kNoCachedValue = -2147483647.0;  // 0x80000001
 
 ccMutex& ccWin32Display::listMutex()
 {
-  static ccMutex* const mutex = new ccMutex;  // needed until the last window is gone, whenever that is
+  static ccMutex* const mutex = new ccMutex(cc_LockRank::displayList);  // needed until the last window is gone, whenever that is
   return *mutex;
 }
 

@@ -43,7 +43,7 @@ Core& Core::instance()
 
 void Core::ensureStarted()
 {
-  std::lock_guard<std::mutex> starting(startMutex_);
+  std::lock_guard const starting(startMutex_);
   if (started_)
     return;
   Ptr<Video> video = makeWindowVideo();
@@ -64,7 +64,7 @@ bool Core::start(Ptr<Video> video)
   int const bits = video->depth();
   if (bits != 8 && bits != 15 && bits != 16 && bits != 24 && bits != 32)
     return false;
-  std::lock_guard<std::mutex> starting(startMutex_);
+  std::lock_guard const starting(startMutex_);
   {
     Lock lock(mutex_);
     if (!tree_.tops().empty())

@@ -133,7 +133,8 @@ public:
 
 private:
   friend class BarTracker;
-  using Lock = std::unique_lock<std::mutex>;
+  using Lock = std::unique_lock<cc_LeafMutex<cc_LockRank::windowTable>>;
+  using Painting = std::lock_guard<BackingMutex>;
   using Palette = std::array<PaletteEntry, 256>;
 
   struct Posted {
@@ -220,7 +221,7 @@ private:
   void changeBar(HWND, int bar, bool redraw, std::function<void(ScrollBar&)> const& change);
   bool pressOnBar(HWND, Point screen, unsigned mods);
 
-  std::mutex mutex_;
+  cc_LeafMutex<cc_LockRank::windowTable> mutex_;
   std::function<void(HWND, std::vector<std::string> const&)> dropHandler_;
   WindowTree tree_;
   std::deque<Posted> posted_;
@@ -247,7 +248,7 @@ private:
 
   Ptr<Video> video_;
   std::atomic<bool> started_ = false;
-  std::mutex startMutex_;
+  cc_LeafMutex<cc_LockRank::windowStart> startMutex_;
   std::atomic<std::thread::id> ui_ = {};
   std::atomic<bool> quit_ = false;
   std::atomic<int> quitCode_ = 0;

@@ -151,7 +151,7 @@ void Core::exposed(HWND top)
   if (backing->lent())
     return renewBacking(top);
   {
-    Lock painting(backing->mutex);
+    Painting const painting(backing->mutex);
     backing->markDirty({0, 0, backing->block().width, backing->block().height});
   }
   present(*backing);

@@ -324,7 +324,7 @@ void Core::paintBars(HWND window)
   if (!backing || visible.empty() || (areas[0].empty() && areas[1].empty()))
     return;
   {
-    Lock painting(backing->mutex);
+    Painting const painting(backing->mutex);
     PelBlock const& block = backing->block();
     auto const fill = [&](Rect const& area, u32 color) {
       u32 const pel = pelOf(colorrefOf(color), block.depth, palette());

@@ -122,7 +122,7 @@ void Core::destroyRecord(HWND handle)
     record = tree_.remove(handle);
   }
   if (backing)
-    Lock const painted(backing->mutex);
+    Painting const painted(backing->mutex);
   if (record->systemMenu)
     menus().destroy(record->systemMenu);
 }

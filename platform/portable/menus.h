@@ -2,11 +2,11 @@
 // of their top-level window.
 #pragma once
 
+#include "foundation/leaf_mutex.h"
 #include "platform/portable/handle_table.h"
 #include "platform/window.h"
 
 #include <deque>
-#include <mutex>
 
 namespace plat::portable {
 
@@ -51,7 +51,7 @@ private:
   HMENU build(std::vector<MenuEntry> const&);
   void change(HMENU, unsigned first, unsigned last, std::function<void(MenuItem&)> const&);
 
-  std::mutex mutex_;
+  cc_LeafMutex<cc_LockRank::menus> mutex_;
   HandleTable<HMENU, Menu> menus_;
   std::deque<Answer> boxAnswers_;
   std::deque<unsigned> menuAnswers_;

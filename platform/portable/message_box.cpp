@@ -241,7 +241,7 @@ int Menus::messageBox(HWND owner, std::string const& text, std::string const& ca
   Answer prepared;
   bool answered;
   {
-    std::lock_guard<std::mutex> lock(mutex_);
+    std::lock_guard const lock(mutex_);
     answered = !boxAnswers_.empty();
     if (answered) {
       prepared = std::move(boxAnswers_.front());

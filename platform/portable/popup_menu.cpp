@@ -305,7 +305,7 @@ void Menus::track(HMENU menu, Point screen, HWND owner)
   unsigned chosen = 0;
   bool answered = false;
   {
-    std::lock_guard<std::mutex> lock(mutex_);
+    std::lock_guard const lock(mutex_);
     answered = !menuAnswers_.empty();
     if (answered) {
       chosen = menuAnswers_.front();
