@@ -16,7 +16,7 @@ constexpr std::size_t rankCount = static_cast<std::size_t>(cc_LockRank::count);
 constexpr char const* names[] = {
     "a lock of the application", "a wait for another thread", "the windows' thread", "the list of displays",
     "a root's mutex", "the orphans' mutex", "the registry of nodes", "a critical section", "the links of displays",
-    "the conversions of an image", "the start of the screen", "the menus", "the window table", "a backing", "the passed over errors",
+    "the conversions of an image", "the start of the screen", "the menus", "a backing", "the window table", "the passed over errors",
     "fonts and palettes", "the device", "the glyphs", "the dictionaries", "the persistent classes", "the debug sink", "the painters",
     "a wake-up", "the inside of a lock", "the list of threads", "a thread's record"};
 static_assert(std::size(names) == rankCount);
@@ -227,7 +227,10 @@ void cf_freeEdge(cs_Held const& held, Node from, Node to, char const* wanted, Ci
     cf_report("locks in a circle", held, wanted, &opposite.first);
 }
 
-// Two roots meet where a node moves from one to the other. One thread may do that in both directions.
+// The mutexes of two trees meet where a hook moves a node from one to the other, and the orphans are a tree here too. One
+// thread may do that in both directions.
+bool cf_ofTrees(cc_LockRank rank) { return rank == cc_LockRank::root || rank == cc_LockRank::orphans; }
+
 void cf_rootEdge(cs_Held const& held, void const* to)
 {
   Node const a = reinterpret_cast<Node>(held.lock), b = reinterpret_cast<Node>(to);
@@ -243,7 +246,7 @@ void cf_rootEdge(cs_Held const& held, void const* to)
       cf_addEdge(a, b);
   }
   if (circle)
-    cf_report("two roots in both orders", held, cf_nameOf(cc_LockRank::root), &opposite);
+    cf_report("two trees in both orders", held, cf_nameOf(cc_LockRank::root), &opposite);
 }
 
 void cf_rankedEdge(cs_Held const& held, cc_LockRank rank)
@@ -273,7 +276,7 @@ void cf_check(void const* lock, cc_LockRank rank)
     if (held.rank <= cc_LockRank::windowThread && held.rank != cc_LockRank::none && rank != cc_LockRank::none)
       continue;  // what a thread is may come before all that it takes
     if (held.rank != cc_LockRank::none && rank != cc_LockRank::none) {
-      if (held.rank == cc_LockRank::root && rank == cc_LockRank::root)
+      if (cf_ofTrees(held.rank) && cf_ofTrees(rank))
         cf_rootEdge(held, lock);
       else
         cf_rankedEdge(held, rank);

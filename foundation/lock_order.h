@@ -15,7 +15,7 @@ enum class cc_LockRank : std::uint8_t {
   // Mutexes under which hooks and callbacks run.
   displayList,  // ccWin32Display::listMutex
   root,         // of each tree; two meet only where a node changes its tree, the former one first
-  orphans,      // of all nodes without a tree
+  orphans,      // of all nodes without a tree; a hook of such a node that puts it into a tree takes a root's under it
   ui,           // the registry of nodes and roots
 
   // Leaves. Nothing of an application runs under them.
@@ -24,8 +24,8 @@ enum class cc_LockRank : std::uint8_t {
   conversions,   // of one acquired image
   windowStart,   // the choice of the screen at first use
   menus,
+  backing,       // the pels of one top-level window; whoever paints may look at the table, nobody paints under it
   windowTable,   // all windows, queues and timers
-  backing,       // the pels of one top-level window
   x11Errors,     // of which windows errors are passed over
   objects,       // fonts and palettes by handle
   device,        // what surfaces share

@@ -23,7 +23,7 @@ public:
   // With pels in lent it stands in that memory, which belongs to the video window; else in its own.
   Backing(Size, int depth, PelBlock const& lent, VideoWindow*);
 
-  BackingMutex mutex;  // guards the pels and what is dirty
+  BackingMutex mutex;  // guards the pels and what is dirty; before the window table's lock, never after it
 
   PelBlock const& block() const { return block_; }
   bool lent() const { return lent_; }

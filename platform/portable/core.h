@@ -98,7 +98,9 @@ public:
   void advance(unsigned ms);                  // of the virtual clock
   void turnClock(unsigned ms) { virtualNow_ += ms; }  // alone
   std::uint64_t now() const;                  // milliseconds
-  void callOnUi(std::function<void()> const&);  // and waits for it
+  // And waits for it. What it throws comes out here. False when it never ran: quit was called, the loop or its thread
+  // has ended, or all was started anew.
+  bool callOnUi(std::function<void()> const&);
 
   // A window over a video window that others made. Null when make gives none.
   HWND adopt(std::function<Ptr<VideoWindow>(HWND, Rect& screen)> const& make);
@@ -144,6 +146,7 @@ private:
     LParam lParam = 0;
     std::function<void()> call;  // in place of the message
     bool always = false;       // runs whatever became of the window
+    bool handed = false;       // its sender waits on another thread
   };
   struct Timer {
     HWND window = {};
@@ -174,11 +177,14 @@ private:
 
   Core() = default;
   void ensureStarted();
-  void take(Ptr<Video>);
+  std::deque<Posted> take(Ptr<Video>);
   void claimUi();
+  void watchUi();  // sees the end of the calling thread
+  void uiEnded();
+  void dropHanded();
   void wake();
   void callWhenOnUi(std::function<void()>);  // at once, or in turn from another thread
-  void enqueue(Posted);
+  bool enqueue(Posted);
   void enqueue(Input const&);
   static LResult defaultProc(HWND, unsigned message, WParam, LParam);
   LResult deliver(HWND, unsigned message, WParam, LParam);  // on the windows' thread
@@ -195,6 +201,7 @@ private:
   void setMinimized(HWND, bool);
   void move(HWND, Rect const&, bool tellVideo);
   void sendSize(HWND, unsigned kind);
+  bool quiet(HWND);
   void destroyRecord(HWND);
   void leave(HWND);  // a window that goes out of sight gives up capture, focus and activation
   void activate(HWND top);
@@ -251,6 +258,7 @@ private:
   cc_LeafMutex<cc_LockRank::windowStart> startMutex_;
   std::atomic<std::thread::id> ui_ = {};
   std::atomic<bool> quit_ = false;
+  std::atomic<bool> loopOver_ = false;  // run() has returned, and nothing has pumped since
   std::atomic<int> quitCode_ = 0;
   std::atomic<std::uint64_t> virtualNow_ = 0;
   std::atomic<bool> dirtyPending_ = false;

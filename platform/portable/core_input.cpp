@@ -364,9 +364,8 @@ void Core::handleCharacter(Input const& input)
 HWND Core::setCapture(HWND window)
 {
   if (!onUi()) {
-    HWND former = {};
-    callOnUi([&] { former = setCapture(window); });
-    return former;
+    post(window, [=, this] { setCapture(window); });
+    return capture();
   }
   HWND former;
   VideoWindow* video = nullptr;
@@ -386,7 +385,19 @@ HWND Core::setCapture(HWND window)
   return former;
 }
 
-void Core::releaseCapture() { setCapture({}); }
+// From another thread in turn, and then only what was captured when it was asked for.
+void Core::releaseCapture()
+{
+  if (onUi()) {
+    setCapture({});
+    return;
+  }
+  HWND const held = capture();
+  post(held, [=, this] {
+    if (capture() == held)
+      setCapture({});
+  });
+}
 
 void Core::clipCursor(Rect const* screen)
 {

@@ -22,9 +22,18 @@ LParam packed(i32 x, i32 y) { return static_cast<LParam>(u32(static_cast<u16>(y)
 
 }  // namespace
 
+// A hidden window with the default procedure: no procedure of an application and nothing of the video is asked for it.
+bool Core::quiet(HWND handle)
+{
+  Lock lock(mutex_);
+  Window const* const w = tree_.find(handle);
+  return w && w->proc == &defaultProc && !w->has(visibleStyle) && !w->video && !w->backing && w->kids.empty() &&
+         std::none_of(tree_.tops().begin(), tree_.tops().end(), [&](Window const* t) { return t->owner == handle; });
+}
+
 HWND Core::create(WindowDesc const& desc)
 {
-  if (!onUi()) {
+  if (!onUi() && (desc.proc || (desc.style & visibleStyle))) {
     HWND made = {};
     callOnUi([&] { made = create(desc); });
     return made;
@@ -63,7 +72,7 @@ HWND Core::create(WindowDesc const& desc)
 
 bool Core::destroy(HWND handle)
 {
-  if (!onUi()) {
+  if (!onUi() && !quiet(handle)) {
     bool done = false;
     callOnUi([&] { done = destroy(handle); });
     return done;
@@ -453,7 +462,7 @@ void Core::deactivate(HWND top)
 void Core::setFocus(HWND handle)
 {
   if (!onUi())
-    return callOnUi([=, this] { setFocus(handle); });
+    return callWhenOnUi([=, this] { setFocus(handle); });
   HWND top = {};
   {
     Lock lock(mutex_);

@@ -297,8 +297,10 @@ MenuTracker* MenuTracker::running = nullptr;
 void Menus::track(HMENU menu, Point screen, HWND owner)
 {
   Core& core = Core::instance();
-  if (!core.onUi())
-    return core.callOnUi([=, this] { track(menu, screen, owner); });
+  if (!core.onUi()) {
+    core.callOnUi([=, this] { track(menu, screen, owner); });
+    return;
+  }
   if (count(menu) < 0 || MenuTracker::running)
     return;
   core.send(owner, initPopupMessage, reinterpret_cast<WParam>(menu), 0);

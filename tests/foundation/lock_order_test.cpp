@@ -148,13 +148,13 @@ TEST_F(LockOrder, twoSectionsNeverNestAndNothingComesUnderALeaf)
   cc_LeafMutex<cc_LockRank::backing> backing;
   ccMutex root(cc_LockRank::root);
   {
-    std::lock_guard const first(table);
-    std::lock_guard const second(backing);
+    std::lock_guard const first(backing);
+    std::lock_guard const second(table);
   }
   EXPECT_TRUE(faults.empty());
   {
-    std::lock_guard const first(backing);
-    std::lock_guard const second(table);
+    std::lock_guard const first(table);
+    std::lock_guard const second(backing);
   }
   EXPECT_EQ(faults.size(), 1u);
   {
