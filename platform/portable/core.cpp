@@ -526,7 +526,9 @@ void Core::stopCalls(uptr key)
   std::erase_if(timers_, [&](Timer const& t) { return t.id == key && t.call; });
 }
 
-InputGrab* Core::grab(InputGrab* grab) { return std::exchange(grab_, grab); }
+void Core::grab(InputGrab& grab) { grabs_.push_back(&grab); }
+
+void Core::endGrab(InputGrab const& grab) { std::erase(grabs_, &grab); }
 
 Size Core::screenSize() const { return {screenWidth_, screenHeight_}; }
 

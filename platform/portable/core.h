@@ -23,6 +23,8 @@ public:
   virtual void key(unsigned virtualKey, bool down) = 0;
 };
 
+class BarTracker;
+
 class Core final : public WindowSystem, public VideoSink {
 public:
   static Core& instance();  // started by itself if init was not called
@@ -124,11 +126,16 @@ public:
   HWND focus();
   HWND capture();
   HCURSOR currentCursor();
+  std::string title(HWND);
+  ScrollBar scrollBar(HWND, int bar);
+  HCURSOR cursorOf(HWND);
   void raiseTopmost(HWND);  // in front of its siblings for good
   HMENU systemMenu(HWND);
   void systemMenu(HWND, HMENU);
 
-  InputGrab* grab(InputGrab*);  // returns the former
+  // The one that came last has the input. They may go in any order.
+  void grab(InputGrab&);
+  void endGrab(InputGrab const&);
   // Calls again and again until the key is given to stopCalls. The windows' thread.
   void callEvery(uptr key, unsigned ms, std::function<void()>);
   void stopCalls(uptr key);
@@ -227,6 +234,7 @@ private:
   Point clipped(Point) const;
   void changeBar(HWND, int bar, bool redraw, std::function<void(ScrollBar&)> const& change);
   bool pressOnBar(HWND, Point screen, unsigned mods);
+  void endTracking(HWND);  // of a bar of this window or of one inside it
 
   cc_LeafMutex<cc_LockRank::windowTable> mutex_;
   std::function<void(HWND, std::vector<std::string> const&)> dropHandler_;
@@ -248,8 +256,8 @@ private:
   std::vector<Ptr<Palette const>> palettes_;  // a drawing thread may still read a former one
 
   // Of the windows' thread alone.
-  InputGrab* grab_ = nullptr;
-  Ptr<InputGrab> barTracker_;
+  std::vector<InputGrab*> grabs_;
+  std::shared_ptr<BarTracker> barTracker_;
   std::uint64_t round_ = 0;
   std::vector<std::shared_ptr<Backing>> presenting_;
 

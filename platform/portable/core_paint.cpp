@@ -1,4 +1,5 @@
 // Pels: backings, what of them is visible, presenting, and the turn of messages 20 and 15.
+#include "platform/portable/attempts.h"
 #include "platform/portable/core.h"
 #include "platform/portable/painter.h"
 #include "platform/portable/pel_format.h"
@@ -201,13 +202,15 @@ bool Core::paint(HWND handle)
       return false;
     erase = std::exchange(w->eraseDue, false);
   }
+  Attempts all;
   if (erase) {
     HDC const dc = openWindowDC(handle);
-    deliver(handle, eraseMessage, reinterpret_cast<WParam>(dc), 0);
+    all.run([&] { deliver(handle, eraseMessage, reinterpret_cast<WParam>(dc), 0); });
     if (dc)
       closeWindowDC(dc);
   }
-  deliver(handle, paintMessage, 0, 0);
+  all.run([&] { deliver(handle, paintMessage, 0, 0); });
+  all.finish();
   return true;
 }
 

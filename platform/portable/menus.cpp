@@ -154,6 +154,18 @@ void Menus::forgetAnswers()
   menuAnswers_.clear();
 }
 
+std::pair<std::string, std::string> Menus::lastBox()
+{
+  std::lock_guard const lock(mutex_);
+  return lastBox_;
+}
+
+std::vector<MenuItem> Menus::lastMenu()
+{
+  std::lock_guard const lock(mutex_);
+  return lastMenu_;
+}
+
 void Menus::answerMenu(unsigned id)
 {
   std::lock_guard const lock(mutex_);
