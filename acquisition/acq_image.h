@@ -2,9 +2,8 @@
 // and may be asked for on any thread.
 #pragma once
 
+#include "foundation/leaf_mutex.h"
 #include "foundation/pel_buffer.h"
-
-#include <mutex>
 
 class ccAcqImage : public ccRepBase {
 public:
@@ -36,7 +35,7 @@ private:
   long bits_ = 8;
   long tag_;
   unsigned long frame_;
-  std::mutex conversions_;
+  cc_LeafMutex<cc_LockRank::conversions> conversions_;
   // The acquired pels stand in the member of the image's own format; the others are filled on demand.
   ccPelBuffer<unsigned char> grey8_;
   ccPelBuffer<unsigned short> grey16_;

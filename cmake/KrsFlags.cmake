@@ -6,6 +6,13 @@ if(NOT CMAKE_BUILD_TYPE AND NOT CMAKE_CONFIGURATION_TYPES)
   set(CMAKE_BUILD_TYPE Dev CACHE STRING "" FORCE)
 endif()
 
+# Every lock is watched for the order of locks, but in what is delivered.
+option(KRS_CHECK_LOCKS "Watch the order in which locks are taken" ON)
+if(KRS_CHECK_LOCKS AND CMAKE_BUILD_TYPE STREQUAL "Dev")
+  add_compile_definitions(KRS_CHECK_LOCKS)
+  add_link_options($<$<PLATFORM_ID:Linux>:-rdynamic>)  # names in the stacks of a report
+endif()
+
 # One picture on every machine: no fused multiply-add behind our back, nothing for the machine at hand.
 add_compile_options(-ffp-contract=off)
 

@@ -1,7 +1,7 @@
 // A recursive lock for short sections of one module, which cannot be broken. Nothing else is locked inside one.
 #pragma once
 
-#include <mutex>
+#include "foundation/leaf_mutex.h"
 
 class ccCriticalSection {
 public:
@@ -14,7 +14,7 @@ public:
   void unlock() { mutex_.unlock(); }
 
 private:
-  std::recursive_mutex mutex_;
+  cc_RankedMutex<std::recursive_mutex, cc_LockRank::section> mutex_;
 };
 
 class ccCriticalSectionLock {

@@ -1,13 +1,14 @@
 #include "foundation/message_string.h"
 
 #include "foundation/format.h"
-
-#include <mutex>
+#include "foundation/leaf_mutex.h"
 
 namespace {
 
+using Guard = cc_RankedMutex<std::recursive_mutex, cc_LockRank::dictionaries>;
+
 struct cs_Dictionaries {
-  std::recursive_mutex guard;
+  Guard guard;
   std::vector<ccDllDictionary*> all;
 };
 
@@ -18,7 +19,7 @@ cs_Dictionaries& cf_dictionaries()
   return dictionaries;
 }
 
-using Hold = std::lock_guard<std::recursive_mutex>;
+using Hold = std::lock_guard<Guard>;
 
 }  // namespace
 

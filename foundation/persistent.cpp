@@ -1,14 +1,15 @@
 #include "foundation/persistent.h"
 
+#include "foundation/leaf_mutex.h"
+
 #include <map>
-#include <mutex>
 
 namespace {
 
 using Maker = ccPersistent* (*)();
 
 struct cs_Registry {
-  std::mutex guard;
+  cc_LeafMutex<cc_LockRank::persistent> guard;
   std::map<std::string, Maker> makers;
 };
 
@@ -28,7 +29,7 @@ cc_Instantiator::cc_Instantiator(char const* name, ccPersistent* (*maker)())
   if (!name || !maker)
     return;
   cs_Registry& registry = cf_registry();
-  std::lock_guard<std::mutex> const hold(registry.guard);
+  std::lock_guard const hold(registry.guard);
   registry.makers.emplace(name, maker);
 }
 
@@ -37,7 +38,7 @@ ccPersistent* cc_Instantiator::make(std::string const& name)
   Maker maker = nullptr;
   {
     cs_Registry& registry = cf_registry();
-    std::lock_guard<std::mutex> const hold(registry.guard);
+    std::lock_guard const hold(registry.guard);
     auto const found = registry.makers.find(name);
     if (found != registry.makers.end())
       maker = found->second;

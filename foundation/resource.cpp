@@ -15,11 +15,11 @@ inline ccThreadID cf_me() { return tc_threadID ? tc_threadID : cfCurrentThreadID
 
 KRS_DEFINE_EXCEPTION(cc_Resource::BrokenLock, ccException, 0x10000120)
 
-cc_Resource::~cc_Resource() = default;
+cc_Resource::~cc_Resource() { cc_LockCheck::died(this); }
 
 void cc_Resource::breakLocks()
 {
-  std::lock_guard<std::mutex> const hold(guard_);
+  std::lock_guard const hold(guard_);
   broken_ = true;
   for (Node* node = first_; node; node = node->after)
     node->wait->breakIt();
@@ -27,7 +27,7 @@ void cc_Resource::breakLocks()
 
 void cc_Resource::mendLocks()
 {
-  std::lock_guard<std::mutex> const hold(guard_);
+  std::lock_guard const hold(guard_);
   broken_ = false;
 }
 
@@ -59,7 +59,7 @@ void cc_Resource::wakeFirst_()
 
 void cc_Resource::enter_(Node& node, cc_Wait& wait)
 {
-  std::lock_guard<std::mutex> const hold(guard_);
+  std::lock_guard const hold(guard_);
   node = {this, &wait, last_, nullptr};
   (last_ ? last_->after : first_) = &node;
   last_ = &node;
@@ -69,7 +69,7 @@ void cc_Resource::enter_(Node& node, cc_Wait& wait)
 
 void cc_Resource::leave_(Node& node)
 {
-  std::lock_guard<std::mutex> const hold(guard_);
+  std::lock_guard const hold(guard_);
   (node.before ? node.before->after : first_) = node.after;
   (node.after ? node.after->before : last_) = node.before;
   // The signal may have been meant for the next one: this waiter took less than there is, or nothing.
@@ -104,27 +104,36 @@ bool ccMutex::take_()
 
 bool ccMutex::lock(double timeout)
 {
-  if (relock_())
-    return true;
-  {
-    std::lock_guard<std::mutex> const hold(guard_);
-    if (take_())
-      return true;
-  }
-  return wait_(timeout, std::uncaught_exceptions() > 0 ? Firm::Yes : Firm::No);
+  return relock_() || lock_(timeout, std::uncaught_exceptions() > 0 ? Firm::Yes : Firm::No);
 }
 
 void ccMutex::lockFirm_()
 {
   if (!relock_())
-    wait_(cfForever, Firm::Yes);
+    lock_(cfForever, Firm::Yes);
+}
+
+bool ccMutex::lock_(double timeout, Firm firm)
+{
+  if (cc_LockCheck::on && cc_Deadline(timeout).forever())
+    cc_LockCheck::wanted(this, rank_);
+  bool got;
+  {
+    std::lock_guard const hold(guard_);
+    got = take_();
+  }
+  got = got || wait_(timeout, firm);
+  if (got)
+    cc_LockCheck::taken(this, rank_);
+  return got;
 }
 
 void ccMutex::unlock()
 {
   if (!lockedByMe() || --count_ > 0)
     return;
-  std::lock_guard<std::mutex> const hold(guard_);
+  cc_LockCheck::given(this, rank_);
+  std::lock_guard const hold(guard_);
   owner_.store(0, std::memory_order_relaxed);
   wakeFirst_();
 }
@@ -146,14 +155,15 @@ void ccSemaphore::release(long n)
 {
   if (n < 1)
     return;
-  std::lock_guard<std::mutex> const hold(guard_);
+  cc_LockCheck::gives(this);
+  std::lock_guard const hold(guard_);
   count_ = n < maximum_ - count_ ? count_ + n : maximum_;
   wakeFirst_();
 }
 
 long ccSemaphore::count() const
 {
-  std::lock_guard<std::mutex> const hold(guard_);
+  std::lock_guard const hold(guard_);
   return count_;
 }
 
@@ -168,20 +178,21 @@ bool ccEvent::take_()
 
 void ccEvent::set()
 {
-  std::lock_guard<std::mutex> const hold(guard_);
+  cc_LockCheck::gives(this);
+  std::lock_guard const hold(guard_);
   set_ = true;
   wakeFirst_();
 }
 
 void ccEvent::reset()
 {
-  std::lock_guard<std::mutex> const hold(guard_);
+  std::lock_guard const hold(guard_);
   set_ = false;
 }
 
 bool ccEvent::isSet() const
 {
-  std::lock_guard<std::mutex> const hold(guard_);
+  std::lock_guard const hold(guard_);
   return set_;
 }
 

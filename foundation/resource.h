@@ -6,6 +6,7 @@
 #pragma once
 
 #include "foundation/exception.h"
+#include "foundation/leaf_mutex.h"
 
 #include <atomic>
 #include <cstdint>
@@ -50,9 +51,10 @@ protected:
   // Under guard_:
   virtual bool take_() = 0;                   // takes the resource for the calling thread, if it can be had
   virtual bool available_() const = 0;        // could a waiter take it
+  virtual bool given_() const { return true; }  // comes from another thread, and is no lock that its taker gives back
   void wakeFirst_();                          // call when it has become available
 
-  std::mutex mutable guard_;  // never held while waiting
+  cc_LeafMutex<cc_LockRank::resource> mutable guard_;  // never held while waiting
 
 private:
   friend class ccLock;
@@ -75,6 +77,7 @@ private:
 // is not broken.
 class ccMutex final : public cc_Resource {
 public:
+  explicit ccMutex(cc_LockRank rank = cc_LockRank::none) : rank_(rank) {}
   static ccMutex& global();  // one for the process, never destroyed
 
   bool lock(double timeout = cfForever) override;
@@ -85,13 +88,16 @@ protected:
   void lockFirm_() override;
   bool take_() override;
   bool available_() const override { return owner_.load(std::memory_order_relaxed) == 0; }
+  bool given_() const override { return false; }
 
 private:
   bool relock_();
+  bool lock_(double timeout, Firm);
 
   // Written under the guard. Read without it only to compare with the reader's own number, which nobody else writes.
   std::atomic<ccThreadID> owner_{0};
   long count_ = 0;  // the owner's
+  cc_LockRank rank_;
 };
 
 // A count from 0 to a maximum. A wait takes 1; nobody owns what was taken.

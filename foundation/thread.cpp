@@ -32,6 +32,7 @@ ccThreadID cfCreateThreadTRX(void (*function)(void*), void* argument, cePriority
   try {
     std::thread([record, function, argument, own, apply] {
       cc_ThreadRecord::adopt(record);
+      cc_LockCheck::Hold const life(&record->over, cc_LockRank::threadEnd);
       if (apply)
         record->setPriority(own);
       try {

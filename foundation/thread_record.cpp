@@ -12,7 +12,7 @@ namespace {
 using Record = std::shared_ptr<cc_ThreadRecord>;
 
 struct cs_Threads {
-  std::mutex guard;
+  cc_LeafMutex<cc_LockRank::threads> guard;
   ccThreadID last = 0;
   std::unordered_map<ccThreadID, Record> running;
 };
@@ -58,7 +58,7 @@ cc_Deadline::cc_Deadline(double timeout) : kind_(Kind::Timed)
 Record cc_ThreadRecord::create(cePriority priority)
 {
   cs_Threads& threads = cf_threads();
-  std::lock_guard<std::mutex> const hold(threads.guard);
+  std::lock_guard const hold(threads.guard);
   auto record = std::make_shared<cc_ThreadRecord>(threads.last + 1, priority);
   threads.running.emplace(record->id, record);
   ++threads.last;
@@ -78,7 +78,7 @@ Record cc_ThreadRecord::current()
 Record cc_ThreadRecord::find(ccThreadID id)
 {
   cs_Threads& threads = cf_threads();
-  std::lock_guard<std::mutex> const hold(threads.guard);
+  std::lock_guard const hold(threads.guard);
   auto const found = threads.running.find(id);
   return found == threads.running.end() ? nullptr : found->second;
 }
@@ -87,7 +87,7 @@ void cc_ThreadRecord::adopt(Record const& record)
 {
   holder.record = record;
   tc_threadID = record->id;
-  std::lock_guard<std::mutex> const hold(record->guard);
+  std::lock_guard const hold(record->guard);
   record->systemThread = cf_systemThread();
 }
 
@@ -95,11 +95,11 @@ void cc_ThreadRecord::forget(Record const& record)
 {
   {
     cs_Threads& threads = cf_threads();
-    std::lock_guard<std::mutex> const hold(threads.guard);
+    std::lock_guard const hold(threads.guard);
     threads.running.erase(record->id);
   }
   {
-    std::lock_guard<std::mutex> const hold(record->guard);
+    std::lock_guard const hold(record->guard);
     record->ended = true;
   }
   record->over.set();
@@ -107,7 +107,7 @@ void cc_ThreadRecord::forget(Record const& record)
 
 void cc_ThreadRecord::breakWaits()
 {
-  std::lock_guard<std::mutex> const hold(guard);
+  std::lock_guard const hold(guard);
   broken = true;
   if (wait)
     wait->breakHeld_();
@@ -117,7 +117,7 @@ void cc_ThreadRecord::mendWaits() { broken = false; }
 
 void cc_ThreadRecord::setPriority(cePriority level)
 {
-  std::lock_guard<std::mutex> const hold(guard);
+  std::lock_guard const hold(guard);
   priority = level;
   if (systemThread && !ended)
     cf_applyPriority(systemThread, level);
@@ -125,13 +125,13 @@ void cc_ThreadRecord::setPriority(cePriority level)
 
 cePriority cc_ThreadRecord::readPriority()
 {
-  std::lock_guard<std::mutex> const hold(guard);
+  std::lock_guard const hold(guard);
   return priority;
 }
 
 cc_Wait::cc_Wait(bool firm) : record_(cc_ThreadRecord::current()), firm_(firm)
 {
-  std::lock_guard<std::mutex> const hold(record_->guard);
+  std::lock_guard const hold(record_->guard);
   record_->wait = this;
   if (record_->broken)
     breakHeld_();
@@ -139,20 +139,20 @@ cc_Wait::cc_Wait(bool firm) : record_(cc_ThreadRecord::current()), firm_(firm)
 
 cc_Wait::~cc_Wait()
 {
-  std::lock_guard<std::mutex> const hold(record_->guard);
+  std::lock_guard const hold(record_->guard);
   record_->wait = nullptr;
 }
 
 void cc_Wait::signal()
 {
-  std::lock_guard<std::mutex> const hold(record_->guard);
+  std::lock_guard const hold(record_->guard);
   signalled_ = true;
   record_->wake.notify_one();
 }
 
 void cc_Wait::breakIt()
 {
-  std::lock_guard<std::mutex> const hold(record_->guard);
+  std::lock_guard const hold(record_->guard);
   breakHeld_();
 }
 
@@ -166,19 +166,19 @@ void cc_Wait::breakHeld_()
 
 bool cc_Wait::isBroken()
 {
-  std::lock_guard<std::mutex> const hold(record_->guard);
+  std::lock_guard const hold(record_->guard);
   return broken_;
 }
 
 bool cc_Wait::sleep(cc_Deadline const& deadline)
 {
-  std::unique_lock<std::mutex> hold(record_->guard);
+  cc_LeafWait hold(record_->guard);
   auto const called = [this] { return signalled_ || broken_; };
   bool timely = true;
   if (deadline.forever())
-    record_->wake.wait(hold, called);
+    record_->wake.wait(hold.native(), called);
   else
-    timely = record_->wake.wait_until(hold, deadline.at(), called);
+    timely = record_->wake.wait_until(hold.native(), deadline.at(), called);
   signalled_ = false;
   return timely;
 }
@@ -189,7 +189,7 @@ long cc_Wait::any(cc_Resource* const* resources, std::size_t count, double timeo
     for (std::size_t i = 0; i < count; ++i) {
       if (!resources[i])
         continue;
-      std::lock_guard<std::mutex> const hold(resources[i]->guard_);
+      std::lock_guard const hold(resources[i]->guard_);
       if (resources[i]->take_())
         return static_cast<long>(i);
     }
@@ -200,6 +200,10 @@ long cc_Wait::any(cc_Resource* const* resources, std::size_t count, double timeo
   cc_Deadline const deadline(timeout);
   if (index >= 0 || deadline.poll())
     return index;
+  if (deadline.forever())
+    for (std::size_t i = 0; i < count; ++i)
+      if (resources[i] && resources[i]->given_())
+        cc_LockCheck::waits(resources[i], cc_LockRank::threadEnd);
 
   cc_Wait wait(firm);
   struct cs_Entries {

@@ -48,7 +48,7 @@ private:
   friend class cc_Wait;
 
   // The guard comes after the guard of any resource.
-  std::mutex guard;
+  cc_LeafMutex<cc_LockRank::threadRecord> guard;
   std::condition_variable wake;
   cc_Wait* wait = nullptr;  // the present wait
   cePriority priority;

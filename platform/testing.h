@@ -7,6 +7,7 @@
 #endif
 
 #include <functional>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -23,6 +24,27 @@ void answerBox(int result, std::function<void()> meanwhile = {});
 // The next tracked menu chooses id, as far as it has such an item and the item is enabled; 0 dismisses it.
 void answerMenu(unsigned id);
 void debugSink(std::function<void(std::string_view)>);  // empty: none
+
+
+// What was told to the machine, read back.
+struct MenuState {
+  unsigned id = 0;  // 0: a line, or an item that opens a popup
+  std::string text;
+  bool enabled = false, checked = false, radio = false;
+};
+struct ScrollState {
+  bool shown = false, enabled = false;
+  i32 min = 0, max = 0, pos = 0;
+  u32 page = 0;
+};
+std::string title(HWND);
+std::vector<MenuState> menuStates(HMENU);
+std::vector<MenuState> trackedMenu();  // the menu that was tracked last, as it was then
+std::string boxText();                 // of the message box that was shown last
+std::string boxCaption();
+ScrollState scrollState(HWND, int bar);
+HCURSOR cursor();
+HCURSOR windowCursor(HWND);            // its class cursor
 
 #ifndef _WIN32
 // Buttons: 1 left, 2 right, 16 middle; mods: 4 Shift, 8 Control, 32 Alt. Goes through hit test, capture and clip.

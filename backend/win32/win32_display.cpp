@@ -21,31 +21,8 @@ constexpr double kNoCachedValue = -2147483647.0;  // 0x80000001
 
 ccMutex& ccWin32Display::listMutex()
 {
-  static ccMutex* const mutex = new ccMutex;  // needed until the last window is gone, whenever that is
+  static ccMutex* const mutex = new ccMutex(cc_LockRank::displayList);  // needed until the last window is gone, whenever that is
   return *mutex;
-}
-
-// ---- The lists of the process ----
-
-std::vector<cs_SubclassEntry>& cf_subclassList()
-{
-  static auto* const list = new std::vector<cs_SubclassEntry>;
-  return *list;
-}
-
-std::vector<cs_ParentEntry>& cf_parentList()
-{
-  static auto* const list = new std::vector<cs_ParentEntry>;
-  return *list;
-}
-
-ccWin32Display* ccWin32Display::subclassingDisplay(HWND window)
-{
-  ccLock lock(listMutex());
-  for (cs_SubclassEntry const& entry : cf_subclassList())
-    if (entry.window == window)
-      return entry.display;
-  return nullptr;
 }
 
 // ---- Construction ----
@@ -61,14 +38,33 @@ ccWin32Display::ccWin32Display(HWND w)
   mouseMode(pointerMode);
   imageScope_.redrawCallBack(&ccWin32Display::redrawAll_, this);
   win32Root_->imageScope(&imageScope_);
-  if (w)
-    window(w);
-  colorMap(colorMap(), 10);
-  colorMapEx(std::vector<ccRGB>(ccDisplay::colorMapEx()));
+  try {
+    if (w)
+      window(w);
+    colorMap(colorMap(), 10);
+    colorMapEx(std::vector<ccRGB>(ccDisplay::colorMapEx()));
+  } catch (...) {
+    end_();
+    throw;
+  }
 }
 
-ccWin32Display::~ccWin32Display()
+ccWin32Display::~ccWin32Display() { end_(); }
+
+// No new message finds the display from here on, and those that have found it end first.
+void ccWin32Display::end_()
 {
+  std::uint64_t place;
+  {
+    ccLock lock(rootMutex(), /*lockNow=*/false);
+    lock.lockFirm();
+    place = place_;
+  }
+  if (place != 0) {
+    cc_DisplayList::remove(place);
+    if (!plat::platform().windows.onOwnThread(window_))
+      cc_DisplayList::waitUntilLeft(this);
+  }
   window(nullptr);
   setScope(imageLayer, nullptr, false);
   // The display goes on as an orphan; its base classes need no root.
@@ -88,36 +84,40 @@ void ccWin32Display::redrawAll_(void* display)
 
 void ccWin32Display::leaveWindow_()
 {
-  plat::WindowSystem& windows = plat::platform().windows;
   stopRepeat_();
   restoreParent_();
-  if (windows.isWindow(window_))
-    windows.subclass(window_, formerProc_);
-  std::erase_if(cf_subclassList(), [this](cs_SubclassEntry const& e) { return e.display == this; });
+  cc_DisplayList::remove(place_);
   if (overlayScope_)
     overlayScopeOff_();
   win32Root_->window(nullptr);
   setScope(imageLayer, nullptr, false);
   imageScope_.destroy();
   window_ = nullptr;
-  formerProc_ = nullptr;
+  place_ = 0;
 }
 
 void ccWin32Display::window(HWND w)
 {
-  ccLock list(listMutex());
   ccLock lock(rootMutex());
   if (w == window_)
     return;
   if (window_)
     leaveWindow_();
-  plat::WindowSystem& windows = plat::platform().windows;
-  if (!w || !windows.isWindow(w))
+  if (!w || !plat::platform().windows.isWindow(w))
     return;
+  try {
+    enterWindow_(w);
+  } catch (...) {
+    leaveWindow_();
+    throw;
+  }
+}
+
+void ccWin32Display::enterWindow_(HWND w)
+{
   window_ = w;
-  formerProc_ = windows.subclass(w, &ccWin32Display::windowProc);
-  cf_subclassList().push_back({w, this});
-  plat::Rect const client = windows.clientRect(w);
+  place_ = cc_DisplayList::add(w, &ccWin32Display::windowProc, this);
+  plat::Rect const client = plat::platform().windows.clientRect(w);
   ccPair<long> const size(std::max(client.width(), 1), std::max(client.height(), 1));
   imageScope_.create(w, size, -1);
   win32Root_->overlayColorMap(imageScope_.cacheColorMap());
@@ -153,35 +153,20 @@ void ccWin32Display::subclassParent_()
 
 void ccWin32Display::subclassParent(HWND w)
 {
-  ccLock list(listMutex());
   plat::WindowSystem& windows = plat::platform().windows;
   HWND const parent = windows.parent(w);
   if (!parent || parent == windows.desktop())
     return;
-  auto& parents = cf_parentList();
-  auto const found =
-      std::find_if(parents.begin(), parents.end(), [parent](cs_ParentEntry const& e) { return e.window == parent; });
-  if (found != parents.end())
-    ++found->uses;
-  else
-    parents.push_back({parent, windows.subclass(parent, &ccWin32Display::windowProc), 1});
+  subclassedParents_.reserve(subclassedParents_.size() + 1);
+  cc_DisplayList::addParent(parent, &ccWin32Display::windowProc);
   subclassedParents_.push_back(parent);
   subclassParent(parent);
 }
 
 void ccWin32Display::restoreParent_()
 {
-  ccLock list(listMutex());
-  auto& parents = cf_parentList();
-  for (HWND const parent : subclassedParents_) {
-    auto const found =
-        std::find_if(parents.begin(), parents.end(), [parent](cs_ParentEntry const& e) { return e.window == parent; });
-    if (found == parents.end() || --found->uses > 0)
-      continue;
-    if (plat::platform().windows.isWindow(parent))
-      plat::platform().windows.subclass(parent, found->former);
-    parents.erase(found);
-  }
+  for (HWND const parent : subclassedParents_)
+    cc_DisplayList::removeParent(parent);
   subclassedParents_.clear();
 }
 

@@ -2,8 +2,10 @@
 // keep the picture whole, and scroll bars, palette and pan stay in step. The window's owner keeps the window and its loop;
 // the display's owner deletes the display, before or after the window goes.
 //
-// Messages come on the window's thread. All else may be called on any thread, under the root's mutex; the list of
-// subclassed windows has a mutex of its own, taken before the root's.
+// Messages come on the window's thread. All else may be called on any thread, under the root's mutex. A display may also be
+// made and deleted on any thread while the window's thread pumps: the destructor waits until that thread is in no message of
+// the display, and so is called with no lock held. An own subclass is made without window and then put on one, since its
+// messages come as soon as it stands there. listMutex comes before a root's mutex; the library itself never waits under it.
 #pragma once
 
 #include "backend/scope/win32_scope.h"
@@ -12,8 +14,13 @@
 #include "ui/core/keyboard_event.h"
 #include "ui/display/display.h"
 
+#include <atomic>
 #include <cstdint>
 #include <string>
+
+namespace cc_DisplayList {
+class Visit;
+}
 
 class ccWin32Display : public ccDisplay {
 public:
@@ -102,13 +109,13 @@ protected:
 
 private:
   using Proc = std::intptr_t (*)(HWND, unsigned, std::uintptr_t, std::intptr_t);
-  class cc_Alive;  // tells after a call whether this display still stands on the window
-
   static std::intptr_t windowProc(HWND, unsigned message, std::uintptr_t wParam, std::intptr_t lParam);
-  static ccWin32Display* subclassingDisplay(HWND);
   static void redrawAll_(void* display);
-  std::intptr_t windowProc_(unsigned message, std::uintptr_t wParam, std::intptr_t lParam);
-  std::intptr_t chain_(unsigned message, std::uintptr_t wParam, std::intptr_t lParam);
+  std::intptr_t windowProc_(cc_DisplayList::Visit&, HWND, unsigned message, std::uintptr_t wParam, std::intptr_t lParam);
+  bool handle_(cc_DisplayList::Visit&, unsigned message, std::uintptr_t wParam, std::intptr_t lParam);
+  void paletteMessage_();
+  void enterWindow_(HWND);
+  void end_();
   static std::intptr_t parentProc_(HWND, unsigned message, std::uintptr_t wParam, std::intptr_t lParam);
   void leaveWindow_();
   void layOut_(ccPair<long> const& size);
@@ -127,12 +134,12 @@ private:
   void fillInfo_(cs_GetDisplayedImageInfo&, Layers);
   template <class T> void displayed_(ccPelBuffer<T>&, Layers);
 
-  HWND window_ = nullptr;
-  Proc formerProc_ = nullptr;
+  std::atomic<HWND> window_ = nullptr;  // written under the root's mutex
+  std::atomic<std::uint64_t> place_ = 0;  // in the list of displays
   ccUIWin32Root* win32Root_;
   ccWin32UIScope imageScope_;
   ccWin32UIScope* overlayScope_ = nullptr;
-  std::uintptr_t timerId_ = 0;  // of the held left button
+  std::atomic<std::uintptr_t> timerId_ = 0;  // of the held left button
   ccPair<long> pressPos_, lastPos_;
   bool horzScrollBar_ = false;
   bool vertScrollBar_ = false;

@@ -8,6 +8,7 @@
 #include "ui/core/event_processor.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace {
 
@@ -53,126 +54,127 @@ constexpr cs_MouseRow kMouse[] = {
 
 }  // namespace
 
-// Hooks run inside an event and may delete the display or take it off its window.
-class ccWin32Display::cc_Alive {
-public:
-  explicit cc_Alive(ccWin32Display& display) : display_(&display), window_(display.window_), key_(display.key()) {}
-  explicit operator bool() const
-  {
-    ccLock lock(listMutex());
-    return subclassingDisplay(window_) == display_ && display_->key() == key_;
-  }
+using cc_DisplayList::Visit;
 
-private:
-  ccWin32Display* display_;
-  HWND window_;
-  std::uint32_t key_;
-};
+namespace {
+
+thread_local Visit* currentVisit = nullptr;  // of the message that is being handled
+
+}  // namespace
 
 std::intptr_t ccWin32Display::windowProc(HWND window, unsigned message, std::uintptr_t wParam, std::intptr_t lParam)
 {
-  // The list's mutex is free again before anything is called.
-  if (ccWin32Display* const display = subclassingDisplay(window))
-    return display->windowProc_(message, wParam, lParam);
+  Visit visit(window, cc_DisplayList::kNewest);
+  if (visit.display())
+    return visit.display()->windowProc_(visit, window, message, wParam, lParam);
   return parentProc_(window, message, wParam, lParam);
 }
 
 // A parent of a chroma-keyed display: the picture beneath it may have changed.
 std::intptr_t ccWin32Display::parentProc_(HWND window, unsigned message, std::uintptr_t wParam, std::intptr_t lParam)
 {
-  plat::MessageProc former = nullptr;
-  std::vector<ccWin32Display*> keyed;
-  {
-    ccLock lock(listMutex());
-    for (cs_ParentEntry const& entry : cf_parentList())
-      if (entry.window == window)
-        former = entry.former;
-    if (message == kMove || message == kQueryNewPalette || message == kPaletteChanged)
-      for (cs_SubclassEntry const& entry : cf_subclassList())
-        if (entry.display->chromaKeyingEnabled())
-          keyed.push_back(entry.display);
-  }
-  for (ccWin32Display* const display : keyed) {
-    if (message == kMove) {
-      ccLock lock(display->rootMutex());
-      display->imageScope_.updateScreen();
-    } else
-      display->windowProc_(message, wParam, lParam);
-  }
+  plat::MessageProc const former = cc_DisplayList::former(window);
+  if (former && (message == kMove || message == kQueryNewPalette || message == kPaletteChanged))
+    for (cc_DisplayList::Place const place : cc_DisplayList::all()) {
+      Visit visit(place);
+      ccWin32Display* const display = visit.display();
+      if (!display)
+        continue;
+      {
+        ccLock lock(display->rootMutex());
+        if (!display->chromaKeyingEnabled())
+          continue;
+        if (message == kMove) {
+          display->imageScope_.updateScreen();
+          continue;
+        }
+      }
+      display->windowProc_(visit, display->window_, message, wParam, lParam);
+    }
   return former ? plat::platform().windows.callProc(former, window, message, wParam, lParam) : 0;
 }
 
-std::intptr_t ccWin32Display::chain_(unsigned message, std::uintptr_t wParam, std::intptr_t lParam)
+// What the display has not handled goes to the one before it on the window, and from the first to the application. The
+// display is left before that: it may take long, and on the way nothing touches it.
+std::intptr_t ccWin32Display::windowProc_(Visit& visit, HWND window, unsigned message, std::uintptr_t wParam,
+                                          std::intptr_t lParam)
 {
-  return plat::platform().windows.callProc(formerProc_, window_, message, wParam, lParam);
-}
-
-std::intptr_t ccWin32Display::windowProc_(unsigned message, std::uintptr_t wParam, std::intptr_t lParam)
-{
-  cc_Alive const alive(*this);
-  HWND const window = window_;
-  Proc const former = formerProc_;
-  bool handled = false;
+  plat::MessageProc const former = cc_DisplayList::former(window);
+  cc_DisplayList::Place const place = visit.place();
+  auto const passOn = [&]() -> std::intptr_t {
+    visit.leave();
+    Visit next(window, place);
+    if (next.display())
+      return next.display()->windowProc_(next, window, message, wParam, lParam);
+    return former ? plat::platform().windows.callProc(former, window, message, wParam, lParam) : 0;
+  };
   switch (message) {
-  case kKeyDown:
-  case kKeyUp:
-  case kChar:
-    handled = processKeyboardMsg(message, wParam, lParam);
-    break;
   case kDestroy:
-    chain_(message, wParam, lParam);
-    if (alive)
+    passOn();
+    if (visit.again())
       this->window(nullptr);
     return 0;
-  case kMove:
-  case kSize:
-  case kPaint:
-  case kMinMax:
-    handled = processWndUpdateMsg(message, wParam, lParam);
-    break;
   case kErase:
-    if (!chromaKeyingEnabled())
-      return 1;
-    break;
+    return chromaKeyingEnabled() ? passOn() : 1;
   case kSetCursor:
     if (root())
       root()->cursor(root()->cursor());
     return 1;
-  case kCommand:
-    handled = processCommandMsg(static_cast<unsigned>(wParam & 0xFFFF));
-    break;
-  case kTimer:
-    handled = processTimerMsg(wParam);
-    break;
-  case kHScroll:
-  case kVScroll:
-    handled = processScrollMsg(message, wParam, lParam);
-    break;
   case kInitPopup:
     return 0;
   case kPaletteChanged:
-    if (wParam == reinterpret_cast<std::uintptr_t>(window_))
-      break;
+    if (wParam == reinterpret_cast<std::uintptr_t>(window))
+      return passOn();
     [[fallthrough]];
   case kQueryNewPalette:
-    if (win32Root_->realizePalette()) {
-      ccLock lock(rootMutex());
-      updateCacheMap();
-      lockScreenUpdatesPush(true, bothLayers);
-      redraw(bothLayers);
-      updateDisplay(bothLayers);
-      lockScreenUpdatesPop(bothLayers);
-    }
+    paletteMessage_();
     return 1;
   default:
-    if ((message >= kMouseMove && message <= kMiddleDouble) || message == kCaptureChanged)
-      handled = processMouseMsg(message, wParam, lParam);
-    break;
+    return handle_(visit, message, wParam, lParam) ? 0 : passOn();
   }
-  if (handled)
-    return 0;
-  // What ran above may have ended this display; the message still goes its way.
-  return plat::platform().windows.callProc(alive ? formerProc_ : former, window, message, wParam, lParam);
+}
+
+bool ccWin32Display::handle_(Visit& visit, unsigned message, std::uintptr_t wParam, std::intptr_t lParam)
+{
+  // Hooks run inside an event and may delete the display or take it off its window.
+  struct cs_Current {
+    Visit* former;
+    explicit cs_Current(Visit& visit) : former(std::exchange(currentVisit, &visit)) {}
+    ~cs_Current() { currentVisit = former; }
+  } const current(visit);
+  switch (message) {
+  case kKeyDown:
+  case kKeyUp:
+  case kChar:
+    return processKeyboardMsg(message, wParam, lParam);
+  case kMove:
+  case kSize:
+  case kPaint:
+  case kMinMax:
+    return processWndUpdateMsg(message, wParam, lParam);
+  case kCommand:
+    return processCommandMsg(static_cast<unsigned>(wParam & 0xFFFF));
+  case kTimer:
+    return processTimerMsg(wParam);
+  case kHScroll:
+  case kVScroll:
+    return processScrollMsg(message, wParam, lParam);
+  default:
+    return ((message >= kMouseMove && message <= kMiddleDouble) || message == kCaptureChanged) &&
+           processMouseMsg(message, wParam, lParam);
+  }
+}
+
+void ccWin32Display::paletteMessage_()
+{
+  ccLock lock(rootMutex());
+  if (!win32Root_->realizePalette())
+    return;
+  updateCacheMap();
+  lockScreenUpdatesPush(true, bothLayers);
+  redraw(bothLayers);
+  updateDisplay(bothLayers);
+  lockScreenUpdatesPop(bothLayers);
 }
 
 // ---- Mouse ----
@@ -186,9 +188,9 @@ void ccWin32Display::startRepeat_(ccPair<long> const& at)
 
 void ccWin32Display::stopRepeat_()
 {
-  if (timerId_ != 0)
-    plat::platform().windows.killTimer(window_, timerId_);
-  timerId_ = 0;
+  std::uintptr_t const id = timerId_.exchange(0);
+  if (id != 0)
+    plat::platform().windows.killTimer(window_, id);
 }
 
 bool ccWin32Display::processMouseMsg(unsigned message, std::uintptr_t wParam, std::intptr_t lParam)
@@ -198,7 +200,11 @@ bool ccWin32Display::processMouseMsg(unsigned message, std::uintptr_t wParam, st
   if (row == std::end(kMouse) || (message == kMouseMove && inPopupMenu_))
     return false;
   plat::WindowSystem& windows = plat::platform().windows;
-  ccPair<long> const scroll = imageScope_.scroll();
+  ccPair<long> scroll;
+  {
+    ccLock lock(rootMutex());
+    scroll = imageScope_.scroll();
+  }
   ccPair<long> at(cf_lowWord(lParam) + scroll.x(), cf_highWord(lParam) + scroll.y());
   std::uint32_t buttons = (wParam & 1 ? ccMouseEvent::leftButton : 0) | (wParam & 16 ? ccMouseEvent::middleButton : 0) |
                           (wParam & 2 ? ccMouseEvent::rightButton : 0);
@@ -220,7 +226,7 @@ bool ccWin32Display::processMouseMsg(unsigned message, std::uintptr_t wParam, st
   }
   case kCaptureChanged:
     // Only when another window took the capture; a plain release was ours.
-    if (lParam == 0 || lParam == reinterpret_cast<std::intptr_t>(window_))
+    if (lParam == 0 || lParam == reinterpret_cast<std::intptr_t>(window_.load()))
       return false;
     at = lastPos_;
     buttons = 0;
@@ -252,9 +258,9 @@ bool ccWin32Display::processMouseMsg(unsigned message, std::uintptr_t wParam, st
   event.position(at);
   event.buttons(buttons);
   event.keys(keys);
-  cc_Alive const alive(*this);
+  cc_DisplayList::Place const place = place_;
   root()->eventProcessor()->processEvent(event);
-  if (!alive)
+  if (!cc_DisplayList::has(place))
     return false;
   if (message == kLeftDown)
     startRepeat_(at);
@@ -271,9 +277,14 @@ void ccWin32Display::toolsPopup_()
   HMENU const tools = platform.menus.sub(menu, kToolsPopup);
   for (int i = 0; i < platform.menus.count(tools); ++i)
     OnUpdateToolsMenu(tools, platform.menus.itemId(tools, i));
-  cc_Alive const alive(*this);
+  cc_DisplayList::Place const place = place_;
+  Visit* const visit = currentVisit && currentVisit->display() == this ? currentVisit : nullptr;
   inPopupMenu_ = true;
+  // While the menu stands the display may be deleted, on another thread too.
+  if (visit)
+    visit->leave();
   platform.menus.track(tools, platform.windows.cursorPos(), window_);
+  bool const alive = visit ? visit->again() : cc_DisplayList::has(place);
   if (alive)
     inPopupMenu_ = false;
   platform.menus.destroy(menu);

@@ -105,7 +105,6 @@ ccDisplay::overlayState ccWin32Display::enableOverlay()
 
 void ccWin32Display::enableOverlay(overlayState state)
 {
-  ccLock list(listMutex());  // keying subclasses the window's parents
   ccLock lock(rootMutex());
   if (state == enableOverlay())
     return;
@@ -133,7 +132,6 @@ void ccWin32Display::enableOverlay(overlayState state)
 
 long ccWin32Display::enableChromaKeying(bool enable)
 {
-  ccLock list(listMutex());
   ccLock lock(rootMutex());
   if (enable == chromaKeyingEnabled())
     return 0;

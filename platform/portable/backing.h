@@ -1,10 +1,10 @@
 // The pels of one top-level window, and what of them is still to be shown.
 #pragma once
 
+#include "foundation/leaf_mutex.h"
 #include "platform/portable/screen.h"
 
 #include <array>
-#include <mutex>
 #include <span>
 #include <vector>
 
@@ -16,12 +16,14 @@ u32 readPel(PelBlock const&, Point);
 void fillBlock(PelBlock const&, Rect const&, u32 pel);     // cut by the block
 void copyBlock(PelBlock const& to, PelBlock const& from);  // the common upper left part, equal depths
 
+using BackingMutex = cc_LeafMutex<cc_LockRank::backing>;
+
 class Backing {
 public:
   // With pels in lent it stands in that memory, which belongs to the video window; else in its own.
   Backing(Size, int depth, PelBlock const& lent, VideoWindow*);
 
-  std::mutex mutex;  // guards the pels and what is dirty; taken before the window table's lock, never after it
+  BackingMutex mutex;  // guards the pels and what is dirty; before the window table's lock, never after it
 
   PelBlock const& block() const { return block_; }
   bool lent() const { return lent_; }

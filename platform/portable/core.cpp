@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <chrono>
 #include <condition_variable>
+#include <exception>
 
 namespace plat::portable {
 namespace {
@@ -26,6 +27,47 @@ constexpr PaletteEntry fixedColors[20] = {
 
 }  // namespace
 
+// A call that its sender waits for on another thread. Whatever becomes of it, its sender hears of the end: it ran, it threw,
+// or the last copy of the closure that holds it went without having run.
+class HandedCall {
+public:
+  struct Outcome {
+    cc_LeafMutex<cc_LockRank::wake> mutex;
+    std::condition_variable changed;
+    bool over = false, ran = false;
+    std::exception_ptr thrown;
+  };
+
+  HandedCall(std::function<void()> const& call, std::shared_ptr<Outcome> outcome)
+      : call_(call), outcome_(std::move(outcome))
+  {}
+  HandedCall(HandedCall const&) = delete;
+  HandedCall& operator=(HandedCall const&) = delete;
+  ~HandedCall() { end(); }
+
+  void run()
+  {
+    try {
+      call_();
+    } catch (...) {
+      outcome_->thrown = std::current_exception();
+    }
+    outcome_->ran = true;
+    end();
+  }
+
+private:
+  void end()
+  {
+    std::lock_guard const lock(outcome_->mutex);
+    outcome_->over = true;
+    outcome_->changed.notify_all();
+  }
+
+  std::function<void()> const& call_;  // the sender's, who waits
+  std::shared_ptr<Outcome> outcome_;
+};
+
 Core& Core::unstarted()
 {
   // Never destroyed: threads and static objects of the application may outlast main.
@@ -43,7 +85,7 @@ Core& Core::instance()
 
 void Core::ensureStarted()
 {
-  std::lock_guard<std::mutex> starting(startMutex_);
+  std::lock_guard const starting(startMutex_);
   if (started_)
     return;
   Ptr<Video> video = makeWindowVideo();
@@ -64,23 +106,25 @@ bool Core::start(Ptr<Video> video)
   int const bits = video->depth();
   if (bits != 8 && bits != 15 && bits != 16 && bits != 24 && bits != 32)
     return false;
-  std::lock_guard<std::mutex> starting(startMutex_);
+  std::deque<Posted> dropped;  // goes last, under no lock
+  std::lock_guard const starting(startMutex_);
   {
     Lock lock(mutex_);
     if (!tree_.tops().empty())
       return false;
   }
-  take(std::move(video));
+  dropped = take(std::move(video));
   ui_ = std::this_thread::get_id();
+  watchUi();
   return true;
 }
 
-// Puts everything back to its first state on this video. There are no windows.
-void Core::take(Ptr<Video> video)
+// Puts everything back to its first state on this video. There are no windows. Gives out what was posted.
+std::deque<Core::Posted> Core::take(Ptr<Video> video)
 {
   Lock lock(mutex_);
   video_ = std::move(video);
-  posted_.clear();
+  std::deque<Posted> dropped = std::exchange(posted_, {});
   input_.clear();
   timers_.clear();
   active_ = focus_ = capture_ = {};
@@ -90,7 +134,7 @@ void Core::take(Ptr<Video> video)
   clipOn_ = false;
   click_ = {};
   cursor_ = {};
-  quit_ = false;
+  quit_ = loopOver_ = false;
   virtualNow_ = 0;
   Size const screen = video_->screenSize();
   screenWidth_ = screen.w;
@@ -112,6 +156,7 @@ void Core::take(Ptr<Video> video)
   lock.unlock();
   arrow_ = loadCursor(600);
   menus().forgetAnswers();
+  return dropped;
 }
 
 bool Core::onUi() const
@@ -123,7 +168,30 @@ bool Core::onUi() const
 void Core::claimUi()
 {
   std::thread::id none;
-  ui_.compare_exchange_strong(none, std::this_thread::get_id());
+  if (ui_.compare_exchange_strong(none, std::this_thread::get_id()))
+    watchUi();
+}
+
+// When the windows' thread ends its part is free again: whoever waits for it would wait for ever.
+void Core::watchUi()
+{
+  struct Watch {
+    Core* core = nullptr;
+    ~Watch()
+    {
+      if (core)
+        core->uiEnded();
+    }
+  };
+  static thread_local Watch watch;
+  watch.core = this;
+}
+
+void Core::uiEnded()
+{
+  std::thread::id me = std::this_thread::get_id();
+  if (ui_.compare_exchange_strong(me, std::thread::id()))
+    dropHanded();
 }
 
 void Core::wake()
@@ -132,40 +200,51 @@ void Core::wake()
     video_->wake();
 }
 
-void Core::enqueue(Posted posted)
+// False if it will never have its turn.
+bool Core::enqueue(Posted posted)
 {
   {
     Lock lock(mutex_);
-    if (!posted.always && !tree_.find(posted.window))
-      return;
+    if ((!posted.always && !tree_.find(posted.window)) || (posted.handed && (quit_ || loopOver_)))
+      return false;
     posted_.push_back(std::move(posted));
   }
   wake();
+  return true;
 }
 
-void Core::callOnUi(std::function<void()> const& call)
+bool Core::callOnUi(std::function<void()> const& call)
 {
-  if (onUi())
-    return call();
-  struct Done {
-    std::mutex mutex;
-    std::condition_variable changed;
-    bool done = false;
-  };
-  auto const done = std::make_shared<Done>();
-  enqueue({{},
-           0,
-           0,
-           0,
-           [call, done] {
-             call();
-             std::lock_guard<std::mutex> lock(done->mutex);
-             done->done = true;
-             done->changed.notify_all();
-           },
-           true});
-  std::unique_lock<std::mutex> lock(done->mutex);
-  done->changed.wait(lock, [&] { return done->done; });
+  if (onUi()) {
+    call();
+    return true;
+  }
+  cc_LockCheck::waits(this, cc_LockRank::windowThread);
+  auto const outcome = std::make_shared<HandedCall::Outcome>();
+  {
+    auto const handed = std::make_shared<HandedCall>(call, outcome);
+    if (!enqueue({{}, 0, 0, 0, [handed] { handed->run(); }, true, true}))
+      return false;
+  }
+  {
+    cc_LeafWait lock(outcome->mutex);
+    outcome->changed.wait(lock.native(), [&] { return outcome->over; });
+  }
+  if (outcome->thrown)
+    std::rethrow_exception(outcome->thrown);
+  return outcome->ran;
+}
+
+// Their closures end outside of the lock, which tells the senders.
+void Core::dropHanded()
+{
+  std::vector<Posted> dropped;
+  Lock lock(mutex_);
+  for (Posted& posted : posted_)
+    if (posted.handed)
+      dropped.push_back(std::move(posted));
+  std::erase_if(posted_, [](Posted const& posted) { return posted.handed; });
+  lock.unlock();
 }
 
 void Core::callWhenOnUi(std::function<void()> call)
@@ -195,6 +274,7 @@ LResult Core::deliver(HWND window, unsigned message, WParam wParam, LParam lPara
       return 0;
     proc = w->proc;
   }
+  cc_LockCheck::Hold const dispatch(this, cc_LockRank::windowThread);
   return callProc(proc, window, message, wParam, lParam);
 }
 
@@ -249,6 +329,7 @@ bool Core::pump(int timeoutMs)
   claimUi();
   if (quit_ || !onUi())
     return !quit_;
+  loopOver_ = false;
   if (!round() && timeoutMs != 0 && !quit_) {
     wait(timeoutMs);
     round();
@@ -259,9 +340,13 @@ bool Core::pump(int timeoutMs)
 int Core::run()
 {
   claimUi();
+  if (onUi())
+    loopOver_ = false;
   while (onUi() && modalRound()) {
   }
+  loopOver_ = onUi();
   quit_ = false;  // an application may run again
+  dropHanded();
   return quitCode_;
 }
 
@@ -269,6 +354,7 @@ void Core::quit(int code)
 {
   quitCode_ = code;
   quit_ = true;
+  dropHanded();
   wake();
 }
 
@@ -308,6 +394,7 @@ bool Core::round(bool alone)
 void Core::drain()
 {
   claimUi();
+  loopOver_ = false;
   for (int i = 0; i < maxRoundsPerDrain && round(); ++i) {
   }
 }
@@ -322,6 +409,7 @@ bool Core::step()
 
 bool Core::stepPosted()
 {
+  cc_LockCheck::Hold const dispatch(this, cc_LockRank::windowThread);
   Posted posted;
   {
     Lock lock(mutex_);
@@ -438,7 +526,9 @@ void Core::stopCalls(uptr key)
   std::erase_if(timers_, [&](Timer const& t) { return t.id == key && t.call; });
 }
 
-InputGrab* Core::grab(InputGrab* grab) { return std::exchange(grab_, grab); }
+void Core::grab(InputGrab& grab) { grabs_.push_back(&grab); }
+
+void Core::endGrab(InputGrab const& grab) { std::erase(grabs_, &grab); }
 
 Size Core::screenSize() const { return {screenWidth_, screenHeight_}; }
 

@@ -23,6 +23,8 @@ public:
   virtual void key(unsigned virtualKey, bool down) = 0;
 };
 
+class BarTracker;
+
 class Core final : public WindowSystem, public VideoSink {
 public:
   static Core& instance();  // started by itself if init was not called
@@ -98,7 +100,9 @@ public:
   void advance(unsigned ms);                  // of the virtual clock
   void turnClock(unsigned ms) { virtualNow_ += ms; }  // alone
   std::uint64_t now() const;                  // milliseconds
-  void callOnUi(std::function<void()> const&);  // and waits for it
+  // And waits for it. What it throws comes out here. False when it never ran: quit was called, the loop or its thread
+  // has ended, or all was started anew.
+  bool callOnUi(std::function<void()> const&);
 
   // A window over a video window that others made. Null when make gives none.
   HWND adopt(std::function<Ptr<VideoWindow>(HWND, Rect& screen)> const& make);
@@ -122,18 +126,24 @@ public:
   HWND focus();
   HWND capture();
   HCURSOR currentCursor();
+  std::string title(HWND);
+  ScrollBar scrollBar(HWND, int bar);
+  HCURSOR cursorOf(HWND);
   void raiseTopmost(HWND);  // in front of its siblings for good
   HMENU systemMenu(HWND);
   void systemMenu(HWND, HMENU);
 
-  InputGrab* grab(InputGrab*);  // returns the former
+  // The one that came last has the input. They may go in any order.
+  void grab(InputGrab&);
+  void endGrab(InputGrab const&);
   // Calls again and again until the key is given to stopCalls. The windows' thread.
   void callEvery(uptr key, unsigned ms, std::function<void()>);
   void stopCalls(uptr key);
 
 private:
   friend class BarTracker;
-  using Lock = std::unique_lock<std::mutex>;
+  using Lock = std::unique_lock<cc_LeafMutex<cc_LockRank::windowTable>>;
+  using Painting = std::lock_guard<BackingMutex>;
   using Palette = std::array<PaletteEntry, 256>;
 
   struct Posted {
@@ -143,6 +153,7 @@ private:
     LParam lParam = 0;
     std::function<void()> call;  // in place of the message
     bool always = false;       // runs whatever became of the window
+    bool handed = false;       // its sender waits on another thread
   };
   struct Timer {
     HWND window = {};
@@ -173,11 +184,14 @@ private:
 
   Core() = default;
   void ensureStarted();
-  void take(Ptr<Video>);
+  std::deque<Posted> take(Ptr<Video>);
   void claimUi();
+  void watchUi();  // sees the end of the calling thread
+  void uiEnded();
+  void dropHanded();
   void wake();
   void callWhenOnUi(std::function<void()>);  // at once, or in turn from another thread
-  void enqueue(Posted);
+  bool enqueue(Posted);
   void enqueue(Input const&);
   static LResult defaultProc(HWND, unsigned message, WParam, LParam);
   LResult deliver(HWND, unsigned message, WParam, LParam);  // on the windows' thread
@@ -194,6 +208,7 @@ private:
   void setMinimized(HWND, bool);
   void move(HWND, Rect const&, bool tellVideo);
   void sendSize(HWND, unsigned kind);
+  bool quiet(HWND);
   void destroyRecord(HWND);
   void leave(HWND);  // a window that goes out of sight gives up capture, focus and activation
   void activate(HWND top);
@@ -219,8 +234,9 @@ private:
   Point clipped(Point) const;
   void changeBar(HWND, int bar, bool redraw, std::function<void(ScrollBar&)> const& change);
   bool pressOnBar(HWND, Point screen, unsigned mods);
+  void endTracking(HWND);  // of a bar of this window or of one inside it
 
-  std::mutex mutex_;
+  cc_LeafMutex<cc_LockRank::windowTable> mutex_;
   std::function<void(HWND, std::vector<std::string> const&)> dropHandler_;
   WindowTree tree_;
   std::deque<Posted> posted_;
@@ -240,16 +256,17 @@ private:
   std::vector<Ptr<Palette const>> palettes_;  // a drawing thread may still read a former one
 
   // Of the windows' thread alone.
-  InputGrab* grab_ = nullptr;
-  Ptr<InputGrab> barTracker_;
+  std::vector<InputGrab*> grabs_;
+  std::shared_ptr<BarTracker> barTracker_;
   std::uint64_t round_ = 0;
   std::vector<std::shared_ptr<Backing>> presenting_;
 
   Ptr<Video> video_;
   std::atomic<bool> started_ = false;
-  std::mutex startMutex_;
+  cc_LeafMutex<cc_LockRank::windowStart> startMutex_;
   std::atomic<std::thread::id> ui_ = {};
   std::atomic<bool> quit_ = false;
+  std::atomic<bool> loopOver_ = false;  // run() has returned, and nothing has pumped since
   std::atomic<int> quitCode_ = 0;
   std::atomic<std::uint64_t> virtualNow_ = 0;
   std::atomic<bool> dirtyPending_ = false;

@@ -1,4 +1,5 @@
 // Input: from pointer and keys to messages in their order; capture, clip, cursors.
+#include "platform/portable/attempts.h"
 #include "platform/portable/core.h"
 #include "platform/portable/menus.h"
 
@@ -151,7 +152,7 @@ void Core::exposed(HWND top)
   if (backing->lent())
     return renewBacking(top);
   {
-    Lock painting(backing->mutex);
+    Painting const painting(backing->mutex);
     backing->markDirty({0, 0, backing->block().width, backing->block().height});
   }
   present(*backing);
@@ -198,7 +199,7 @@ void Core::handle(Input const& input)
     return;
   case Input::Kind::size: {
     Rect const now = windowRect(input.top);
-    return move(input.top, {now.left, now.top, now.left + input.at.x, now.top + input.at.y}, /*tellVideo=*/false);
+    return move(input.top, shifted({0, 0, input.at.x, input.at.y}, {now.left, now.top}), /*tellVideo=*/false);
   }
   case Input::Kind::move: {
     Rect const now = windowRect(input.top);
@@ -254,21 +255,25 @@ void Core::handlePointer(Input const& input)
     buttons_ = input.buttons;
     mods_ = input.mods;
   }
-  if (grab_)
-    return grab_->pointer(at, pressed, released);
+  if (!grabs_.empty())
+    return grabs_.back()->pointer(at, pressed, released);
+  Attempts all;
   if (moved)
-    mouseMessage(input.top, moveMessage, at, bits);
+    all.run([&] { mouseMessage(input.top, moveMessage, at, bits); });
   for (unsigned button : {leftButton, rightButton, middleButton}) {
     if (pressed & button) {
       bits |= button;
-      unsigned const message = pressMessage(input.top, button, at, input.clicks);
-      mouseMessage(input.top, message, at, bits);
+      all.run([&] {
+        unsigned const message = pressMessage(input.top, button, at, input.clicks);
+        mouseMessage(input.top, message, at, bits);
+      });
     }
     if (released & button) {
       bits &= ~button;
-      mouseMessage(input.top, downMessage(button) + 1, at, bits);
+      all.run([&] { mouseMessage(input.top, downMessage(button) + 1, at, bits); });
     }
   }
+  all.finish();
 }
 
 // Also brings the window that is pressed to the front. Each second press of a quick series is a double click.
@@ -324,7 +329,7 @@ void Core::handleWheel(Input const& input)
     bits = (buttons_ | input.mods) & mouseBits;
   }
   u32 const turn = u32(static_cast<u16>(input.turn)) << 16;
-  if (!grab_)
+  if (grabs_.empty())
     deliver(under(input.top, at), wheelMessage, turn | bits, packed(at));
 }
 
@@ -337,8 +342,8 @@ void Core::handleKey(Input const& input)
     lastKeyRepeated_ = input.on && input.repeat;
     window = tree_.find(focus_) ? focus_ : active_;
   }
-  if (grab_)
-    return grab_->key(input.key, input.on);
+  if (!grabs_.empty())
+    return grabs_.back()->key(input.key, input.on);
   // Together with Control, Alt is the key for a third set of characters and not a command.
   bool const system = input.key == altVirtualKey || ((input.mods & altKey) && !(input.mods & controlKey));
   unsigned const message =
@@ -357,16 +362,15 @@ void Core::handleCharacter(Input const& input)
     window = tree_.find(focus_) ? focus_ : active_;
     repeated = lastKeyRepeated_;
   }
-  if (!grab_)
+  if (grabs_.empty())
     deliver(window, charMessage, input.key, 1 | (repeated ? repeatBit : 0));
 }
 
 HWND Core::setCapture(HWND window)
 {
   if (!onUi()) {
-    HWND former = {};
-    callOnUi([&] { former = setCapture(window); });
-    return former;
+    post(window, [=, this] { setCapture(window); });
+    return capture();
   }
   HWND former;
   VideoWindow* video = nullptr;
@@ -386,7 +390,19 @@ HWND Core::setCapture(HWND window)
   return former;
 }
 
-void Core::releaseCapture() { setCapture({}); }
+// From another thread in turn, and then only what was captured when it was asked for.
+void Core::releaseCapture()
+{
+  if (onUi()) {
+    setCapture({});
+    return;
+  }
+  HWND const held = capture();
+  post(held, [=, this] {
+    if (capture() == held)
+      setCapture({});
+  });
+}
 
 void Core::clipCursor(Rect const* screen)
 {

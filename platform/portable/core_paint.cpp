@@ -1,4 +1,5 @@
 // Pels: backings, what of them is visible, presenting, and the turn of messages 20 and 15.
+#include "platform/portable/attempts.h"
 #include "platform/portable/core.h"
 #include "platform/portable/painter.h"
 #include "platform/portable/pel_format.h"
@@ -60,7 +61,7 @@ void Core::renewBacking(HWND handle)
   // Lent memory goes with the next loan, so its pels are kept meanwhile.
   std::shared_ptr<Backing> kept = old;
   if (old) {
-    Lock painting(old->mutex);
+    Painting const painting(old->mutex);
     if (old->lent()) {
       kept = std::make_shared<Backing>(Size{old->block().width, old->block().height}, old->block().depth, PelBlock{},
                                        nullptr);
@@ -87,7 +88,7 @@ void Core::present(Backing& backing)
   std::array<Rect, Backing::maxDirty> rects;
   std::size_t count;
   {
-    Lock painting(backing.mutex);
+    Painting const painting(backing.mutex);
     count = backing.takeDirty(rects);
     if (count && !backing.lent())
       backing.video()->copy(backing.block(), std::span<Rect const>(rects.data(), count));
@@ -107,7 +108,7 @@ void Core::presentAll(bool whole)
   }
   for (auto const& backing : presenting_) {
     if (whole) {
-      Lock painting(backing->mutex);
+      Painting const painting(backing->mutex);
       backing->markDirty({0, 0, backing->block().width, backing->block().height});
     }
     present(*backing);
@@ -145,7 +146,7 @@ bool Core::paintVisible(HWND handle, void* context, PaintBody body, Rect const& 
       part.clientOnScreen = WindowTree::originOnScreen(*w);
       version = tree_.version();
     }
-    Lock painting(backing->mutex);
+    Painting const painting(backing->mutex);
     if (tree_.version() != version)
       continue;  // something moved before it was our turn
     part.backing = backing->block();
@@ -201,13 +202,15 @@ bool Core::paint(HWND handle)
       return false;
     erase = std::exchange(w->eraseDue, false);
   }
+  Attempts all;
   if (erase) {
     HDC const dc = openWindowDC(handle);
-    deliver(handle, eraseMessage, reinterpret_cast<WParam>(dc), 0);
+    all.run([&] { deliver(handle, eraseMessage, reinterpret_cast<WParam>(dc), 0); });
     if (dc)
       closeWindowDC(dc);
   }
-  deliver(handle, paintMessage, 0, 0);
+  all.run([&] { deliver(handle, paintMessage, 0, 0); });
+  all.finish();
   return true;
 }
 
@@ -226,7 +229,7 @@ u32 Core::shownPel(HWND handle, Point client)
   }
   if (!backing)
     return 0;
-  Lock painting(backing->mutex);
+  Painting const painting(backing->mutex);
   return shownColor(backing->block(), at, palette());
 }
 
@@ -240,7 +243,7 @@ u32 Core::backingPel(HWND top, Point at)
   }
   if (!backing)
     return 0;
-  Lock painting(backing->mutex);
+  Painting const painting(backing->mutex);
   return shownColor(backing->block(), at, palette());
 }
 
@@ -271,7 +274,7 @@ std::vector<u32> Core::shownPels(HWND handle, Size& size)
   std::vector<u32> pels(static_cast<std::size_t>(size.w) * static_cast<std::size_t>(size.h));
   if (!backing)
     return pels;
-  Lock painting(backing->mutex);
+  Painting const painting(backing->mutex);
   std::size_t i = 0;
   for (i32 y = 0; y < size.h; ++y)
     for (i32 x = 0; x < size.w; ++x)

@@ -1,4 +1,5 @@
 // Scroll bars of windows: state, painting, and the mouse on them.
+#include "platform/portable/attempts.h"
 #include "platform/portable/core.h"
 #include "platform/portable/pel_format.h"
 #include "platform/portable/scroll_layout.h"
@@ -72,7 +73,8 @@ i32 ScrollLayout::posAt(i32 thumbStart) const
 }
 
 // Holds the pointer from the press on a bar to the release.
-class BarTracker final : public InputGrab {
+// A message may end the tracking: its window may go, or a nested loop see the release. Whoever calls keeps the tracker alive.
+class BarTracker final : public InputGrab, public std::enable_shared_from_this<BarTracker> {
 public:
   BarTracker(Core& core, HWND window, int bar, BarPart part, unsigned code, i32 grip)
       : core_(core), window_(window), bar_(bar), part_(part), code_(code), grip_(grip)
@@ -80,21 +82,38 @@ public:
 
   void start(Point screen)
   {
-    former_ = core_.grab(this);
+    core_.grab(*this);
     if (part_ == BarPart::thumb)
       return drag(screen);
     at_ = screen;
+    core_.callEvery(reinterpret_cast<uptr>(this), firstRepeatMs,
+                    [self = weak_from_this()] { repeat(self, firstRepeatMs); });
     send(code_, 0);
-    core_.callEvery(reinterpret_cast<uptr>(this), firstRepeatMs, [this] { repeat(firstRepeatMs); });
+  }
+
+  bool isOf(Window const& w) const
+  {
+    Window const* const own = core_.tree_.find(window_);
+    return own && WindowTree::isIn(own, w);
+  }
+
+  void end()
+  {
+    core_.stopCalls(reinterpret_cast<uptr>(this));
+    core_.endGrab(*this);
+    over_ = true;
   }
 
   void pointer(Point screen, unsigned, unsigned released) override
   {
+    auto const self = shared_from_this();
     at_ = screen;
+    Attempts all;
     if (part_ == BarPart::thumb)
-      drag(screen);
-    if (released & leftButton)
-      finish();
+      all.run([&] { drag(screen); });
+    if ((released & leftButton) && !over_)
+      all.run([&] { finish(); });
+    all.finish();
   }
 
   void key(unsigned, bool) override {}
@@ -152,37 +171,44 @@ private:
     core_.paintBars(window_);
   }
 
+  static void repeat(std::weak_ptr<BarTracker> const& tracker, unsigned interval)
+  {
+    if (auto const self = tracker.lock(); self && !self->over_)
+      self->repeat(interval);
+  }
+
   void repeat(unsigned interval)
   {
+    if (interval == firstRepeatMs)
+      core_.callEvery(reinterpret_cast<uptr>(this), repeatMs, [self = weak_from_this()] { repeat(self, repeatMs); });
     i32 along = 0;
     auto const bar = layout(at_, along);
     if (bar && inside_ && bar->part(along) == part_)
       send(code_, 0);
-    if (interval == firstRepeatMs)
-      core_.callEvery(reinterpret_cast<uptr>(this), repeatMs, [this] { repeat(repeatMs); });
   }
 
   void finish()
   {
-    Ptr<InputGrab> const self = std::move(core_.barTracker_);
-    core_.stopCalls(reinterpret_cast<uptr>(this));
-    core_.grab(former_);
+    if (core_.barTracker_.get() == this)
+      core_.barTracker_ = nullptr;
+    end();
+    Attempts all;
     if (part_ == BarPart::thumb) {
       hold(false);
-      send(thumbPosition, pos_);
+      all.run([&] { send(thumbPosition, pos_); });
     }
-    send(endScroll, 0);
+    all.run([&] { send(endScroll, 0); });
+    all.finish();
   }
 
   Core& core_;
-  InputGrab* former_ = nullptr;
   HWND window_;
   int bar_;
   BarPart part_;
   unsigned code_;
   i32 grip_;  // from the thumb's start to the place where it is held
   Point at_;
-  bool inside_ = false, tracked_ = false;
+  bool inside_ = false, tracked_ = false, over_ = false;
   i32 pos_ = 0, formerPos_ = 0;
 };
 
@@ -215,11 +241,25 @@ bool Core::pressOnBar(HWND window, Point screen, unsigned mods)
   }
   if (part == BarPart::none)
     return false;
-  auto tracker = std::make_unique<BarTracker>(*this, window, hit, part, codeOf(part, mods), grip);
-  BarTracker& started = *tracker;
-  barTracker_ = std::move(tracker);
-  started.start(screen);
+  if (barTracker_)
+    barTracker_->end();
+  auto const tracker = std::make_shared<BarTracker>(*this, window, hit, part, codeOf(part, mods), grip);
+  barTracker_ = tracker;
+  tracker->start(screen);
   return true;
+}
+
+void Core::endTracking(HWND handle)
+{
+  std::shared_ptr<BarTracker> ended;
+  {
+    Lock lock(mutex_);
+    Window const* const w = tree_.find(handle);
+    if (barTracker_ && w && barTracker_->isOf(*w))
+      ended = std::exchange(barTracker_, nullptr);
+  }
+  if (ended)
+    ended->end();
 }
 
 void Core::changeBar(HWND window, int bar, bool redraw, std::function<void(ScrollBar&)> const& change)
@@ -253,10 +293,12 @@ void Core::changeBar(HWND window, int bar, bool redraw, std::function<void(Scrol
     }
     w->barsDue = true;
   }
+  Attempts all;
   if (resized)
-    sendSize(window, 0);
+    all.run([&] { sendSize(window, 0); });
   if (redraw)
     paintBars(window);
+  all.finish();
 }
 
 void Core::showScrollBar(HWND window, int bar, bool on)
@@ -324,7 +366,7 @@ void Core::paintBars(HWND window)
   if (!backing || visible.empty() || (areas[0].empty() && areas[1].empty()))
     return;
   {
-    Lock painting(backing->mutex);
+    Painting const painting(backing->mutex);
     PelBlock const& block = backing->block();
     auto const fill = [&](Rect const& area, u32 color) {
       u32 const pel = pelOf(colorrefOf(color), block.depth, palette());

@@ -1,4 +1,5 @@
 // Windows: making, showing, moving and ending them, focus and activation, what must be painted.
+#include "platform/portable/attempts.h"
 #include "platform/portable/core.h"
 #include "platform/portable/menus.h"
 #include "platform/portable/painter.h"
@@ -22,9 +23,18 @@ LParam packed(i32 x, i32 y) { return static_cast<LParam>(u32(static_cast<u16>(y)
 
 }  // namespace
 
+// A hidden window with the default procedure: no procedure of an application and nothing of the video is asked for it.
+bool Core::quiet(HWND handle)
+{
+  Lock lock(mutex_);
+  Window const* const w = tree_.find(handle);
+  return w && w->proc == &defaultProc && !w->has(visibleStyle) && !w->video && !w->backing && w->kids.empty() &&
+         std::none_of(tree_.tops().begin(), tree_.tops().end(), [&](Window const* t) { return t->owner == handle; });
+}
+
 HWND Core::create(WindowDesc const& desc)
 {
-  if (!onUi()) {
+  if (!onUi() && (desc.proc || (desc.style & visibleStyle))) {
     HWND made = {};
     callOnUi([&] { made = create(desc); });
     return made;
@@ -36,7 +46,10 @@ HWND Core::create(WindowDesc const& desc)
     Window* const parent = (desc.style & childStyle) ? tree_.find(desc.parent) : nullptr;
     if ((desc.style & childStyle) && (!parent || parent->dying || desc.parent == tree_.desktop()))
       return {};
+    std::string title = desc.title;
     Window* const w = tree_.add(parent);
+    if (!w)
+      return {};
     handle = w->handle;
     w->owner = parent ? HWND{} : desc.parent;
     w->rect = rect = {desc.rect.left, desc.rect.top, std::max(desc.rect.right, desc.rect.left),
@@ -44,26 +57,32 @@ HWND Core::create(WindowDesc const& desc)
     w->style = desc.style & ~visibleStyle;
     w->exStyle = desc.exStyle;
     w->id = desc.id;
-    w->title = desc.title;
+    w->title = std::move(title);
     w->proc = desc.proc ? desc.proc : &defaultProc;
     w->cursor = arrow_;
     w->bars[0].wanted = desc.style & horizontalBarStyle;
     w->bars[1].wanted = desc.style & verticalBarStyle;
   }
-  if (deliver(handle, createMessage, 0, reinterpret_cast<LParam>(&desc)) == -1) {
-    destroy(handle);
-    return {};
+  try {
+    if (deliver(handle, createMessage, 0, reinterpret_cast<LParam>(&desc)) == -1) {
+      destroy(handle);
+      return {};
+    }
+    sendSize(handle, (desc.style & minimizedStyle) ? sizeMinimized : sizeRestored);
+    deliver(handle, moveMessage, 0, packed(rect.left, rect.top));
+    if (desc.style & visibleStyle)
+      show(handle, (desc.style & minimizedStyle) ? showNoActivate : showWindow);
+  } catch (...) {
+    Attempts end;
+    end.run([&] { destroy(handle); });
+    throw;
   }
-  sendSize(handle, (desc.style & minimizedStyle) ? sizeMinimized : sizeRestored);
-  deliver(handle, moveMessage, 0, packed(rect.left, rect.top));
-  if (desc.style & visibleStyle)
-    show(handle, (desc.style & minimizedStyle) ? showNoActivate : showWindow);
   return isWindow(handle) ? handle : HWND{};
 }
 
 bool Core::destroy(HWND handle)
 {
-  if (!onUi()) {
+  if (!onUi() && !quiet(handle)) {
     bool done = false;
     callOnUi([&] { done = destroy(handle); });
     return done;
@@ -79,25 +98,29 @@ bool Core::destroy(HWND handle)
       if (top->owner == handle)
         owned.push_back(top->handle);
   }
+  // Whatever its procedure throws on the way, the window goes.
+  Attempts all;
   for (HWND window : owned)
-    destroy(window);
-  setShown(handle, false);
-  destroyRecord(handle);
+    all.run([&] { destroy(window); });
+  all.run([&] { setShown(handle, false); });
+  all.run([&] { destroyRecord(handle); });
+  all.finish();
   return true;
 }
 
 // Message 2 goes from the parent to the kids, 130 the other way.
 void Core::destroyRecord(HWND handle)
 {
-  leave(handle);
-  deliver(handle, destroyMessage, 0, 0);
+  Attempts all;
+  all.run([&] { leave(handle); });
+  all.run([&] { deliver(handle, destroyMessage, 0, 0); });
   for (;;) {
     HWND kid = {};
     {
       Lock lock(mutex_);
       Window* const w = tree_.find(handle);
       if (!w)
-        return;
+        return all.finish();
       if (!w->kids.empty()) {
         kid = w->kids.front()->handle;
         w->kids.front()->dying = true;
@@ -105,9 +128,10 @@ void Core::destroyRecord(HWND handle)
     }
     if (!kid)
       break;
-    destroyRecord(kid);
+    all.run([&] { destroyRecord(kid); });
   }
-  deliver(handle, destroyedMessage, 0, 0);
+  all.run([&] { deliver(handle, destroyedMessage, 0, 0); });
+  endTracking(handle);
 
   // The backing's lock makes sure that no painter still writes into memory that the video lent.
   std::shared_ptr<Backing> backing;
@@ -116,15 +140,16 @@ void Core::destroyRecord(HWND handle)
     Lock lock(mutex_);
     Window* const w = tree_.find(handle);
     if (!w)
-      return;
+      return all.finish();
     std::erase_if(timers_, [&](Timer const& t) { return t.window == handle; });
     backing = w->backing;
     record = tree_.remove(handle);
   }
   if (backing)
-    Lock const painted(backing->mutex);
+    Painting const painted(backing->mutex);
   if (record->systemMenu)
     menus().destroy(record->systemMenu);
+  all.finish();
 }
 
 bool Core::isWindow(HWND handle)
@@ -291,10 +316,12 @@ void Core::move(HWND handle, Rect const& wanted, bool tellVideo)
     if (Window* const w = tree_.find(handle))
       tree_.invalidateTree(*w, {0, 0, rect.width(), rect.height()});
   }
+  Attempts all;
   if (old.left != rect.left || old.top != rect.top)
-    deliver(handle, moveMessage, 0, packed(rect.left, rect.top));
+    all.run([&] { deliver(handle, moveMessage, 0, packed(rect.left, rect.top)); });
   if (resized && !minimized)
-    sendSize(handle, sizeRestored);
+    all.run([&] { sendSize(handle, sizeRestored); });
+  all.finish();
 }
 
 void Core::show(HWND handle, int how)
@@ -344,11 +371,13 @@ void Core::setShown(HWND handle, bool shown)
                               w->parent ? WindowTree::originInBacking(root) : Point{});
     tree_.invalidateTree(root, area);
   }
-  deliver(handle, showMessage, shown, 0);
+  Attempts all;
+  all.run([&] { deliver(handle, showMessage, shown, 0); });
   if (isTop && video && isWindow(handle))
-    video->show(shown, active_ == handle);
+    video->show(shown, active() == handle);
   if (!shown)
-    leave(handle);
+    all.run([&] { leave(handle); });
+  all.finish();
 }
 
 void Core::setMinimized(HWND handle, bool minimized)
@@ -367,9 +396,11 @@ void Core::setMinimized(HWND handle, bool minimized)
   }
   if (video)
     video->minimize(minimized);
-  sendSize(handle, minimized ? sizeMinimized : sizeRestored);
+  Attempts all;
+  all.run([&] { sendSize(handle, minimized ? sizeMinimized : sizeRestored); });
   if (minimized)
-    leave(handle);
+    all.run([&] { leave(handle); });
+  all.finish();
 }
 
 void Core::leave(HWND handle)
@@ -396,14 +427,17 @@ void Core::leave(HWND handle)
           break;
         }
   }
+  endTracking(handle);
+  Attempts all;
   if (hadCapture)
-    releaseCapture();
+    all.run([&] { releaseCapture(); });
   if (wasActive && next)
-    return activate(next);
-  if (wasActive)
-    return deactivate(handle);
-  if (hadFocus)
-    moveFocus(parent);
+    all.run([&] { activate(next); });
+  else if (wasActive)
+    all.run([&] { deactivate(handle); });
+  else if (hadFocus)
+    all.run([&] { moveFocus(parent); });
+  all.finish();
 }
 
 void Core::activate(HWND top)
@@ -423,10 +457,11 @@ void Core::activate(HWND top)
     return;
   if (video)
     video->raise();
-  deliver(former, activateMessage, 0, asLParam(top));
+  Attempts all;
+  all.run([&] { deliver(former, activateMessage, 0, asLParam(top)); });
   if (depth() == 8)
-    deliver(top, queryPaletteMessage, 0, 0);
-  deliver(top, activateMessage, 1, asLParam(former));
+    all.run([&] { deliver(top, queryPaletteMessage, 0, 0); });
+  all.run([&] { deliver(top, activateMessage, 1, asLParam(former)); });
   bool inside;
   {
     Lock lock(mutex_);
@@ -435,7 +470,8 @@ void Core::activate(HWND top)
     inside = !w || active_ != top || (focused && WindowTree::isIn(focused, *w));
   }
   if (!inside)
-    moveFocus(top);
+    all.run([&] { moveFocus(top); });
+  all.finish();
 }
 
 void Core::deactivate(HWND top)
@@ -446,14 +482,16 @@ void Core::deactivate(HWND top)
       return;
     active_ = {};
   }
-  deliver(top, activateMessage, 0, 0);
-  moveFocus({});
+  Attempts all;
+  all.run([&] { deliver(top, activateMessage, 0, 0); });
+  all.run([&] { moveFocus({}); });
+  all.finish();
 }
 
 void Core::setFocus(HWND handle)
 {
   if (!onUi())
-    return callOnUi([=, this] { setFocus(handle); });
+    return callWhenOnUi([=, this] { setFocus(handle); });
   HWND top = {};
   {
     Lock lock(mutex_);
@@ -463,9 +501,11 @@ void Core::setFocus(HWND handle)
     if (w)
       top = WindowTree::top(*w)->handle;
   }
+  Attempts all;
   if (top)
-    activate(top);
-  moveFocus(handle);
+    all.run([&] { activate(top); });
+  all.run([&] { moveFocus(handle); });
+  all.finish();
 }
 
 void Core::moveFocus(HWND handle)
@@ -477,9 +517,11 @@ void Core::moveFocus(HWND handle)
       return;
     former = std::exchange(focus_, handle);
   }
-  deliver(former, killFocusMessage, asParam(handle), 0);
+  Attempts all;
+  all.run([&] { deliver(former, killFocusMessage, asParam(handle), 0); });
   if (focus() == handle)
-    deliver(handle, setFocusMessage, asParam(former), 0);
+    all.run([&] { deliver(handle, setFocusMessage, asParam(former), 0); });
+  all.finish();
 }
 
 void Core::invalidate(HWND handle, Rect const* rect, bool erase)
@@ -553,6 +595,27 @@ HWND Core::capture()
   return capture_;
 }
 
+std::string Core::title(HWND handle)
+{
+  Lock lock(mutex_);
+  Window const* const w = tree_.find(handle);
+  return w ? w->title : std::string();
+}
+
+ScrollBar Core::scrollBar(HWND handle, int bar)
+{
+  Lock lock(mutex_);
+  Window const* const w = tree_.find(handle);
+  return w && (bar == 0 || bar == 1) ? w->bars[bar] : ScrollBar();
+}
+
+HCURSOR Core::cursorOf(HWND handle)
+{
+  Lock lock(mutex_);
+  Window const* const w = tree_.find(handle);
+  return w ? w->cursor : HCURSOR{};
+}
+
 void Core::raiseTopmost(HWND handle)
 {
   Lock lock(mutex_);
@@ -583,6 +646,8 @@ HWND Core::adopt(std::function<Ptr<VideoWindow>(HWND, Rect& screen)> const& make
   {
     Lock lock(mutex_);
     Window* const w = tree_.add(nullptr);
+    if (!w)
+      return {};
     handle = w->handle;
     w->proc = &defaultProc;
     w->cursor = arrow_;

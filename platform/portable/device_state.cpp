@@ -15,7 +15,7 @@ struct Plan {
 };
 
 struct Shared {
-  std::mutex mutex;
+  cc_LeafMutex<cc_LockRank::device> mutex;
   std::atomic<bool> planned{false};  // spares the lock where no test has planned anything
   std::array<Plan, opCount> plans{};
   std::atomic<bool> exclusive{false};

@@ -1,13 +1,13 @@
 // What a device and its surfaces share, and the switches of tests.
 #pragma once
 
+#include "foundation/leaf_mutex.h"
 #include "platform/portable/device_testing.h"
 #include "platform/portable/pel_format.h"
 #include "platform/surface.h"
 
 #include <atomic>
 #include <memory>
-#include <mutex>
 
 namespace plat::portable {
 

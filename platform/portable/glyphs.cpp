@@ -1,5 +1,6 @@
 #include "platform/portable/glyphs.h"
 
+#include "foundation/leaf_mutex.h"
 #include "platform/portable/font_data.h"
 
 #include <ft2build.h>
@@ -11,7 +12,6 @@
 #include <cctype>
 #include <fstream>
 #include <map>
-#include <mutex>
 #include <tuple>
 
 namespace plat::portable {
@@ -80,7 +80,7 @@ std::string pathOf(FontDesc const& desc)
 // FreeType's objects are not for several threads at once.
 struct Library {
   Library() { FT_Init_FreeType(&library); }
-  std::mutex mutex;
+  cc_LeafMutex<cc_LockRank::glyphs> mutex;
   FT_Library library = nullptr;
   using Key = std::tuple<std::string, bool, bool, bool, i32>;
   std::map<Key, std::shared_ptr<FontFace>> faces;
@@ -210,7 +210,7 @@ void FreeTypeFace::takeCoverage(Glyph& glyph, FT_Bitmap const& bitmap)
 
 std::shared_ptr<FontFace> fontFace(FontDesc const& desc)
 {
-  i32 const height = std::clamp(desc.height < 0 ? -desc.height : desc.height, 1, highest);
+  i32 const height = std::clamp(desc.height < -highest ? highest : desc.height < 0 ? -desc.height : desc.height, 1, highest);
   Library& all = library();
   std::vector<std::shared_ptr<FontFace>> dropped;  // die after the lock
   std::lock_guard const guard(all.mutex);

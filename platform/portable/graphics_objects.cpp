@@ -1,10 +1,9 @@
 #include "platform/portable/graphics_objects.h"
 
+#include "foundation/leaf_mutex.h"
 #include "platform/portable/handle_table.h"
 #include "platform/portable/pel_format.h"
 #include "platform/portable/screen.h"
-
-#include <mutex>
 
 namespace plat::portable {
 
@@ -85,7 +84,7 @@ public:
   }
 
 private:
-  std::mutex mutex_;
+  cc_LeafMutex<cc_LockRank::objects> mutex_;
   HandleTable<HPALETTE, std::vector<PaletteEntry>> palettes_;
   HandleTable<HFONT, FontDesc> fonts_;
 };

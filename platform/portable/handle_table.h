@@ -1,4 +1,5 @@
-// Handles as numbers in disguise: a slot and its generation, so that a stale handle is recognised. Not locked.
+// Handles as numbers in disguise: a slot and its generation, so that a stale handle is recognised for the life of the
+// process: a slot whose generations are used up is never used again. Not locked.
 #pragma once
 
 #include "platform/types.h"
@@ -9,22 +10,26 @@
 
 namespace plat::portable {
 
-template <class Handle, class T> class HandleTable {
+template <class Handle, class T, uptr lastGeneration = (~uptr{0} >> 17)> class HandleTable {
 public:
+  // Null when all slots are taken, and then nothing has changed. What throws leaves it as it was too.
   Handle add(T value)
   {
     std::size_t slot = slots_.size();
-    if (!free_.empty()) {
-      slot = free_.back();
-      free_.pop_back();
-    } else {
+    if (free_.empty()) {
       if (slot == slotMask)
         return nullptr;
+      // Room to give the slot back: that must not fail.
+      if (free_.capacity() <= slot)
+        free_.reserve(2 * slot + 8);
       slots_.emplace_back();
+    } else {
+      slot = free_.back();
+      free_.pop_back();
     }
     slots_[slot].value = std::move(value);
     slots_[slot].used = true;
-    return reinterpret_cast<Handle>(uptr{slots_[slot].generation} << slotBits | (slot + 1));
+    return reinterpret_cast<Handle>(slots_[slot].generation << slotBits | (slot + 1));
   }
 
   // Stays where it is until it is removed; null for a handle that isn't alive.
@@ -45,8 +50,8 @@ public:
     std::size_t const slot = (reinterpret_cast<uptr>(handle) & slotMask) - 1;
     slots_[slot].value = T();
     slots_[slot].used = false;
-    slots_[slot].generation = static_cast<u16>(slots_[slot].generation == 0x7FFF ? 1 : slots_[slot].generation + 1);
-    free_.push_back(slot);
+    if (slots_[slot].generation++ < lastGeneration)
+      free_.push_back(slot);
     return true;
   }
 
@@ -55,7 +60,7 @@ private:
   static constexpr uptr slotMask = 0xFFFF;
   struct Slot {
     T value{};
-    u16 generation = 1;
+    uptr generation = 1;
     bool used = false;
   };
   std::deque<Slot> slots_;

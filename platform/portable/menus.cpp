@@ -37,7 +37,7 @@ HMENU Menus::load(int id)
   MenuEntry const* const entry = builtInResources().menu(id);
   if (!entry)
     return {};
-  std::lock_guard<std::mutex> lock(mutex_);
+  std::lock_guard const lock(mutex_);
   return build(entry->entries);
 }
 
@@ -46,7 +46,7 @@ void Menus::destroy(HMENU menu)
   for (MenuItem const& item : items(menu))
     if (item.popup)
       destroy(item.popup);
-  std::lock_guard<std::mutex> lock(mutex_);
+  std::lock_guard const lock(mutex_);
   menus_.remove(menu);
 }
 
@@ -63,7 +63,7 @@ HMENU Menus::system(HWND window)
     return {};
   HMENU menu = core.systemMenu(window);
   if (!menu) {
-    std::unique_lock<std::mutex> lock(mutex_);
+    std::unique_lock lock(mutex_);
     menu = build({{closeItem, "&Close", {}}});
     lock.unlock();
     core.systemMenu(window, menu);
@@ -73,14 +73,14 @@ HMENU Menus::system(HWND window)
 
 std::vector<MenuItem> Menus::items(HMENU menu)
 {
-  std::lock_guard<std::mutex> lock(mutex_);
+  std::lock_guard const lock(mutex_);
   Menu const* const found = menus_.find(menu);
   return found ? found->items : std::vector<MenuItem>();
 }
 
 int Menus::count(HMENU menu)
 {
-  std::lock_guard<std::mutex> lock(mutex_);
+  std::lock_guard const lock(mutex_);
   Menu const* const found = menus_.find(menu);
   return found ? static_cast<int>(found->items.size()) : -1;
 }
@@ -98,7 +98,7 @@ unsigned Menus::itemId(HMENU menu, int index)
 void Menus::change(HMENU menu, unsigned first, unsigned last, std::function<void(MenuItem&)> const& change)
 {
   std::vector<HMENU> open{menu};
-  std::lock_guard<std::mutex> lock(mutex_);
+  std::lock_guard const lock(mutex_);
   while (!open.empty()) {
     Menu* const found = menus_.find(open.back());
     open.pop_back();
@@ -143,20 +143,32 @@ bool Menus::enabled(HMENU menu, unsigned id)
 
 void Menus::answerBox(int result, std::function<void()> meanwhile)
 {
-  std::lock_guard<std::mutex> lock(mutex_);
+  std::lock_guard const lock(mutex_);
   boxAnswers_.push_back({result, std::move(meanwhile)});
 }
 
 void Menus::forgetAnswers()
 {
-  std::lock_guard<std::mutex> lock(mutex_);
+  std::lock_guard const lock(mutex_);
   boxAnswers_.clear();
   menuAnswers_.clear();
 }
 
+std::pair<std::string, std::string> Menus::lastBox()
+{
+  std::lock_guard const lock(mutex_);
+  return lastBox_;
+}
+
+std::vector<MenuItem> Menus::lastMenu()
+{
+  std::lock_guard const lock(mutex_);
+  return lastMenu_;
+}
+
 void Menus::answerMenu(unsigned id)
 {
-  std::lock_guard<std::mutex> lock(mutex_);
+  std::lock_guard const lock(mutex_);
   menuAnswers_.push_back(id);
 }
 

@@ -2,11 +2,11 @@
 // of their top-level window.
 #pragma once
 
+#include "foundation/leaf_mutex.h"
 #include "platform/portable/handle_table.h"
 #include "platform/window.h"
 
 #include <deque>
-#include <mutex>
 
 namespace plat::portable {
 
@@ -41,20 +41,27 @@ public:
   void answerBox(int result, std::function<void()> meanwhile);
   void answerMenu(unsigned id);
   void forgetAnswers();
+  std::pair<std::string, std::string> lastBox();  // text and caption of the box that was shown last
+  std::vector<MenuItem> lastMenu();               // the items of the menu that was tracked last, as they then were
 
 private:
   struct Answer {
     int result = 0;
     std::function<void()> meanwhile;
+    bool waiting = false;  // there was one
   };
+
+  int serve(class Box&);
 
   HMENU build(std::vector<MenuEntry> const&);
   void change(HMENU, unsigned first, unsigned last, std::function<void(MenuItem&)> const&);
 
-  std::mutex mutex_;
+  cc_LeafMutex<cc_LockRank::menus> mutex_;
   HandleTable<HMENU, Menu> menus_;
   std::deque<Answer> boxAnswers_;
   std::deque<unsigned> menuAnswers_;
+  std::pair<std::string, std::string> lastBox_;
+  std::vector<MenuItem> lastMenu_;
 };
 
 Menus& menus();

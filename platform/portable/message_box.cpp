@@ -1,4 +1,5 @@
 // Message boxes: a window in front of all others, served by a nested loop that serves every other window too.
+#include "platform/portable/attempts.h"
 #include "platform/portable/menus.h"
 #include "platform/portable/popup.h"
 
@@ -14,12 +15,12 @@ constexpr i32 captionHeight = 22, margin = 14, buttonWidth = 76, buttonHeight = 
 constexpr unsigned centred = 1, noPrefix = 0x800;
 constexpr int okResult = 1, cancelResult = 2;
 
-struct Answer {
+struct Choice {
   int result;
   char const* text;
 };
 
-std::vector<Answer> answersOf(unsigned flags)
+std::vector<Choice> answersOf(unsigned flags)
 {
   switch (flags & 15) {
   case 1:
@@ -37,6 +38,8 @@ std::vector<Answer> answersOf(unsigned flags)
   }
 }
 
+}  // namespace
+
 class Box {
 public:
   Box(HWND owner, std::string const& text, std::string const& caption, unsigned flags)
@@ -49,15 +52,26 @@ public:
              captionHeight + 3 * margin + body.h + buttonHeight};
     textRect_ = {margin, captionHeight + margin, size_.w - margin, captionHeight + margin + body.h};
     firstButton_ = {(size_.w - buttons) / 2, size_.h - margin - buttonHeight};
-    show(owner);
+    standing.push_back(this);
+    try {
+      show(owner);
+    } catch (...) {
+      standing.pop_back();
+      throw;
+    }
   }
+  Box(Box const&) = delete;
+  Box& operator=(Box const&) = delete;
+  ~Box() { std::erase(standing, this); }
 
   HWND window() const { return window_; }
+  std::string const& text() const { return text_; }
+  std::string const& caption() const { return caption_; }
   int result() const { return result_; }
 
   int cancelled() const
   {
-    for (Answer const& answer : answers_)
+    for (Choice const& answer : answers_)
       if (answer.result == cancelResult)
         return cancelResult;
     return answers_.size() == 1 ? okResult : 0;
@@ -77,7 +91,6 @@ private:
   void show(HWND owner)
   {
     Core& core = Core::instance();
-    standing.push_back(this);
     HWND const host = popupHost(owner, size_);
     Rect const frame = host ? shifted(core.clientRect(host), core.clientToScreen(host, {}))
                             : Rect{0, 0, core.screenSize().w, core.screenSize().h};
@@ -213,7 +226,7 @@ private:
   static constexpr std::size_t none = ~std::size_t(0);
 
   std::string text_, caption_;
-  std::vector<Answer> answers_;
+  std::vector<Choice> answers_;
   std::size_t focused_, held_ = none;
   Size size_;
   Rect textRect_;
@@ -226,7 +239,31 @@ private:
 
 std::vector<Box*> Box::standing;
 
-}  // namespace
+// The answer of the operator, or what a test has prepared.
+int Menus::serve(Box& box)
+{
+  Core& core = Core::instance();
+  Answer prepared;
+  {
+    std::lock_guard const lock(mutex_);
+    if (!boxAnswers_.empty()) {
+      prepared = std::move(boxAnswers_.front());
+      boxAnswers_.pop_front();
+      prepared.waiting = true;
+    }
+    lastBox_ = {box.text(), box.caption()};
+  }
+  if (prepared.waiting) {
+    core.drain();
+    if (prepared.meanwhile)
+      prepared.meanwhile();
+    core.drain();
+    return prepared.result;
+  }
+  while (!box.result() && core.isWindow(box.window()) && core.modalRound()) {
+  }
+  return box.result() ? box.result() : box.cancelled();
+}
 
 int Menus::messageBox(HWND owner, std::string const& text, std::string const& caption, unsigned flags)
 {
@@ -238,32 +275,13 @@ int Menus::messageBox(HWND owner, std::string const& text, std::string const& ca
   }
   HWND const focus = core.focus();
   Box box(owner, text, caption, flags);
-  Answer prepared;
-  bool answered;
-  {
-    std::lock_guard<std::mutex> lock(mutex_);
-    answered = !boxAnswers_.empty();
-    if (answered) {
-      prepared = std::move(boxAnswers_.front());
-      boxAnswers_.pop_front();
-    }
-  }
+  Attempts all;
   int result = 0;
-  if (answered) {
-    core.drain();
-    if (prepared.meanwhile)
-      prepared.meanwhile();
-    core.drain();
-    result = prepared.result;
-  } else {
-    while (!box.result() && core.isWindow(box.window()) && core.modalRound()) {
-    }
-    result = box.result() ? box.result() : box.cancelled();
-  }
-  std::erase(Box::standing, &box);
-  core.destroy(box.window());
+  all.run([&] { result = serve(box); });
+  all.run([&] { core.destroy(box.window()); });
   if (focus && core.isWindow(focus))
-    core.setFocus(focus);
+    all.run([&] { core.setFocus(focus); });
+  all.finish();
   return result;
 }
 

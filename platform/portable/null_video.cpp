@@ -23,19 +23,19 @@ Ptr<VideoWindow> NullVideo::createWindow(HWND, std::string const&, Rect const&, 
 
 void NullVideo::wait(int milliseconds)
 {
-  std::unique_lock<std::mutex> lock(mutex_);
+  cc_LeafWait lock(mutex_);
   auto const woken = [this] { return awake_; };
   if (milliseconds < 0)
-    woken_.wait(lock, woken);
+    woken_.wait(lock.native(), woken);
   else
-    woken_.wait_for(lock, std::chrono::milliseconds(milliseconds), woken);
+    woken_.wait_for(lock.native(), std::chrono::milliseconds(milliseconds), woken);
   awake_ = false;
 }
 
 void NullVideo::wake()
 {
   {
-    std::lock_guard<std::mutex> lock(mutex_);
+    std::lock_guard const lock(mutex_);
     awake_ = true;
   }
   woken_.notify_one();

@@ -2,10 +2,10 @@
 // clock stands until a test turns it.
 #pragma once
 
+#include "foundation/leaf_mutex.h"
 #include "platform/portable/video.h"
 
 #include <condition_variable>
-#include <mutex>
 
 namespace plat::portable {
 
@@ -48,7 +48,7 @@ public:
 private:
   Size screen_;
   int depth_;
-  std::mutex mutex_;
+  cc_LeafMutex<cc_LockRank::wake> mutex_;
   std::condition_variable woken_;
   bool awake_ = false;
 };

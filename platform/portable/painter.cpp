@@ -1,5 +1,7 @@
 #include "platform/portable/painter.h"
 
+#include "foundation/leaf_mutex.h"
+
 #include "platform/portable/glyphs.h"
 #include "platform/portable/handle_table.h"
 #include "platform/portable/pel_row.h"
@@ -21,7 +23,7 @@ constexpr unsigned boundsReset = 1, boundsAdd = 2, boundsEnable = 4, boundsDisab
 constexpr Rect everything{-farthestPel, -farthestPel, farthestPel, farthestPel};
 
 struct Handles {
-  std::mutex mutex;
+  cc_LeafMutex<cc_LockRank::painters> mutex;
   HandleTable<HDC, MemPainter*> table;
 };
 

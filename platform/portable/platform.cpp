@@ -1,4 +1,5 @@
 // The concrete objects behind the interfaces of this variant; nothing else names them.
+#include "foundation/leaf_mutex.h"
 #include "platform/app.h"
 #include "platform/portable/core.h"
 #include "platform/portable/graphics_objects.h"
@@ -9,7 +10,7 @@
 namespace plat {
 namespace {
 
-std::mutex sinkMutex;
+cc_LeafMutex<cc_LockRank::sink> sinkMutex;
 std::function<void(std::string_view)> sink;
 
 }  // namespace
@@ -22,14 +23,14 @@ Platform& platform()
 
 void debugText(std::string_view text)
 {
-  std::lock_guard<std::mutex> lock(sinkMutex);
+  std::lock_guard const lock(sinkMutex);
   if (sink)
     sink(text);
 }
 
 void testing::debugSink(std::function<void(std::string_view)> to)
 {
-  std::lock_guard<std::mutex> lock(sinkMutex);
+  std::lock_guard const lock(sinkMutex);
   sink = std::move(to);
 }
 

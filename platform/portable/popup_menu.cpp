@@ -1,4 +1,5 @@
 // Tracking of popup menus: a window for each open menu, and a grab on all input while they stand.
+#include "platform/portable/attempts.h"
 #include "platform/portable/menus.h"
 #include "platform/portable/popup.h"
 
@@ -22,14 +23,11 @@ public:
   unsigned run()
   {
     Core& core = Core::instance();
-    MenuTracker* const outer = std::exchange(running, this);
-    InputGrab* const former = core.grab(this);
+    Standing const standing(*this);
     for (Level const& level : levels_)
       core.invalidate(level.window, nullptr, false);
-    while (!done_ && core.isWindow(levels_.front().window) && core.modalRound()) {
+    while (!done_ && !levels_.empty() && core.isWindow(levels_.front().window) && core.modalRound()) {
     }
-    core.grab(former);
-    running = outer;
     closeTo(0);
     return chosen_;
   }
@@ -52,13 +50,13 @@ public:
     }
     int const index = itemAt(levels_[depth - 1], screen);
     setHot(depth - 1, index);
-    if (released && armed_)
+    if (released && armed_ && levels_.size() >= depth)
       choose(depth - 1);
   }
 
   void key(unsigned virtualKey, bool down) override
   {
-    if (!down || dismissed_)
+    if (!down || dismissed_ || levels_.empty())
       return;
     std::size_t const depth = levels_.size() - 1;
     switch (virtualKey) {
@@ -106,6 +104,24 @@ public:
   static MenuTracker* running;
 
 private:
+  // The menu has the input, also when a procedure that the loop serves throws.
+  struct Standing {
+    MenuTracker& tracker;
+    MenuTracker* const outer;
+    explicit Standing(MenuTracker& t) : tracker(t), outer(running)
+    {
+      Core::instance().grab(tracker);
+      running = &tracker;
+    }
+    ~Standing()
+    {
+      Core::instance().endGrab(tracker);
+      running = outer;
+      Attempts quiet;  // the popups are ours, but what they cover is told of it
+      quiet.run([&] { tracker.closeTo(0); });
+    }
+  };
+
   struct Level {
     std::vector<MenuItem> items;
     HWND window = {};
@@ -135,8 +151,10 @@ private:
     Rect const frame = host ? shifted(core.clientRect(host), core.clientToScreen(host, {}))
                             : Rect{0, 0, core.screenSize().w, core.screenSize().h};
     level.screen = broughtInto(frame, {screen.x, screen.y, screen.x + size.w, screen.y + size.h});
+    levels_.reserve(levels_.size() + 1);
     level.window = openPopup(host, level.screen, &proc);
-    levels_.push_back(std::move(level));
+    if (level.window)
+      levels_.push_back(std::move(level));
   }
 
   void closeTo(std::size_t depth)
@@ -183,6 +201,9 @@ private:
       return;
     HMENU const sub = item(depth).popup;
     Core::instance().send(owner_, initPopupMessage, reinterpret_cast<WParam>(sub), index);
+    // The owner may have run a loop of its own in which the menu went on.
+    if (levels_.size() != depth + 1 || levels_[depth].hot != index || dismissed_ || menus().count(sub) < 0)
+      return;
     i32 top = levels_[depth].screen.top;
     for (int i = 0; i < index; ++i)
       top += heightOf(levels_[depth].items[static_cast<std::size_t>(i)]);
@@ -233,7 +254,9 @@ private:
       unsigned const upper = letter >= 'a' && letter <= 'z' ? letter - 32u : letter;
       if (upper == virtualKey) {
         setHot(depth, static_cast<int>(i));
-        return choose(depth);
+        if (levels_.size() > depth)
+          choose(depth);
+        return;
       }
     }
   }
@@ -297,15 +320,21 @@ MenuTracker* MenuTracker::running = nullptr;
 void Menus::track(HMENU menu, Point screen, HWND owner)
 {
   Core& core = Core::instance();
-  if (!core.onUi())
-    return core.callOnUi([=, this] { track(menu, screen, owner); });
+  if (!core.onUi()) {
+    core.callOnUi([=, this] { track(menu, screen, owner); });
+    return;
+  }
   if (count(menu) < 0 || MenuTracker::running)
     return;
   core.send(owner, initPopupMessage, reinterpret_cast<WParam>(menu), 0);
+  if (count(menu) < 0 || MenuTracker::running)
+    return;
   unsigned chosen = 0;
   bool answered = false;
+  std::vector<MenuItem> shown = items(menu);
   {
-    std::lock_guard<std::mutex> lock(mutex_);
+    std::lock_guard const lock(mutex_);
+    lastMenu_.swap(shown);
     answered = !menuAnswers_.empty();
     if (answered) {
       chosen = menuAnswers_.front();

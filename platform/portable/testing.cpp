@@ -38,6 +38,38 @@ void answerBox(int result, std::function<void()> meanwhile)
 
 void answerMenu(unsigned id) { portable::menus().answerMenu(id); }
 
+std::string title(HWND window) { return core().title(window); }
+
+namespace {
+
+std::vector<MenuState> statesOf(std::vector<portable::MenuItem> const& items)
+{
+  std::vector<MenuState> states;
+  for (portable::MenuItem const& item : items)
+    states.push_back({item.popup ? 0 : item.id, item.text, item.enabled, item.checked, item.radio});
+  return states;
+}
+
+}  // namespace
+
+std::vector<MenuState> menuStates(HMENU menu) { return statesOf(portable::menus().items(menu)); }
+
+std::vector<MenuState> trackedMenu() { return statesOf(portable::menus().lastMenu()); }
+
+std::string boxText() { return portable::menus().lastBox().first; }
+
+std::string boxCaption() { return portable::menus().lastBox().second; }
+
+ScrollState scrollState(HWND window, int bar)
+{
+  portable::ScrollBar const state = core().scrollBar(window, bar);
+  return {state.shown(), !state.disabled, state.min, state.max, state.pos, state.page};
+}
+
+HCURSOR cursor() { return core().currentCursor(); }
+
+HCURSOR windowCursor(HWND window) { return core().cursorOf(window); }
+
 void pointer(Point screen, unsigned buttons, unsigned mods)
 {
   core().pointer({}, screen, buttons, mods, 0);

@@ -36,7 +36,13 @@ Window* WindowTree::add(Window* parent)
 {
   auto record = std::make_unique<Window>();
   Window* const w = record.get();
-  w->handle = table_.add(std::move(record));
+  auto& list = parent ? parent->kids : tops_;
+  if (list.size() == list.capacity())
+    list.reserve(2 * list.size() + 4);
+  HWND const handle = table_.add(std::move(record));
+  if (!handle)
+    return nullptr;
+  w->handle = handle;
   w->parent = parent;
   if (parent)
     parent->kids.push_back(w);

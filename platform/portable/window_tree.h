@@ -77,7 +77,7 @@ public:
     Ptr<Window>* const found = table_.find(handle);
     return found ? found->get() : nullptr;
   }
-  Window* add(Window* parent);  // behind its siblings; a new top-level window in front
+  Window* add(Window* parent);  // behind its siblings; a new top-level window in front; null when there are too many
   Ptr<Window> remove(HWND);
   std::vector<Window*> const& tops() const { return tops_; }  // frontmost first
   void toFront(Window&);                                    // behind kids that stay in front

@@ -133,7 +133,7 @@ bool ccUIObject::setAutoDelete_(ccUIObject const* node)
 // Both mutexes outlive every node, since the first node makes them.
 ccMutex& ccUIObject::orphanMutex()
 {
-  static ccMutex mutex;
+  static ccMutex mutex(cc_LockRank::orphans);
   return mutex;
 }
 
@@ -142,7 +142,7 @@ ccMutex& ccUIObject::uiMutex()
   // The registry is made first, so that it outlives the nodes too.
   static auto& registry = cf_registry();
   static_cast<void>(registry);
-  static ccMutex mutex;
+  static ccMutex mutex(cc_LockRank::ui);
   return mutex;
 }
 

@@ -84,6 +84,9 @@ ccUIRootObject::~ccUIRootObject()
     eventProcessor_ = nullptr;
     roots().erase(rootsPos_);
   }
+  // The kids leave under the root's mutex, which comes before the orphans' one.
+  ccLock own(mutex_, /*lockNow=*/false);
+  own.lockFirm();
   ccLock lock(orphanMutex(), /*lockNow=*/false);
   lock.lockFirm();
   for (ccUIObject* kid = frontKid(); kid; kid = kid->fartherSib())

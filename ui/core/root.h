@@ -71,5 +71,5 @@ private:
   ccUIControlFrame* groundPlane_ = nullptr;
   ccUIControlFrame* floatingPlane_ = nullptr;
   std::list<ccUIRootObject*>::iterator rootsPos_;
-  ccMutex mutex_;
+  ccMutex mutex_{cc_LockRank::root};
 };

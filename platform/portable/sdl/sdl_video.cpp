@@ -257,7 +257,7 @@ void SdlVideo::poll(VideoSink& sink, bool alone)
       sink.gone(window->handle());
     }
   {
-    std::lock_guard<std::mutex> lock(wakeMutex_);
+    std::lock_guard const lock(wakeMutex_);
     awake_ = false;
   }
   wakePending_ = false;
@@ -349,9 +349,9 @@ void SdlVideo::wait(int milliseconds)
     if (queue == Queue::empty && canBlock()) {
       SDL_WaitEventTimeout(nullptr, rest);
     } else {
-      std::unique_lock<std::mutex> lock(wakeMutex_);
+      cc_LeafWait lock(wakeMutex_);
       int const slice = rest < 0 ? idleSliceMs : std::min(rest, idleSliceMs);
-      if (woken_.wait_for(lock, std::chrono::milliseconds(slice), [this] { return awake_; }))
+      if (woken_.wait_for(lock.native(), std::chrono::milliseconds(slice), [this] { return awake_; }))
         return;
     }
   }
@@ -362,7 +362,7 @@ void SdlVideo::wake()
   if (wakePending_.exchange(true))
     return;
   {
-    std::lock_guard<std::mutex> lock(wakeMutex_);
+    std::lock_guard const lock(wakeMutex_);
     awake_ = true;
   }
   woken_.notify_one();

@@ -1,11 +1,11 @@
 // The screen through SDL: X11, Wayland or, when asked for, the dummy driver.
 #pragma once
 
+#include "foundation/leaf_mutex.h"
 #include "platform/portable/video.h"
 
 #include <atomic>
 #include <condition_variable>
-#include <mutex>
 
 #include <SDL_events.h>
 
@@ -111,7 +111,7 @@ private:
   bool clipOn_ = false;
   Rect clip_;
 
-  std::mutex wakeMutex_;
+  cc_LeafMutex<cc_LockRank::wake> wakeMutex_;
   std::condition_variable woken_;
   bool awake_ = false;
   std::atomic<bool> wakePending_ = false;

@@ -1,8 +1,9 @@
 #include "platform/portable/sdl/x11_child.h"
 
+#include "foundation/leaf_mutex.h"
+
 #include <algorithm>
 #include <cstring>
-#include <mutex>
 #include <vector>
 
 #include <SDL.h>
@@ -28,7 +29,7 @@ public:
 
   void add(::Window id)
   {
-    std::lock_guard<std::mutex> lock(mutex_);
+    std::lock_guard const lock(mutex_);
     if (ids_.empty())
       former_ = XSetErrorHandler(&ErrorShield::handle);
     ids_.push_back(id);
@@ -37,7 +38,7 @@ public:
   // After a round trip to the server, so that no error can still come.
   void remove(::Window id)
   {
-    std::lock_guard<std::mutex> lock(mutex_);
+    std::lock_guard const lock(mutex_);
     auto const found = std::find(ids_.begin(), ids_.end(), id);
     if (found == ids_.end())
       return;
@@ -56,7 +57,7 @@ private:
     ErrorShield& shield = instance();
     XErrorHandler former;
     {
-      std::lock_guard<std::mutex> lock(shield.mutex_);
+      std::lock_guard const lock(shield.mutex_);
       if (std::find(shield.ids_.begin(), shield.ids_.end(), error->resourceid) != shield.ids_.end())
         return 0;
       former = shield.former_;
@@ -64,7 +65,7 @@ private:
     return former ? former(display, error) : 0;
   }
 
-  std::mutex mutex_;
+  cc_LeafMutex<cc_LockRank::x11Errors> mutex_;
   std::vector<::Window> ids_;
   XErrorHandler former_ = nullptr;
 };
