@@ -175,10 +175,14 @@ void ccUITablet::runClippedHooks_()
     if (t->layers_->clipChanged) {
       t->layers_->clipChanged = false;
       cc_Watch const watch(*t);
+      cc_TabletTop const* const top = top_();
+      std::uint64_t const links = top ? top->links() : 0;
       t->clipped_();
       if (!own.tablet())
         return;
-      if (!watch.tablet() || !cc_TabletTop::inSubtree(t, this)) {
+      // Whether it still stands here is looked for only if some tablet has changed its place at all.
+      bool const same = top && watch.isIn(top) && own.isIn(top) && top->links() == links;
+      if (!watch.tablet() || (!same && !cc_TabletTop::inSubtree(t, this))) {
         t = this;
         continue;
       }

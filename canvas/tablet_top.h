@@ -3,6 +3,7 @@
 #pragma once
 
 #include "canvas/graphic_props.h"
+#include "canvas/on_throw.h"
 #include "canvas/rect_index.h"
 #include "canvas/region.h"
 #include "canvas/scope.h"
@@ -10,9 +11,7 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <exception>
 #include <memory>
-#include <utility>
 #include <vector>
 
 inline bool cf_hasLayer(cc_TabletEnums::Layers l, int layer)
@@ -121,23 +120,6 @@ private:
   cc_Watch* next_;
 };
 
-// Runs what must be made good when an exception passes.
-template <class Body> class cc_OnThrow {
-public:
-  explicit cc_OnThrow(Body body) : body_(std::move(body)) {}
-  ~cc_OnThrow()
-  {
-    if (std::uncaught_exceptions() > before_)
-      body_();
-  }
-  cc_OnThrow(cc_OnThrow const&) = delete;
-  cc_OnThrow& operator=(cc_OnThrow const&) = delete;
-
-private:
-  Body body_;
-  int before_ = std::uncaught_exceptions();
-};
-
 class cc_TabletTop {
 public:
   using Layers = cc_TabletEnums::Layers;
@@ -168,6 +150,8 @@ public:
 
   // Regions. Any change of geometry, order, visibility, opaque or covered state outdates them.
   void changed() { ++version_; }
+  void linked() { ++links_; }
+  std::uint64_t links() const { return links_; } // differs after tablets have joined, left or changed places
   cs_Region const& region(ccUITablet&, int layer, ce_RegionKind);
   static bool isSolid(ccUITablet const&, int layer);
 
@@ -313,6 +297,7 @@ private:
   std::vector<std::unique_ptr<cs_Open>> open_; // by depth of passes
   std::size_t passDepth_ = 0;
   std::uint64_t version_ = 1;
+  std::uint64_t links_ = 1;
   std::uint64_t windowUse_ = 0;
   std::uint64_t dragEpoch_ = 1;
   long busy_ = 0;

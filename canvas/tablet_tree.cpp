@@ -21,6 +21,7 @@ void ccUITablet::unlink_()
 {
   if (cc_TabletTop* top = top_()) {
     top->forget(*this);
+    top->linked();
     top->changed();
   }
   (prevSib_ ? prevSib_->nextSib_ : parentTablet_->firstKid_) = nextSib_;

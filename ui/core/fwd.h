@@ -2,6 +2,7 @@
 #pragma once
 
 class cc_NodeWalk;
+class cc_TabletRef;
 class ccKeyboardEvent;
 class ccMouseEvent;
 class ccUIClientFrame;

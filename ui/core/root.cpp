@@ -1,8 +1,11 @@
 #include "ui/core/root.h"
 
+#include "canvas/on_throw.h"
 #include "canvas/ui_error.h"
 #include "ui/core/event_processor.h"
 #include "ui/core/node_walk.h"
+
+#include <mutex>
 
 namespace {
 
@@ -53,6 +56,47 @@ std::vector<ccRGB> cf_initialColorMap()
 
 }  // namespace
 
+struct cc_RootMutex {
+  ccMutex mutex;
+  cc_RootMutex* next = nullptr;
+};
+
+namespace {
+
+// Mutexes of roots that have gone while calls further up still held them. They are freed once nobody does.
+std::mutex& cf_retiredGuard()
+{
+  static std::mutex& guard = *new std::mutex;
+  return guard;
+}
+
+cc_RootMutex* retired = nullptr;
+
+void cf_freeRetired()
+{
+  for (cc_RootMutex** link = &retired; *link;) {
+    cc_RootMutex* const one = *link;
+    if (one->mutex.lockedByMe() || !one->mutex.lock(0)) {
+      link = &one->next;
+      continue;
+    }
+    one->mutex.unlock();
+    *link = one->next;
+    delete one;
+  }
+}
+
+}  // namespace
+
+// The latest one stays at least until the next root goes: a thread may just be about to leave it.
+void cc_RootMutexRetirer::operator()(cc_RootMutex* one) const noexcept
+{
+  std::lock_guard<std::mutex> const hold(cf_retiredGuard());
+  cf_freeRetired();
+  one->next = retired;
+  retired = one;
+}
+
 std::list<ccUIRootObject*>& ccUIRootObject::roots()
 {
   static std::list<ccUIRootObject*> list;
@@ -60,16 +104,20 @@ std::list<ccUIRootObject*>& ccUIRootObject::roots()
 }
 
 ccUIRootObject::ccUIRootObject(ccUIScope* image, ccUIScope* overlay)
-    : ccUIControlFrame(image, overlay), eventProcessor_(nullptr), colorMap_(cf_initialColorMap())
+    : ccUIControlFrame(image, overlay), eventProcessor_(std::make_shared<ccUIEventProcessor>(this)),
+      colorMap_(cf_initialColorMap()), ownMutex_(new cc_RootMutex), mutex_(ownMutex_->mutex)
 {
+  // First, as it may fail: what follows has a destructor to undo it only once the root stands.
+  std::list<ccUIRootObject*> place(1, this);
   rootMutex_ = &mutex_;
-  eventProcessor_ = new ccUIEventProcessor(this);
+  cc_OnThrow const undo([this] { rootMutex_ = nullptr; });
   condVisible(true);
   condEnabled(true);
   keepSel(true);  // a root is always selected
   ccLock lock(mutex_);
   ccLock list(uiMutex());
-  rootsPos_ = roots().insert(roots().end(), this);
+  rootsPos_ = place.begin();
+  roots().splice(roots().end(), place);
 }
 
 ccUIRootObject::~ccUIRootObject()
@@ -80,8 +128,8 @@ ccUIRootObject::~ccUIRootObject()
     ccLock list(uiMutex(), /*lockNow=*/false);
     list.lockFirm();
     rootMutex_ = nullptr;
-    delete eventProcessor_;
-    eventProcessor_ = nullptr;
+    eventProcessor_->rootDies_();
+    eventProcessor_.reset();
     roots().erase(rootsPos_);
   }
   ccLock lock(orphanMutex(), /*lockNow=*/false);
