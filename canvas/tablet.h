@@ -66,6 +66,7 @@ public:
   bool visitKidsAt(ccPair<long> const& local, void (*visit)(void*, ccUITablet&), void* with);
   void front();
   void back();
+  void startBehind();  // to the back of its siblings, without a mark: for a tablet that has drawn nothing yet
   void visible(bool);
   bool isVisible() const { return visible_; }  // its own flag
   bool isShown() const;                        // visible here and in all ancestors

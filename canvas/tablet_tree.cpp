@@ -97,6 +97,17 @@ void ccUITablet::back()
 {
   if (!prevSib_)
     return;
+  startBehind();
+  cc_TabletTop* const top = top_();
+  if (top && isShown())
+    for (int layer = 0; layer < 2; ++layer)
+      top->mark(layer, layers_->clip, nullptr);
+}
+
+void ccUITablet::startBehind()
+{
+  if (!prevSib_)
+    return;
   ccUITablet& parent = *parentTablet_;
   prevSib_->nextSib_ = nextSib_;
   (nextSib_ ? nextSib_->prevSib_ : parent.lastKid_) = prevSib_;
@@ -105,13 +116,10 @@ void ccUITablet::back()
   nextSib_->prevSib_ = this;
   parent.firstKid_ = this;
   zOrder_ = --parent.kidsBack_;
-  cc_TabletTop* const top = top_();
-  if (!top)
-    return;
-  top->changed();
-  if (isShown())
-    for (int layer = 0; layer < 2; ++layer)
-      top->mark(layer, layers_->clip, nullptr);
+  if (cc_TabletTop* const top = top_()) {
+    top->linked();
+    top->changed();
+  }
 }
 
 void ccUITablet::visible(bool on)

@@ -6,6 +6,8 @@
 #include "ui/core/node_walk.h"
 #include "ui/core/root.h"
 
+#include <algorithm>
+
 namespace {
 
 using Layers = ccUITablet::Layers;
@@ -114,8 +116,10 @@ void ccUIEventProcessor::processEvent(ccMouseEvent const& e)
   if (!root_)
     return;
   ccLock lock(root_->mutex());
-  ccMouseEvent const event = e;  // hooks may process events themselves
+  ccMouseEvent event = e;  // hooks may process events themselves
   lastMouseEvent_ = event;
+  constexpr long far = ccUIRect::kFar;  // there is no screen beyond, and differences of positions fit
+  event.position(ccPair<long>(std::clamp(event.position().x(), -far, far), std::clamp(event.position().y(), -far, far)));
   lastMousePos_ = event.position();
   ccUIObject* hit = mouseCapture_ ? mouseCapture_ : root_;
   hit = gesture() == Gesture::dragging ? ours_(hit) : touched_(hit);

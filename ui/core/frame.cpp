@@ -185,10 +185,7 @@ void ccUIFrame::newParentTablet(ccUITablet*)
 {
   // A root keeps null in its own root_, so it is asked for itself, as in the constructor.
   ccUIFrame* const above = cfFrameOf(parentTablet());
-  if (!above) {
-    newRoot(nullptr, /*recurse=*/true);
-    return;
-  }
-  ccUIRootObject* const root = above->rootObject(true);
-  newRoot(root ? root : above->root(), /*recurse=*/true);
+  ccUIRootObject* const root = above ? above->rootObject(true) : nullptr;
+  newRoot(root ? root : above ? above->root() : nullptr, /*recurse=*/true);
+  settle_(/*repaint=*/false);  // what is seen of it follows its new ancestors, and no hook is due
 }

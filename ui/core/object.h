@@ -193,7 +193,7 @@ private:
   void dragMembers_(cc_NodeWalk&);
   bool isMember_() const { return (flags_ & kMember) == kMember; }  // of a multi-selection, if there is another
   void endDrag_(cc_TabletRef const&, int layers) noexcept;
-  void settle_() noexcept;
+  void settle_(bool repaint = true) noexcept;
   void show_(bool nested);
   void hide_(bool nested);
   void enable_(States, bool nested);

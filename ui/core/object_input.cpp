@@ -5,10 +5,19 @@
 #include "foundation/resource.h"
 #include "ui/core/node_walk.h"
 
+#include <algorithm>
+
 namespace {
 
 using Layers = ccUITablet::Layers;
 constexpr Layers bothInOrder[] = {ccUITablet::imageLayer, ccUITablet::overlayLayer};
+
+// Far outside any screen a position stays where differences of positions fit.
+ccPair<long> cf_near(ccPair<long> const& p)
+{
+  constexpr long far = ccUIRect::kFar;
+  return ccPair<long>(std::clamp(p.x(), -far, far), std::clamp(p.y(), -far, far));
+}
 
 }  // namespace
 
@@ -126,7 +135,7 @@ void ccUIObject::endDrag_(cc_TabletRef const& canvas, int layers) noexcept
 void ccUIObject::dragStart(ccPair<long> const& position)
 {
   ccLock lock(rootMutex());
-  ccPair<long> const at = position;
+  ccPair<long> const at = cf_near(position);
   cc_NodeRef const self(this);
   cc_TabletRef const canvas(tablet());
   int layers = 0;
@@ -157,7 +166,7 @@ void ccUIObject::dragStart(ccPair<long> const& position)
 void ccUIObject::dragAnimate(ccPair<long> const& start, ccPair<long> const& end)
 {
   ccLock lock(rootMutex());
-  ccPair<long> const from = start, to = end;
+  ccPair<long> const from = cf_near(start), to = cf_near(end);
   cc_NodeRef const self(this);
   cc_TabletRef const canvas(tablet());
   cc_ScreenLock const screen(canvas.get());
@@ -188,7 +197,7 @@ void ccUIObject::dragAnimate(ccPair<long> const& start, ccPair<long> const& end)
 void ccUIObject::dragStop(ccPair<long> const& start, ccPair<long> const& end)
 {
   ccLock lock(rootMutex());
-  ccPair<long> const from = start, to = end;
+  ccPair<long> const from = cf_near(start), to = cf_near(end);
   cc_NodeRef const self(this);
   cc_TabletRef const canvas(tablet());
   cc_ScreenLock const screen(canvas.get());

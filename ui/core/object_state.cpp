@@ -242,16 +242,17 @@ void ccUIObject::hide_(bool nested)
 
 // After an exception: what was not told that it is on or off is put right without a hook, and repainted. Frames follow their
 // nodes; shapes come and go with the next repaint of their frame.
-void ccUIObject::settle_() noexcept
+void ccUIObject::settle_(bool repaint) noexcept
 {
   ccUIObject* node = this;
   while (node) {
     if (ccUIFrame* const frame = node->frame(true)) {
-      ccUIFrame* const above = node == this ? nullptr : cfFrameOf(frame->parentTablet());
-      frame->ccUITablet::visible(node->condVisible() && (!above || above->isVisible()));
-      frame->ccUITablet::update(ccUIRect(frame->screenOrigin(), frame->ccUITablet::size()), ccUITablet::bothLayers,
+      ccUIFrame* const above = cfFrameOf(frame->parentTablet());
+      frame->ccUITablet::visible(node->condVisible() && (above ? above->isVisible() : node->rootObject(true) != nullptr));
+      if (repaint)
+        frame->ccUITablet::update(ccUIRect(frame->screenOrigin(), frame->ccUITablet::size()), ccUITablet::bothLayers,
                                 /*now=*/false);
-    } else if (node == this) {
+    } else if (node == this && repaint) {
       if (ccUITablet* const canvas = tablet())
         canvas->update(ccUIRect(canvas->screenOrigin(), canvas->size()), ccUITablet::bothLayers, /*now=*/false);
     }

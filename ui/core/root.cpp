@@ -233,6 +233,7 @@ void ccUIRootObject::rootImage(ccPelBuffer_const<ccPackedRGB16Pel> const& image,
   if (!r.isNull())
     draw(image.cut(0, 0, r.width(), r.height()), ccPoint(r.ul()), /*masked=*/false, ccPackedRGB16Pel(), layer);
   ccUITablet corner(*this, r);
+  corner.startBehind();  // it lies in the root, so what is opaque in front of the root hides it
   corner.draw(sketch, ccPoint(0, 0), layer);
   clearAnyChanged(layer);
 }
@@ -244,6 +245,7 @@ void ccUIRootObject::rootImage(ccPelBuffer_const<unsigned char> const& image, cc
   if (!r.isNull())
     draw(image.cut(0, 0, r.width(), r.height()), ccPoint(r.ul()), /*masked=*/false, 0, /*mapPels=*/true, layer);
   ccUITablet corner(*this, r);
+  corner.startBehind();  // it lies in the root, so what is opaque in front of the root hides it
   corner.draw(sketch, ccPoint(0, 0), layer);
   clearAnyChanged(layer);
 }

@@ -161,6 +161,20 @@ bool ccUIShapesFrame::addShapesIn_(cc_NodeWalk& walk, ccUIRect const* clip)
   return true;
 }
 
+void ccUIShapesFrame::drawDirect(ccUISketch const& sketch)
+{
+  ccLock lock(rootMutex());
+  bool const records = !inAreaUpdate_ && !recordChanges();
+  cc_NodeRef const self(this);
+  cc_AtEnd const keep([&] {
+    if (records && self.exists())
+      getChanges(drawnRects_, /*add=*/true);
+  });
+  if (records)
+    recordChanges(true);
+  draw(sketch, ccPoint(0, 0), bothLayers);
+}
+
 void ccUIShapesFrame::countsShapes(bool on)
 {
   ccLock lock(rootMutex());

@@ -25,6 +25,7 @@ public:
   // On: shapes are counted when they join by parent, and no more once they leave. Off at birth.
   bool countsShapes() const { return countsShapes_; }
   void countsShapes(bool);
+  void drawDirect(ccUISketch const&);  // at once, on both layers; hiding the frame takes it away like its own drawing
 
 protected:
   virtual void drawBackground_();
