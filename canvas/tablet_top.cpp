@@ -118,6 +118,17 @@ bool cc_TabletTop::before(ccUITablet const* a, ccUITablet const* b)
   return false; // tops of two trees
 }
 
+// Goes down only where something changes.
+void cc_TabletTop::refreshShown(ccUITablet& root)
+{
+  for (ccUITablet* t = &root; t;) {
+    bool const shown = t->visible_ && (!t->parentTablet_ || t->parentTablet_->layers_->shown);
+    bool const same = shown == t->layers_->shown;
+    t->layers_->shown = shown;
+    t = same ? afterSubtree(t, &root) : next(t, &root);
+  }
+}
+
 // ---- Scopes and locks
 
 bool cc_TabletTop::overlaySupported() { return overlayScopes.load(std::memory_order_relaxed) > 0; }
@@ -330,15 +341,22 @@ void cc_TabletTop::addMark_(int layer, cs_Mark const& added)
 {
   std::vector<cs_Mark>& list = layers_[layer].pending;
   auto const absorb = [](cs_Mark& keeper, cs_Mark const& gone) {
-    if (keeper.from && (gone.mixed || !inSubtree(gone.from, keeper.from)))
+    bool const within = keeper.last && gone.from && gone.from->parentTablet_ == keeper.last && !keeper.mixed;
+    if (keeper.from && (gone.mixed || (!within && !inSubtree(gone.from, keeper.from))))
       keeper.mixed = true;
   };
   cs_Mark entry = added;
-  for (cs_Mark& old : list)
-    if (old.area.contains(entry.area) && startsAtOrBehind(old, entry)) {
+  for (cs_Mark& old : list) {
+    if (!old.area.contains(entry.area))
+      continue;
+    // A kid of what was absorbed lies in front of it, so that a chain that is shown top down costs one look each.
+    bool const follows = entry.from && old.last && entry.from->parentTablet_ == old.last;
+    if (follows || startsAtOrBehind(old, entry)) {
       absorb(old, entry);
+      old.last = entry.from;
       return;
     }
+  }
   std::size_t kept = 0;
   for (cs_Mark const& old : list) {
     if (entry.area.contains(old.area) && startsAtOrBehind(entry, old))
@@ -383,12 +401,14 @@ void cc_TabletTop::forget(ccUITablet const& subtree)
 {
   for (cs_Layer& own : layers_)
     for (std::vector<cs_Mark>* list : {&own.pending, &own.taken})
-      for (cs_Mark& entry : *list)
+      for (cs_Mark& entry : *list) {
+        entry.last = nullptr;
         if (entry.from && inSubtree(entry.from, &subtree)) {
           entry.from = nullptr;
           entry.above = false;
           entry.mixed = false;
         }
+      }
 }
 
 ccUIRect cc_TabletTop::modifiedOf(ccUITablet& root, int layer) const

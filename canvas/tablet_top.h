@@ -84,6 +84,7 @@ public:
   cc_TabletTop* top = nullptr; // null for orphans and recording tablets
   bool recorder = false;       // made by the default constructor
   bool recordsChanges = false;
+  bool shown = true;         // visible here and in all ancestors
   bool clipChanged = false;  // clipped_ is due
   bool followsScope = false; // at the top or with an endless edge: its extent counts within the scope only
   ccUIRect clip;             // top pels: the tablet's rectangle cut with all ancestors
@@ -135,6 +136,7 @@ public:
   static ccUITablet* afterSubtree(ccUITablet*, ccUITablet const* limit = nullptr);
   static bool inSubtree(ccUITablet const*, ccUITablet const* root);
   static bool before(ccUITablet const*, ccUITablet const*); // strictly, in paint order
+  static void refreshShown(ccUITablet&);                    // after a change of its visibility or its parent
 
   // Scopes and locks.
   ccUIScope* scope(int layer) const { return layers_[layer].scope; }
@@ -235,6 +237,7 @@ private:
     ccUITablet* from = nullptr;
     bool above = false;
     bool mixed = false; // it stands for another entry, too, that began outside the subtree of from
+    ccUITablet const* last = nullptr; // the tablet that began the entry absorbed last
   };
   struct cs_Window {
     std::unique_ptr<ccUIScope> scope;

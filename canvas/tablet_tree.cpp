@@ -15,6 +15,7 @@ void ccUITablet::link_(ccUITablet& parent)
   ++parent.numKids_;
   zOrder_ = ++parent.kidsFront_;
   indexPlace_();
+  cc_TabletTop::refreshShown(*this);
 }
 
 void ccUITablet::unlink_()
@@ -30,6 +31,7 @@ void ccUITablet::unlink_()
   if (parentTablet_->kidIndex_)
     parentTablet_->kidIndex_->remove(layers_->place);
   parentTablet_ = prevSib_ = nextSib_ = nullptr;
+  cc_TabletTop::refreshShown(*this);
 }
 
 // Gives the subtree to another tree, or to none. Nothing of it has been drawn there.
@@ -130,26 +132,24 @@ void ccUITablet::visible(bool on)
     markOldPlace_();
   bool const wasShown = isShown();
   visible_ = on;
+  cc_TabletTop::refreshShown(*this);
   if (cc_TabletTop* top = top_())
     top->changed();
   if (on) {
     markNewPlace_();
   } else if (wasShown) {
-    for (ccUITablet* t = this; t; t = cc_TabletTop::next(t, this))
+    // What lies below a hidden one was cleared when that was hidden.
+    for (ccUITablet* t = this; t;) {
       for (cc_TabletLayers::cs_Layer& layer : t->layers_->layer) {
         layer.modified = ccUIRect();
         layer.covered = false; // its looks may change while it can't be seen
       }
+      t = t == this || t->visible_ ? cc_TabletTop::next(t, this) : cc_TabletTop::afterSubtree(t, this);
+    }
   }
 }
 
-bool ccUITablet::isShown() const
-{
-  for (ccUITablet const* t = this; t; t = t->parentTablet_)
-    if (!t->visible_)
-      return false;
-  return true;
-}
+bool ccUITablet::isShown() const { return layers_->shown; }
 
 // What has been drawn must be wiped, and behind what is opaque nothing may have been drawn at all.
 void ccUITablet::markOldPlace_()

@@ -68,15 +68,6 @@ ccUIObject* cf_commonAncestor(ccUIObject* a, ccUIObject* b)
   return a;
 }
 
-// The node on the way from top down to target that stands next below top; null when target isn't below top (any more).
-ccUIObject* cf_nextBelow(ccUIObject* top, ccUIObject* target)
-{
-  ccUIObject* node = target;
-  while (node->parent() && node->parent() != top)
-    node = node->parent();
-  return node->parent() == top ? node : nullptr;
-}
-
 }  // namespace
 
 ccUIEventProcessor::ccUIEventProcessor(ccUIRootObject* root) : root_(root) {}
@@ -250,9 +241,13 @@ void ccUIEventProcessor::hover_(ccUIObject* target)
   }
   // Down to the target, as far as hooks let it stand.
   ccUIObject* entered = common;
-  while (entered != target && targetRef.alive() && (!entered || enteredRef.alive())) {
-    ccUIObject* const next = cf_nextBelow(entered, target);
-    if (!next)
+  cc_NodeWalk path;
+  for (ccUIObject* node = targetRef.alive() ? target : nullptr; node && node != common; node = node->parent())
+    path.add(node);
+  path.reverse();
+  while (targetRef.alive() && (!entered || enteredRef.alive())) {
+    ccUIObject* const next = path.next();
+    if (!next || next->parent() != entered)
       break;
     cc_NodeRef const nextRef(next);
     reached = nextRef;

@@ -86,6 +86,8 @@ void cc_NodeWalk::addKidsFrontToBack(ccUIObject& parent)
     add(kid);
 }
 
+void cc_NodeWalk::reverse() { std::reverse(begin_(), begin_() + (end_ - at_)); }
+
 cc_NodeRef* cc_NodeWalk::begin_() { return cf_walkNodes().data() + at_; }
 
 bool cc_NodeWalk::addKidsAt(ccUIFrame& frame, ccPair<long> const& local)

@@ -40,6 +40,7 @@ public:
   // The kids of a frame whose rectangle holds a local pel, front to back. False, and none, while there are so few that
   // asking each is as quick.
   bool addKidsAt(ccUIFrame&, ccPair<long> const& local);
+  void reverse();                                       // what has been added, before the first visit
   template <class Before> void sort(Before before);  // what has been added, before the first visit
   ccUIObject* next();  // the next one that still stands, null at the end
 

@@ -10,6 +10,7 @@
 namespace {
 
 using Layers = ccUITablet::Layers;
+thread_local std::uint64_t dragSteps = 0;  // and stops
 constexpr Layers bothInOrder[] = {ccUITablet::imageLayer, ccUITablet::overlayLayer};
 
 // Far outside any screen a position stays where differences of positions fit.
@@ -170,10 +171,15 @@ void ccUIObject::dragAnimate(ccPair<long> const& start, ccPair<long> const& end)
   cc_NodeRef const self(this);
   cc_TabletRef const canvas(tablet());
   cc_ScreenLock const screen(canvas.get());
+  std::uint64_t const step = ++dragSteps;
   cc_AtEnd const rest([&] {
     for (Layers layer : bothInOrder)
       if (ccUITablet* const after = canvas.getOrTop())
         after->dragAnimate(false, layer);
+    // A hook that has sent events has ended this animation, so what came after it was drawn for good.
+    if (step != dragSteps)
+      if (ccUITablet* const after = canvas.getOrTop())
+        after->update(ccUIRect::inf, ccUITablet::bothLayers, /*now=*/false);
   });
   // An erase paints what the drag has hidden, and that may delete anything.
   for (Layers layer : bothInOrder) {
@@ -212,6 +218,7 @@ void ccUIObject::dragStop(ccPair<long> const& start, ccPair<long> const& end)
         tablet->dragStop(bothInOrder[stopped]);
   });
   dragRuns_ = false;
+  ++dragSteps;
   for (Layers layer : bothInOrder) {
     if (ccUITablet* const before = canvas.get())
       before->dragErase(layer);

@@ -280,6 +280,7 @@ void ccUIShapes::pos(ccVector<2> const& to)
   if (v == pos_())
     return;
   cc_NodeRef const self(this);
+  cc_OnThrow const owe([&] { oweAll_(self); });
   move_(v);
   if (self.alive())
     pos_(v);

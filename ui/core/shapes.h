@@ -79,6 +79,7 @@ private:
   void drawLook_(ccUITablet&);
   void drawn_();
   void owe_() noexcept;
+  void oweAll_(cc_NodeRef const& self) noexcept;
   ccUIRect drawnArea_() const;
   void count_();
   void uncount_();

@@ -28,6 +28,7 @@ void ccUIShapes::update(bool withKids, bool erase, ccUIRect const* clip, Layers 
     return;
   cc_ScreenLock const screen(tablet());
   cc_NodeRef const self(this);
+  cc_OnThrow const owe([&] { oweAll_(self); });
   if (erase)
     eraseTree_(withKids, layer);
   if (self.alive())
@@ -175,6 +176,14 @@ void ccUIShapes::eraseSelf_(ccUITablet& canvas, Layers layer)
   }
 }
 
+// After an exception: the whole picture comes from the next update, with what is recorded of it.
+void ccUIShapes::oweAll_(cc_NodeRef const& self) noexcept
+{
+  ccUITablet* const canvas = self.exists() ? tablet() : nullptr;
+  if (canvas)
+    canvas->update(ccUIRect::inf, ccUITablet::bothLayers, /*now=*/false);
+}
+
 // Leaves the wiping of what has been drawn to the next update.
 void ccUIShapes::owe_() noexcept
 {
@@ -194,6 +203,8 @@ void ccUIShapes::color(ccColor const& c)
   props_.penColor(c);
   if (!visible())
     return;
+  cc_NodeRef const self(this);
+  cc_OnThrow const owe([&] { oweAll_(self); });
   cc_ScreenLock const screen(tablet());
   drawTree_(/*withKids=*/true, nullptr, ccUITablet::bothLayers);
 }

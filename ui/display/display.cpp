@@ -208,7 +208,12 @@ void ccDisplay::drawImage()
       shown = ccPair<long>(shown.x() / reduction.x() * reduction.x(), shown.y() / reduction.y() * reduction.y());
     }
     ccPair<long> const lr = scopeCoords(ccPoint(shown));
-    setComplement(ccUIRect(ul, lr - ul), ccColor::dkGreyColor(), imageLayer);
+    // An image that is reduced to less than a pel draws nothing, so nothing may stay open for it.
+    ccPair<long> const size = imageSize();
+    bool const vanishes = scaleMode_ == scaleDown &&
+                          (cfTruncToLong(static_cast<double>(size.x()) * scaleExact_.x()) == 0 ||
+                           cfTruncToLong(static_cast<double>(size.y()) * scaleExact_.y()) == 0);
+    setComplement(vanishes ? ccUIRect() : ccUIRect(ul, lr - ul), ccColor::dkGreyColor(), imageLayer);
   }
   opaque(imageLayer, true);
   drawGrids_();
