@@ -12,6 +12,16 @@ void cc_RectList::assign(ccUIRect const& r)
 void cc_RectList::subtract(ccUIRect const& hole)
 {
   std::size_t const former = rects_.size();
+  std::size_t hits = 0;
+  for (ccUIRect const& r : rects_)
+    if (!r.nullIntersection(hole))
+      ++hits;
+  if (hits == 0)
+    return;
+  // First of all, so that the list stays as it was where memory fails.
+  std::size_t const most = former + 4 * hits;
+  if (most > rects_.capacity())
+    rects_.reserve(std::max(most, 2 * rects_.capacity()));
   std::size_t kept = 0;
   for (std::size_t i = 0; i < former; ++i) {
     ccUIRect const r = rects_[i];

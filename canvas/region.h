@@ -10,7 +10,7 @@ class cc_RectList {
 public:
   void clear() { rects_.clear(); }
   void assign(ccUIRect const&); // a null rectangle leaves the list empty
-  void subtract(ccUIRect const&);
+  void subtract(ccUIRect const&); // changes nothing when it throws
   bool isEmpty() const { return rects_.empty(); }
   bool nullIntersection(ccUIRect const&) const;
   std::size_t size() const { return rects_.size(); }

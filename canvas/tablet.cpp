@@ -1,5 +1,6 @@
 #include "canvas/tablet.h"
 
+#include "canvas/rect_index.h"
 #include "canvas/tablet_top.h"
 
 #include <cmath>
@@ -30,7 +31,7 @@ ccUITablet::ccUITablet(ccUIScope* image, ccUIScope* overlay) : layers_(std::make
 {
   if (ccUIScope const* first = image ? image : overlay)
     frameRect_ = ccUIRect(ccPair<long>(), first->size());
-  ownTop_ = std::make_unique<cc_TabletTop>(*this);
+  ownTop_.reset(new cc_TabletTop(*this));
   layers_->top = ownTop_.get();
   locate_();
   if (image)
@@ -80,157 +81,6 @@ void ccUITablet::clipped_() {}
 void ccUITablet::newParentTablet(ccUITablet*) {}
 void ccUITablet::parentMapChanged() {}
 
-// ---- Tree
-
-
-void ccUITablet::link_(ccUITablet& parent)
-{
-  parentTablet_ = &parent;
-  prevSib_ = parent.lastKid_;
-  nextSib_ = nullptr;
-  (prevSib_ ? prevSib_->nextSib_ : parent.firstKid_) = this;
-  parent.lastKid_ = this;
-  ++parent.numKids_;
-}
-
-void ccUITablet::unlink_()
-{
-  if (cc_TabletTop* top = top_()) {
-    top->forget(*this);
-    top->changed();
-  }
-  (prevSib_ ? prevSib_->nextSib_ : parentTablet_->firstKid_) = nextSib_;
-  (nextSib_ ? nextSib_->prevSib_ : parentTablet_->lastKid_) = prevSib_;
-  --parentTablet_->numKids_;
-  parentTablet_ = prevSib_ = nextSib_ = nullptr;
-}
-
-// Gives the subtree to another tree, or to none. Nothing of it has been drawn there.
-void ccUITablet::joinTree_(cc_TabletTop* top)
-{
-  for (ccUITablet* t = this; t; t = cc_TabletTop::next(t, this)) {
-    cc_TabletLayers& own = *t->layers_;
-    own.top = top;
-    own.recordsChanges = false;
-    own.dragDel = ccPair<long>();
-    for (cc_TabletLayers::cs_Layer& layer : own.layer) {
-      layer.covered = false;
-      layer.modified = ccUIRect();
-      for (cs_Region& region : layer.regions)
-        region.version = 0;
-    }
-  }
-}
-
-ccUITablet& ccUITablet::setParent(ccUITablet& parent, ccUIRect const& frame)
-{
-  if (cc_TabletTop::inSubtree(&parent, this))
-    return *this; // a tablet below itself would be out of every tree
-  markOldPlace_();
-  if (ownTop_) {
-    setScope(bothLayers, nullptr, false);
-    joinTree_(nullptr);
-    ownTop_.reset();
-  }
-  if (parentTablet_)
-    unlink_();
-  layers_->recorder = false;
-  link_(parent);
-  cc_TabletTop* const top = parent.top_();
-  if (top != top_())
-    joinTree_(top);
-  bool const moved = frame.ul() != frameRect_.ul();
-  bool const sized = frame.sz() != frameRect_.sz();
-  frameRect_ = frame;
-  locate_();
-  if (top)
-    top->changed();
-  markNewPlace_();
-  cc_Watch const watch(*this);
-  newParentTablet(&parent);
-  if (watch.tablet())
-    runGeometryHooks_(moved, sized);
-  if (watch.tablet())
-    parentMapChanged();
-  return *this;
-}
-
-void ccUITablet::front()
-{
-  if (!nextSib_)
-    return;
-  ccUITablet& parent = *parentTablet_;
-  unlink_();
-  link_(parent);
-  markNewPlace_();
-}
-
-void ccUITablet::back()
-{
-  if (!prevSib_)
-    return;
-  ccUITablet& parent = *parentTablet_;
-  prevSib_->nextSib_ = nextSib_;
-  (nextSib_ ? nextSib_->prevSib_ : parent.lastKid_) = prevSib_;
-  prevSib_ = nullptr;
-  nextSib_ = parent.firstKid_;
-  nextSib_->prevSib_ = this;
-  parent.firstKid_ = this;
-  cc_TabletTop* const top = top_();
-  if (!top)
-    return;
-  top->changed();
-  if (isShown())
-    for (int layer = 0; layer < 2; ++layer)
-      top->mark(layer, layers_->clip, nullptr);
-}
-
-void ccUITablet::visible(bool on)
-{
-  if (on == visible_)
-    return;
-  if (!on)
-    markOldPlace_();
-  bool const wasShown = isShown();
-  visible_ = on;
-  if (cc_TabletTop* top = top_())
-    top->changed();
-  if (on) {
-    markNewPlace_();
-  } else if (wasShown) {
-    for (ccUITablet* t = this; t; t = cc_TabletTop::next(t, this))
-      for (cc_TabletLayers::cs_Layer& layer : t->layers_->layer) {
-        layer.modified = ccUIRect();
-        layer.covered = false; // its looks may change while it can't be seen
-      }
-  }
-}
-
-bool ccUITablet::isShown() const
-{
-  for (ccUITablet const* t = this; t; t = t->parentTablet_)
-    if (!t->visible_)
-      return false;
-  return true;
-}
-
-// What has been drawn must be wiped.
-void ccUITablet::markOldPlace_()
-{
-  cc_TabletTop* const top = top_();
-  if (top && isShown())
-    for (int layer = 0; layer < 2; ++layer)
-      top->mark(layer, top->modifiedOf(*this, layer), nullptr);
-}
-
-void ccUITablet::markNewPlace_()
-{
-  cc_TabletTop* const top = top_();
-  if (top && isShown())
-    for (int layer = 0; layer < 2; ++layer)
-      top->mark(layer, layers_->clip, this);
-}
-
 // ---- Geometry
 
 ccUITablet& ccUITablet::moveAbs(ccPair<long> const& ul)
@@ -265,6 +115,7 @@ void ccUITablet::setFrame_(ccUIRect const& frame)
   bool const moved = frame.ul() != frameRect_.ul();
   bool const sized = frame.sz() != frameRect_.sz();
   frameRect_ = frame;
+  indexPlace_();
   locate_();
   if (cc_TabletTop* top = top_())
     top->changed();
@@ -324,10 +175,14 @@ void ccUITablet::runClippedHooks_()
     if (t->layers_->clipChanged) {
       t->layers_->clipChanged = false;
       cc_Watch const watch(*t);
+      cc_TabletTop const* const top = top_();
+      std::uint64_t const links = top ? top->links() : 0;
       t->clipped_();
       if (!own.tablet())
         return;
-      if (!watch.tablet() || !cc_TabletTop::inSubtree(t, this)) {
+      // Whether it still stands here is looked for only if some tablet has changed its place at all.
+      bool const same = top && watch.isIn(top) && own.isIn(top) && top->links() == links;
+      if (!watch.tablet() || (!same && !cc_TabletTop::inSubtree(t, this))) {
         t = this;
         continue;
       }
@@ -483,7 +338,7 @@ void ccUITablet::setScope(Layers l, ccUIScope* scope, bool owned)
   while (root->parentTablet_)
     root = root->parentTablet_;
   if (!root->ownTop_) {
-    root->ownTop_ = std::make_unique<cc_TabletTop>(*root);
+    root->ownTop_.reset(new cc_TabletTop(*root));
     root->layers_->recorder = false;
     root->joinTree_(root->ownTop_.get());
   }
@@ -528,10 +383,20 @@ void ccUITablet::optimizeDrawing(bool on, Layers l)
 
 void ccUITablet::lockScreenUpdatesPush(bool on, Layers l)
 {
-  if (cc_TabletTop* top = top_())
-    for (int layer = 0; layer < 2; ++layer)
-      if (cf_hasLayer(l, layer))
-        top->lockPush(layer, on);
+  cc_TabletTop* const top = top_();
+  if (!top)
+    return;
+  if (cf_hasLayer(l, imageLayer))
+    top->lockPush(imageLayer, on);
+  if (!cf_hasLayer(l, overlayLayer))
+    return;
+  try {
+    top->lockPush(overlayLayer, on);
+  } catch (...) {
+    if (l == bothLayers)
+      top->lockPop(imageLayer);
+    throw;
+  }
 }
 
 void ccUITablet::lockScreenUpdatesPop(Layers l)

@@ -16,6 +16,7 @@
 #include "foundation/pel_buffer.h"
 #include "foundation/xform.h"
 
+#include <cstdint>
 #include <memory>
 #include <string>
 #include <vector>
@@ -23,6 +24,10 @@
 class cc_TabletTop;    // what a top tablet holds for its tree: scopes, marks, windows, scratch
 class cc_TabletLayers; // per-tablet state of both layers
 class cc_Strokes;      // chords of outlines
+class cc_RectIndex;    // rectangles found by place
+struct cs_TopRetirer { // a top that calls are still inside of outlives its tablet
+  void operator()(cc_TabletTop*) const noexcept;
+};
 struct cs_Reach;       // how far points reach
 struct cs_MapKind;     // what a map does to shapes
 
@@ -55,8 +60,13 @@ public:
   ccUITablet* nextSib() const { return nextSib_; }
   ccUITablet* prevSib() const { return prevSib_; }
   long numKids() const { return numKids_; }
+  std::int64_t zOrder() const { return zOrder_; }  // among siblings: greater is nearer to the front
+  // Visits the kids whose rectangle holds a local pel, in no particular order. False, and none, while there are so few that
+  // asking each is as quick. The visitor changes no kid.
+  bool visitKidsAt(ccPair<long> const& local, void (*visit)(void*, ccUITablet&), void* with);
   void front();
   void back();
+  void startBehind();  // to the back of its siblings, without a mark: for a tablet that has drawn nothing yet
   void visible(bool);
   bool isVisible() const { return visible_; }  // its own flag
   bool isShown() const;                        // visible here and in all ancestors
@@ -219,6 +229,7 @@ private:
   cc_TabletTop* top_() const;
   void link_(ccUITablet& parent);
   void unlink_();
+  void indexPlace_();  // after a change of frameRect_ or of the parent
   void joinTree_(cc_TabletTop*);
   void locate_();  // origins, extents and clips of the subtree
   void setFrame_(ccUIRect const&);
@@ -266,7 +277,10 @@ private:
   ccUITablet* nextSib_ = nullptr;
   ccUITablet* prevSib_ = nullptr;
   long numKids_ = 0;
+  std::int64_t zOrder_ = 0;
+  std::int64_t kidsFront_ = 0, kidsBack_ = 0;  // zOrder_ of the kids lies between them
   bool visible_ = true;
   std::unique_ptr<cc_TabletLayers> layers_;
-  std::unique_ptr<cc_TabletTop> ownTop_;  // at the top of a tree only
+  std::unique_ptr<cc_RectIndex> kidIndex_;  // of the kids' rectangles, once there are many
+  std::unique_ptr<cc_TabletTop, cs_TopRetirer> ownTop_;  // at the top of a tree only
 };

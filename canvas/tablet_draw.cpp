@@ -7,6 +7,8 @@
 #include "canvas/tablet_pieces.h"
 
 #include <algorithm>
+#include <exception>
+#include <new>
 #include <type_traits>
 
 namespace {
@@ -64,6 +66,14 @@ cc_Pieces::cc_Pieces(ccUITablet& t, int layer, ccUIRect const& box, Box kind)
   }
   limits_ = inPass ? drawn & top_->passArea() : drawn;
   region_ = &region;
+  ghost_ = asGhost;
+}
+
+// What has been drawn in part only is repainted.
+cc_Pieces::~cc_Pieces() noexcept(false)
+{
+  if (region_ && !ghost_ && std::uncaught_exceptions() > exceptions_)
+    top_->mark(layer_, limits_, nullptr);
 }
 
 ccPair<long> ccUITablet::pelShift_(int layer) const
@@ -98,7 +108,11 @@ void ccUITablet::fill_(ccUIRect const& r, ccColor const& color, int layer)
     if (own.clipped)
       reached &= own.drawClip;
     if (!reached.isNull() && own.open->size() < maxOpenPieces)
-      own.open->subtract(reached);
+      try {
+        own.open->subtract(reached);
+      } catch (std::bad_alloc const&) {
+        // The proof fails, and the tablet is only repainted more often.
+      }
   }
   cc_Pieces pieces(*this, layer, r);
   while (ccUIScope* scope = pieces.nextPart())

@@ -11,6 +11,7 @@
 #include "foundation/vector.h"
 
 #include <cstddef>
+#include <exception>
 
 // How far a pen of so many pels may reach past its path.
 long cf_penMargin(ccGraphicProps const&);
@@ -21,6 +22,9 @@ class cc_Pieces {
 public:
   enum class Box { holds, cutsShort }; // the primitive may reach past the box
   cc_Pieces(ccUITablet&, int layer, ccUIRect const& box, Box = Box::holds);
+  ~cc_Pieces() noexcept(false);
+  cc_Pieces(cc_Pieces const&) = delete;
+  cc_Pieces& operator=(cc_Pieces const&) = delete;
 
   // A scope that cuts at the next piece; null at the end.
   ccUIScope* next()
@@ -57,6 +61,8 @@ private:
   cs_Region const* region_ = nullptr; // null: nothing to draw
   int layer_;
   bool holds_;
+  bool ghost_ = false;
+  int exceptions_ = std::uncaught_exceptions();
   std::size_t at_ = 0;
   ccUIRect box_;
   ccUIRect limits_;

@@ -21,14 +21,17 @@ public:
       top.open_.push_back(std::make_unique<cs_Open>());
     cs_Open& open = *top.open_[top.passDepth_];
     for (int layer = 0; layer < 2; ++layer) {
-      cc_TabletLayers::cs_Layer& own = t.layers_->layer[layer];
-      former_[layer] = {own.clipped, own.drawClip, own.open};
-      own.clipped = false;
-      own.open = cf_hasLayer(l, layer) ? &open.rects[layer] : nullptr;
       whole_[layer] = t.layers_->whole(t);
       if (t.layers_->followsScope)
         whole_[layer] &= top.scopeRect(layer) - t.screenOrigin_;
       open.rects[layer].assign(whole_[layer]);
+    }
+    // From here on nothing can fail, so whatever is changed is given back.
+    for (int layer = 0; layer < 2; ++layer) {
+      cc_TabletLayers::cs_Layer& own = t.layers_->layer[layer];
+      former_[layer] = {own.clipped, own.drawClip, own.open};
+      own.clipped = false;
+      own.open = cf_hasLayer(l, layer) ? &open.rects[layer] : nullptr;
     }
     t.redrawLayer_ = l;
     t.inAreaUpdate_ = !area.contains(t.layers_->clip);
@@ -83,24 +86,56 @@ private:
 
 class cc_TabletTop::cc_Locked {
 public:
-  cc_Locked(cc_TabletTop& top, Layers l) : top_(top), layers_(l)
+  cc_Locked(cc_TabletTop& top, Layers l) : hold_(&top), top_(top)
   {
     for (int layer = 0; layer < 2; ++layer)
-      if (cf_hasLayer(l, layer))
+      if (cf_hasLayer(l, layer)) {
+        cc_OnThrow const undo([this] { pop_(); });
         top.lockPush(layer, true);
+        pushed_[layer] = true;
+      }
   }
-  ~cc_Locked()
-  {
-    for (int layer = 0; layer < 2; ++layer)
-      if (cf_hasLayer(layers_, layer))
-        top_.lockPop(layer);
-  }
+  ~cc_Locked() { pop_(); }
   cc_Locked(cc_Locked const&) = delete;
   cc_Locked& operator=(cc_Locked const&) = delete;
 
 private:
+  void pop_()
+  {
+    for (int layer = 0; layer < 2; ++layer)
+      if (pushed_[layer])
+        top_.lockPop(layer);
+  }
+
+  cc_Hold hold_;
   cc_TabletTop& top_;
-  Layers layers_;
+  bool pushed_[2] = {false, false};
+};
+
+class cc_TabletTop::cc_Taken {
+public:
+  cc_Taken(cc_TabletTop& top, int layer) : top_(top), layer_(layer) {}
+  ~cc_Taken()
+  {
+    cs_Layer& own = top_.layers_[layer_];
+    if (!top_.isDead()) {
+      if (!current_.isNull())
+        top_.mark(layer_, current_, nullptr);
+      for (std::size_t i = 0; i < own.taken.size(); ++i)
+        if (!own.taken[i].area.isNull())
+          top_.addMark_(layer_, own.taken[i]);
+    }
+    own.taken.clear();
+  }
+  cc_Taken(cc_Taken const&) = delete;
+  cc_Taken& operator=(cc_Taken const&) = delete;
+  void begin(ccUIRect const& area) { current_ = area; }
+  void done() { current_ = ccUIRect(); }
+
+private:
+  cc_TabletTop& top_;
+  int layer_;
+  ccUIRect current_;  // being repainted; from the bottom again if that fails
 };
 
 bool cc_TabletTop::isPainting(ccUITablet const& t) const
@@ -120,6 +155,12 @@ bool cc_TabletTop::paint_(ccUITablet& t, Layers l, ccUIRect const& area, bool wi
       if (cf_hasLayer(l, layer))
         t.layers_->layer[layer].modified = ccUIRect();
   cc_PassScope const pass(*this, t, l, area);
+  cc_OnThrow const owe([&] {
+    if (pass.isInTree())
+      for (int layer = 0; layer < 2; ++layer)
+        if (cf_hasLayer(l, layer))
+          mark(layer, area & t.layers_->clip, nullptr);
+  });
   t.redraw_();
   if (!pass.isInTree())
     return false;
@@ -208,7 +249,7 @@ void cc_TabletTop::front_(ccUITablet& of, Layers l, bool skipKids)
 ccUITablet* cc_TabletTop::frontmostSolid_(int layer, ccUIRect const& area)
 {
   ccUITablet* found = nullptr;
-  ccUITablet* t = &owner_;
+  ccUITablet* t = owner_;
   while (t) {
     if (!t->visible_ || !t->layers_->clip.contains(area)) {
       t = afterSubtree(t);
@@ -224,7 +265,7 @@ ccUITablet* cc_TabletTop::frontmostSolid_(int layer, ccUIRect const& area)
 // The ground below the whole tree, where nothing solid lies on it.
 void cc_TabletTop::wipe_(ccUIRect const& area, int layer)
 {
-  cs_Region const& ground = region(owner_, layer, ce_RegionKind::pass);
+  cs_Region const& ground = region(*owner_, layer, ce_RegionKind::pass);
   ccUIScope* const surface = layers_[layer].scope;
   ccColor const color = layer == cc_TabletEnums::overlayLayer ? ccColor::passColor() : ccColor::blackColor();
   for (std::size_t i = 0; i < ground.rects.size(); ++i) {
@@ -239,9 +280,12 @@ void cc_TabletTop::wipe_(ccUIRect const& area, int layer)
 
 void cc_TabletTop::repaint_(ccUIRect area, int layer)
 {
-  area &= owner_.layers_->clip;
+  if (isDead())
+    return;
+  area &= owner_->layers_->clip;
   if (area.isNull() || !isUsed(layer))
     return;
+  cc_OnThrow const owe([&] { mark(layer, area, nullptr); });
   // Before the walk, as the walk may mark anew.
   for (std::vector<cs_Mark>* list : {&layers_[layer].pending, &layers_[layer].taken})
     for (cs_Mark& entry : *list)
@@ -252,7 +296,7 @@ void cc_TabletTop::repaint_(ccUIRect area, int layer)
   if (!solid) {
     cc_Busy const busy(this);
     wipe_(area, layer);
-    solid = &owner_;
+    solid = owner_;
   }
   walk_(start_(solid), nullptr, area, cf_layer(layer), /*wiped=*/true);
 }
@@ -276,6 +320,8 @@ void cc_TabletTop::redraw(ccUITablet& t, Layers l)
   cc_Busy const busy(this);
   cc_Locked const locked(*this, l);
   cc_Watch const watch(t);
+  ccUIRect const place = t.layers_->clip;
+  cc_OnThrow const owe([&] { mark_(l, place); });
   if (!paint_(t, l, ccUIRect::inf, false))
     return;
   front_(t, l, /*skipKids=*/false);
@@ -301,6 +347,11 @@ void cc_TabletTop::fullDraw(ccUITablet& t, Layers l)
   cc_Busy const busy(this);
   cc_Locked const locked(*this, l);
   cc_Watch const watch(t);
+  ccUIRect const place = t.layers_->clip;
+  cc_OnThrow const owe([&] {
+    giveBackTaken_(l);
+    mark_(l, place);
+  });
   // Held back, so that what the passes mark can be told from what was owed before them.
   for (int layer = 0; layer < 2; ++layer)
     if (cf_hasLayer(l, layer))
@@ -310,16 +361,31 @@ void cc_TabletTop::fullDraw(ccUITablet& t, Layers l)
     t.redrawLayer_ = cc_TabletEnums::bothLayers;
   if (watch.isIn(this))
     front_(t, l, /*skipKids=*/true);
-  bool const stays = watch.isIn(this);
+  if (watch.isIn(this))
+    for (int layer = 0; layer < 2; ++layer)
+      if (cf_hasLayer(l, layer))
+        settle_(t, layer);
+  giveBackTaken_(l);
+}
+
+void cc_TabletTop::giveBackTaken_(Layers l)
+{
   for (int layer = 0; layer < 2; ++layer) {
     if (!cf_hasLayer(l, layer))
       continue;
-    if (stays)
-      settle_(t, layer);
-    for (cs_Mark const& entry : layers_[layer].taken)
-      addMark_(layer, entry);
+    if (!isDead())
+      for (cs_Mark const& entry : layers_[layer].taken)
+        if (!entry.area.isNull())
+          addMark_(layer, entry);
     layers_[layer].taken.clear();
   }
+}
+
+void cc_TabletTop::mark_(Layers l, ccUIRect const& area)
+{
+  for (int layer = 0; layer < 2; ++layer)
+    if (cf_hasLayer(l, layer))
+      mark(layer, area, nullptr);
 }
 
 // Drops what a full drawing of a solid tablet has done; what an unsolid one has drawn over, must be drawn from the
@@ -359,21 +425,23 @@ void cc_TabletTop::workOff_(int layer)
   cs_Layer& own = layers_[layer];
   for (int round = 0; round < maxRounds && !own.pending.empty(); ++round) {
     own.taken.swap(own.pending);
+    cc_Taken taken(*this, layer);
     for (std::size_t i = 0; i < own.taken.size(); ++i) {
       cs_Mark const entry = own.taken[i];
       own.taken[i].area = ccUIRect();
       own.taken[i].from = nullptr;
       if (entry.area.isNull())
         continue;
+      taken.begin(entry.area);
       if (!entry.from) {
         repaint_(entry.area, layer);
-        continue;
+      } else {
+        ccUITablet* const first = entry.above ? next(entry.from) : entry.from;
+        if (first)
+          walk_(start_(first), nullptr, entry.area, cf_layer(layer), false);
       }
-      ccUITablet* const first = entry.above ? next(entry.from) : entry.from;
-      if (first)
-        walk_(start_(first), nullptr, entry.area, cf_layer(layer), false);
+      taken.done();
     }
-    own.taken.clear();
   }
 }
 
@@ -393,7 +461,8 @@ void cc_TabletTop::update(Layers l)
     }
     if (ccUIScope* scope = layers_[layer].scope) {
       scope->updateScreen();
-      scope->clearChange();
+      if (scope == layers_[layer].scope)
+        scope->clearChange();
     }
   }
 }
@@ -417,11 +486,13 @@ void cc_TabletTop::update(ccUIRect const& area, Layers l, bool now)
 // What a drag's start hides vanishes with its first step, though updates rest during drags.
 void cc_TabletTop::dragErase(int layer)
 {
+  cc_Hold const hold(this);
   cs_Layer& own = layers_[layer];
   if (own.fresh && busy_ == 0) {
-    own.fresh = false;
     cc_Busy const busy(this);
     cc_Locked const locked(*this, cf_layer(layer));
+    own.fresh = false;
+    cc_OnThrow const again([&] { own.fresh = true; });
     workOff_(layer);
   }
   if (own.scope)

@@ -51,13 +51,32 @@ void cc_Watch::destroyed(cc_TabletLayers& layers)
   layers.watches = nullptr;
 }
 
-cc_TabletTop::cc_TabletTop(ccUITablet& owner) : owner_(owner) {}
-
-cc_TabletTop::~cc_TabletTop()
+// Room for all marks there can be, so that marking takes no memory and cannot fail.
+cc_TabletTop::cc_TabletTop(ccUITablet& owner) : owner_(&owner)
 {
-  for (int layer = 0; layer < 2; ++layer)
-    release_(layer);
+  for (cs_Layer& own : layers_)
+    for (std::vector<cs_Mark>* list : {&own.pending, &own.taken})
+      list->reserve(maxMarks + 1);
 }
+
+void cc_TabletTop::retire() noexcept
+{
+  for (int layer = 0; layer < 2; ++layer) {
+    lower_(layer);
+    release_(layer);
+    layers_[layer].pending.clear();
+    layers_[layer].taken.clear();
+    layers_[layer].drawn = false;
+  }
+  deferred_ = false;
+  owner_ = nullptr;
+  if (holds_ == 0)
+    delete this;
+}
+
+cc_TabletTop::~cc_TabletTop() = default;
+
+void cs_TopRetirer::operator()(cc_TabletTop* top) const noexcept { top->retire(); }
 
 ccUITablet* cc_TabletTop::next(ccUITablet* t, ccUITablet const* limit)
 {
@@ -94,14 +113,45 @@ bool cc_TabletTop::before(ccUITablet const* a, ccUITablet const* b)
     a = a->parentTablet_;
     b = b->parentTablet_;
   }
-  while (a && a != b)
-    a = a->nextSib_;
-  return a == b;
+  if (a->parentTablet_)
+    return a->zOrder_ < b->zOrder_;
+  return false; // tops of two trees
+}
+
+// Goes down only where something changes.
+void cc_TabletTop::refreshShown(ccUITablet& root)
+{
+  for (ccUITablet* t = &root; t;) {
+    bool const shown = t->visible_ && (!t->parentTablet_ || t->parentTablet_->layers_->shown);
+    bool const same = shown == t->layers_->shown;
+    t->layers_->shown = shown;
+    t = same ? afterSubtree(t, &root) : next(t, &root);
+  }
 }
 
 // ---- Scopes and locks
 
 bool cc_TabletTop::overlaySupported() { return overlayScopes.load(std::memory_order_relaxed) > 0; }
+
+// A scope that is let go is left as it came: neither locked nor dragged nor held open. An owned one dies.
+void cc_TabletTop::lower_(int layer) noexcept
+{
+  cs_Layer& own = layers_[layer];
+  if (own.scope && !own.owned) {
+    try {
+      if (own.animating)
+        own.scope->dragAnimate(false);
+      if (own.drags > 0)
+        own.scope->dragStop();
+      if (own.optimized > 0)
+        own.scope->optimizeDrawing(false);
+      for (long i = own.locks.depth(); i > 0; --i)
+        own.scope->lockScreenUpdatesPop();
+    } catch (...) {
+      // What cannot be lowered belongs to a scope that fails; nobody here can help it.
+    }
+  }
+}
 
 // Lets go of a layer's scope: its windows, its part of the lock stack, and the scope itself if it is owned.
 void cc_TabletTop::release_(int layer)
@@ -129,18 +179,16 @@ void cc_TabletTop::setScope(int layer, ccUIScope* scope, bool owned)
     own.windows.clear();
     own.owned = owned;
   } else {
-    if (own.scope && !own.owned)
-      for (long i = own.locks.depth(); i > 0; --i)
-        own.scope->lockScreenUpdatesPop();
+    std::vector<bool> levels; // from the top down; first, as it may fail
+    for (ccFlagStack locks = own.locks; locks.depth() > 0;)
+      levels.push_back(locks.pop());
+    lower_(layer);
     release_(layer);
     own.scope = scope;
     own.owned = owned && scope;
     if (scope) {
       if (layer == cc_TabletEnums::overlayLayer)
         overlayScopes.fetch_add(1, std::memory_order_relaxed);
-      std::vector<bool> levels; // from the top down
-      for (ccFlagStack locks = own.locks; locks.depth() > 0;)
-        levels.push_back(locks.pop());
       for (auto level = levels.rbegin(); level != levels.rend(); ++level)
         scope->lockScreenUpdatesPush(*level);
       if (own.optimized > 0)
@@ -155,7 +203,7 @@ void cc_TabletTop::setScope(int layer, ccUIScope* scope, bool owned)
   }
   own.scopeRect = scope ? ccUIRect(ccPair<long>(), scope->size()) : ccUIRect();
   // What redraw_ reaches may have depended on the former size.
-  for (ccUITablet* t = &owner_; t; t = next(t))
+  for (ccUITablet* t = owner_; t; t = next(t))
     t->layers_->layer[layer].covered = false;
   changed();
   for (int i = 0; i < 2; ++i)
@@ -195,6 +243,7 @@ ccUIScope* cc_TabletTop::window(int layer, ccUIRect const& rect)
 void cc_TabletTop::lockPush(int layer, bool on)
 {
   layers_[layer].locks.push(on);
+  cc_OnThrow const undo([&] { layers_[layer].locks.pop(); });
   if (layers_[layer].scope)
     layers_[layer].scope->lockScreenUpdatesPush(on);
 }
@@ -203,6 +252,7 @@ void cc_TabletTop::lockPop(int layer)
 {
   if (layers_[layer].locks.depth() == 0)
     return;
+  cc_Hold const hold(this); // a scope that has lost its surfaces may ask for a full drawing, and hooks delete
   layers_[layer].locks.pop();
   if (layers_[layer].scope)
     layers_[layer].scope->lockScreenUpdatesPop();
@@ -213,9 +263,9 @@ void cc_TabletTop::optimizeDrawing(int layer, bool on)
   cs_Layer& own = layers_[layer];
   if (!on && own.optimized == 0)
     return;
-  own.optimized += on ? 1 : -1;
-  if (own.scope && own.optimized == (on ? 1 : 0))
+  if (own.scope && own.optimized == (on ? 0 : 1))
     own.scope->optimizeDrawing(on);
+  own.optimized += on ? 1 : -1;
 }
 
 ccGraphicProps& cc_TabletTop::pen(ccColor const& color)
@@ -236,11 +286,13 @@ cs_Region const& cc_TabletTop::region(ccUITablet& t, int layer, ce_RegionKind ki
   cs_Region& r = t.layers_->layer[layer].regions[static_cast<int>(kind)];
   if (r.version == version_)
     return r;
-  r.version = version_;
+  r.version = 0; // until all is there
   r.rects.clear();
   r.shown = t.isShown();
-  if (!r.shown)
+  if (!r.shown) {
+    r.version = version_;
     return r;
+  }
   ccUIRect const bounds = t.layers_->clip & scopeRect(layer);
   r.rects.assign(bounds);
   ccUITablet* f = kind == ce_RegionKind::ghost ? afterSubtree(&t) : next(&t);
@@ -255,6 +307,7 @@ cs_Region const& cc_TabletTop::region(ccUITablet& t, int layer, ce_RegionKind ki
       f = next(f);
     }
   }
+  r.version = version_;
   return r;
 }
 
@@ -272,7 +325,9 @@ bool cc_TabletTop::startsAtOrBehind(cs_Mark const& a, cs_Mark const& b)
 
 void cc_TabletTop::mark(int layer, ccUIRect area, ccUITablet* from, bool above)
 {
-  area &= owner_.layers_->clip;
+  if (isDead())
+    return;
+  area &= owner_->layers_->clip;
   if (area.isNull() || !isUsed(layer))
     return;
   cs_Mark entry;
@@ -286,15 +341,22 @@ void cc_TabletTop::addMark_(int layer, cs_Mark const& added)
 {
   std::vector<cs_Mark>& list = layers_[layer].pending;
   auto const absorb = [](cs_Mark& keeper, cs_Mark const& gone) {
-    if (keeper.from && (gone.mixed || !inSubtree(gone.from, keeper.from)))
+    bool const within = keeper.last && gone.from && gone.from->parentTablet_ == keeper.last && !keeper.mixed;
+    if (keeper.from && (gone.mixed || (!within && !inSubtree(gone.from, keeper.from))))
       keeper.mixed = true;
   };
   cs_Mark entry = added;
-  for (cs_Mark& old : list)
-    if (old.area.contains(entry.area) && startsAtOrBehind(old, entry)) {
+  for (cs_Mark& old : list) {
+    if (!old.area.contains(entry.area))
+      continue;
+    // A kid of what was absorbed lies in front of it, so that a chain that is shown top down costs one look each.
+    bool const follows = entry.from && old.last && entry.from->parentTablet_ == old.last;
+    if (follows || startsAtOrBehind(old, entry)) {
       absorb(old, entry);
+      old.last = entry.from;
       return;
     }
+  }
   std::size_t kept = 0;
   for (cs_Mark const& old : list) {
     if (entry.area.contains(old.area) && startsAtOrBehind(entry, old))
@@ -339,12 +401,14 @@ void cc_TabletTop::forget(ccUITablet const& subtree)
 {
   for (cs_Layer& own : layers_)
     for (std::vector<cs_Mark>* list : {&own.pending, &own.taken})
-      for (cs_Mark& entry : *list)
+      for (cs_Mark& entry : *list) {
+        entry.last = nullptr;
         if (entry.from && inSubtree(entry.from, &subtree)) {
           entry.from = nullptr;
           entry.above = false;
           entry.mixed = false;
         }
+      }
 }
 
 ccUIRect cc_TabletTop::modifiedOf(ccUITablet& root, int layer) const
@@ -364,30 +428,56 @@ ccUIRect cc_TabletTop::modifiedOf(ccUITablet& root, int layer) const
   return all;
 }
 
+// Drawing is held back under all of an opaque tablet, painted or not.
+ccUIRect cc_TabletTop::owedBehind(ccUITablet& root, int layer) const
+{
+  ccUIRect all;
+  ccUITablet* t = &root;
+  while (t) {
+    cc_TabletLayers const& own = *t->layers_;
+    bool const hidden = (!t->visible_ && t != &root) || own.clip.isNull();
+    if (!hidden) {
+      if (own.layer[layer].opaque)
+        all |= own.clip;
+      else if (!own.layer[layer].modified.isNull())
+        all |= (own.layer[layer].modified + t->screenOrigin_) & own.clip;
+    }
+    // An opaque tablet holds all of its kids.
+    t = hidden || own.layer[layer].opaque ? afterSubtree(t, &root) : next(t, &root);
+  }
+  return all;
+}
+
 // ---- Drags
 
 void cc_TabletTop::dragStart(int layer)
 {
+  cc_Hold const hold(this);
   cs_Layer& own = layers_[layer];
-  if (++own.drags > 1)
-    return;
-  own.fresh = true;
-  if (own.scope)
-    own.scope->dragStart();
+  if (own.drags == 0) {
+    if (own.scope)
+      own.scope->dragStart();
+    own.fresh = true;
+  }
+  ++own.drags;
 }
 
 void cc_TabletTop::dragAnimate(int layer, bool on)
 {
+  cc_Hold const hold(this);
   cs_Layer& own = layers_[layer];
-  if (own.animating && !on)
+  if (own.animating && !on) {
     ++dragEpoch_; // clears the offsets of all tablets
-  own.animating = on;
+    own.animating = false;
+  }
   if (own.scope)
     own.scope->dragAnimate(on);
+  own.animating = on;
 }
 
 void cc_TabletTop::dragStop(int layer)
 {
+  cc_Hold const hold(this);
   cs_Layer& own = layers_[layer];
   if (own.drags == 0 || --own.drags > 0)
     return;

@@ -3,6 +3,8 @@
 #pragma once
 
 #include "canvas/graphic_props.h"
+#include "canvas/on_throw.h"
+#include "canvas/rect_index.h"
 #include "canvas/region.h"
 #include "canvas/scope.h"
 #include "canvas/tablet.h"
@@ -82,6 +84,7 @@ public:
   cc_TabletTop* top = nullptr; // null for orphans and recording tablets
   bool recorder = false;       // made by the default constructor
   bool recordsChanges = false;
+  bool shown = true;         // visible here and in all ancestors
   bool clipChanged = false;  // clipped_ is due
   bool followsScope = false; // at the top or with an endless edge: its extent counts within the scope only
   ccUIRect clip;             // top pels: the tablet's rectangle cut with all ancestors
@@ -96,6 +99,7 @@ public:
   std::uint64_t dragEpoch = 0;
   ccPoint sketchOffset; // tablet coordinates, while a sketch is replayed
   cc_Watch* watches = nullptr;
+  cc_RectIndex::Entry place; // in the parent's index of kids
 
   // What a fill of the whole tablet reaches, in local pels.
   ccUIRect whole(ccUITablet const&) const;
@@ -122,7 +126,8 @@ public:
   using Layers = cc_TabletEnums::Layers;
 
   explicit cc_TabletTop(ccUITablet& owner);
-  ~cc_TabletTop();
+  void retire() noexcept; // its tablet has gone or is no top any more; it dies when the last call inside it has ended
+  bool isDead() const { return owner_ == nullptr; }
   cc_TabletTop(cc_TabletTop const&) = delete;
   cc_TabletTop& operator=(cc_TabletTop const&) = delete;
 
@@ -131,6 +136,7 @@ public:
   static ccUITablet* afterSubtree(ccUITablet*, ccUITablet const* limit = nullptr);
   static bool inSubtree(ccUITablet const*, ccUITablet const* root);
   static bool before(ccUITablet const*, ccUITablet const*); // strictly, in paint order
+  static void refreshShown(ccUITablet&);                    // after a change of its visibility or its parent
 
   // Scopes and locks.
   ccUIScope* scope(int layer) const { return layers_[layer].scope; }
@@ -146,6 +152,8 @@ public:
 
   // Regions. Any change of geometry, order, visibility, opaque or covered state outdates them.
   void changed() { ++version_; }
+  void linked() { ++links_; }
+  std::uint64_t links() const { return links_; } // differs after tablets have joined, left or changed places
   cs_Region const& region(ccUITablet&, int layer, ce_RegionKind);
   static bool isSolid(ccUITablet const&, int layer);
 
@@ -153,6 +161,7 @@ public:
   void mark(int layer, ccUIRect area, ccUITablet* from, bool above = false);
   void forget(ccUITablet const& subtree);            // its marks become repaints from the bottom
   ccUIRect modifiedOf(ccUITablet&, int layer) const; // top pels, over the subtree
+  ccUIRect owedBehind(ccUITablet&, int layer) const; // and all that lies under what is opaque of it
   bool anyChanged(int layer) const { return layers_[layer].drawn || !layers_[layer].pending.empty(); }
   void clearDrawn(int layer) { layers_[layer].drawn = false; }
   void setDrawn(int layer) { layers_[layer].drawn = true; }
@@ -175,10 +184,30 @@ public:
   bool isAnimating(int layer) const { return layers_[layer].animating; }
   std::uint64_t dragEpoch() const { return dragEpoch_; }
 
+  // Keeps the top alive while a call is inside it.
+  class cc_Hold {
+  public:
+    explicit cc_Hold(cc_TabletTop* top) : top_(top)
+    {
+      if (top_)
+        ++top_->holds_;
+    }
+    ~cc_Hold()
+    {
+      if (top_ && --top_->holds_ == 0 && top_->isDead())
+        delete top_;
+    }
+    cc_Hold(cc_Hold const&) = delete;
+    cc_Hold& operator=(cc_Hold const&) = delete;
+
+  private:
+    cc_TabletTop* top_;
+  };
+
   // Brackets whatever draws. When the outermost ends, a full drawing asked for meanwhile takes place.
   class cc_Busy {
   public:
-    explicit cc_Busy(cc_TabletTop* top) : top_(top)
+    explicit cc_Busy(cc_TabletTop* top) : hold_(top), top_(top)
     {
       if (top_)
         ++top_->busy_;
@@ -192,6 +221,7 @@ public:
     cc_Busy& operator=(cc_Busy const&) = delete;
 
   private:
+    cc_Hold hold_;
     cc_TabletTop* top_;
   };
 
@@ -207,6 +237,7 @@ private:
     ccUITablet* from = nullptr;
     bool above = false;
     bool mixed = false; // it stands for another entry, too, that began outside the subtree of from
+    ccUITablet const* last = nullptr; // the tablet that began the entry absorbed last
   };
   struct cs_Window {
     std::unique_ptr<ccUIScope> scope;
@@ -237,13 +268,17 @@ private:
   class cc_PassScope;
   // The screen lock of the layers of an operation.
   class cc_Locked;
+  // The marks that are taken to be worked off; what is left of them goes back, however that ends.
+  class cc_Taken;
   struct cs_Open {
     cc_RectList rects[2];
   };
 
+  ~cc_TabletTop();
   static bool startsAtOrBehind(cs_Mark const&, cs_Mark const&);
   void addMark_(int layer, cs_Mark const&);
   void release_(int layer);
+  void lower_(int layer) noexcept;
   void runDeferred_();
   ccUITablet* frontmostSolid_(int layer, ccUIRect const& area);
   static ccUITablet* start_(ccUITablet*);
@@ -256,16 +291,20 @@ private:
   void workOff_(int layer);
   bool meetsLeftOut_(ccUITablet&, int layer, ccUIRect const& area) const;
   void settle_(ccUITablet&, int layer);
+  void giveBackTaken_(Layers);
+  void mark_(Layers, ccUIRect const& area); // from the bottom
 
-  ccUITablet& owner_;
+  ccUITablet* owner_; // null once it has gone
   cs_Layer layers_[2];
   cs_Pass* pass_ = nullptr;
   std::vector<std::unique_ptr<cs_Open>> open_; // by depth of passes
   std::size_t passDepth_ = 0;
   std::uint64_t version_ = 1;
+  std::uint64_t links_ = 1;
   std::uint64_t windowUse_ = 0;
   std::uint64_t dragEpoch_ = 1;
   long busy_ = 0;
+  long holds_ = 0;
   bool deferred_ = false;
   ccGraphicProps pen_;
   std::unique_ptr<cc_DrawScratch> scratch_;  // made by the first figure

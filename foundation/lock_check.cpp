@@ -15,7 +15,7 @@ constexpr std::size_t rankCount = static_cast<std::size_t>(cc_LockRank::count);
 
 constexpr char const* names[] = {
     "a lock of the application", "a wait for another thread", "the windows' thread", "the list of displays",
-    "a root's mutex", "the orphans' mutex", "the registry of nodes", "a critical section", "the links of displays",
+    "a root's mutex", "the orphans' mutex", "the registry of nodes", "a critical section", "the links of displays", "the mutexes of former roots",
     "the conversions of an image", "the start of the screen", "the menus", "a backing", "the window table", "the passed over errors",
     "fonts and palettes", "the device", "the glyphs", "the dictionaries", "the persistent classes", "the debug sink", "the painters",
     "a wake-up", "the inside of a lock", "the list of threads", "a thread's record"};

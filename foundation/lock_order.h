@@ -21,6 +21,7 @@ enum class cc_LockRank : std::uint8_t {
   // Leaves. Nothing of an application runs under them.
   section,       // ccCriticalSection: short sections of one module
   displayLinks,  // which displays stand on a window
+  retired,       // mutexes of roots that have gone, until nobody holds them
   conversions,   // of one acquired image
   windowStart,   // the choice of the screen at first use
   menus,

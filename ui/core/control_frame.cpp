@@ -10,11 +10,17 @@ ccUIControlFrame::ccUIControlFrame(ccUIFrame* parent, ccUIRect const& r) : ccUIF
 ccUIControlFrame::~ccUIControlFrame()
 {
   beginDestruction();
-  cc_NodeWalk walk;
-  walk.addKidsFrontToBack(*this);
-  while (ccUIObject* const kid = walk.next())
-    if (kid->parent() == this && kid->autoDelete() && !kid->dying())
-      delete kid;
+  // Front to back, without a list: a destructor needs no memory. After a hook that took the next one away, anew.
+  for (ccUIObject* kid = frontKid(); kid;) {
+    ccUIObject* const after = kid->fartherSib();
+    if (!kid->autoDelete() || kid->dying()) {
+      kid = after;
+      continue;
+    }
+    cc_NodeRef const next(after);
+    delete kid;
+    kid = !after ? nullptr : next.exists() && after->parent() == this ? after : frontKid();
+  }
 }
 
 ccUIObject* ccUIControlFrame::frontKid() const

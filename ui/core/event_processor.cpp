@@ -1,9 +1,12 @@
 #include "ui/core/event_processor.h"
 
+#include "canvas/on_throw.h"
 #include "canvas/ui_error.h"
 #include "foundation/resource.h"
 #include "ui/core/node_walk.h"
 #include "ui/core/root.h"
+
+#include <algorithm>
 
 namespace {
 
@@ -65,15 +68,6 @@ ccUIObject* cf_commonAncestor(ccUIObject* a, ccUIObject* b)
   return a;
 }
 
-// The node on the way from top down to target that stands next below top; null when target isn't below top (any more).
-ccUIObject* cf_nextBelow(ccUIObject* top, ccUIObject* target)
-{
-  ccUIObject* node = target;
-  while (node->parent() && node->parent() != top)
-    node = node->parent();
-  return node->parent() == top ? node : nullptr;
-}
-
 }  // namespace
 
 ccUIEventProcessor::ccUIEventProcessor(ccUIRootObject* root) : root_(root) {}
@@ -83,6 +77,15 @@ ccUIEventProcessor::Gesture ccUIEventProcessor::gesture() const
   if (!owner_)
     return Gesture::idle;
   return owner_->dragging() ? Gesture::dragging : Gesture::pressed;
+}
+
+bool ccUIEventProcessor::ownerDrags_() const { return owner_ && (owner_->dragRuns_ || owner_->dragging()); }
+
+// From here on it knows nobody, and whatever is still inside it calls nothing more.
+void ccUIEventProcessor::rootDies_()
+{
+  root_ = nullptr;
+  owner_ = keyOwner_ = mouseOver_ = mouseCapture_ = nullptr;
 }
 
 ccUIObject* ccUIEventProcessor::touched_(ccUIObject* from) const
@@ -95,17 +98,24 @@ ccUIObject* ccUIEventProcessor::touched_(ccUIObject* from) const
 // Only nodes of this root tell the processor when they go; a capture may have lost its tree.
 ccUIObject* ccUIEventProcessor::ours_(ccUIObject* node) const
 {
-  return node && (node == root_ || node->root() == root_) ? node : nullptr;
+  return node && root_ && (node == root_ || node->root() == root_) ? node : nullptr;
 }
 
 void ccUIEventProcessor::processEvent(ccMouseEvent const& e)
 {
+  auto const self = weak_from_this().lock();  // hooks may end the root
+  if (!root_)
+    return;
   ccLock lock(root_->mutex());
-  ccMouseEvent const event = e;  // hooks may process events themselves
+  ccMouseEvent event = e;  // hooks may process events themselves
   lastMouseEvent_ = event;
+  constexpr long far = ccUIRect::kFar;  // there is no screen beyond, and differences of positions fit
+  event.position(ccPair<long>(std::clamp(event.position().x(), -far, far), std::clamp(event.position().y(), -far, far)));
   lastMousePos_ = event.position();
   ccUIObject* hit = mouseCapture_ ? mouseCapture_ : root_;
   hit = gesture() == Gesture::dragging ? ours_(hit) : touched_(hit);
+  if (!root_)
+    return;
 
   std::uint32_t buttons = event.buttons();
   std::uint32_t which = 0;
@@ -121,9 +131,12 @@ void ccUIEventProcessor::processEvent(ccMouseEvent const& e)
       }
     }
   }
-  if (!accepts_(event, hit, buttons, which))
+  if (!accepts_(event, hit, buttons, which) || !root_)
     return;
 
+  // A hook that throws leaves the gesture where it would be without it.
+  cc_OnThrow const lower([&] { close_(event); });
+  cc_NodeRef const hitRef(hit);
   if (buttons == 0) {
     // A disabled node gets no hover: its nearest enabled ancestor does. What holds the mouse gets it in any case.
     ccUIObject* target = ours_(hit ? hit : mouseCapture_);
@@ -133,13 +146,19 @@ void ccUIEventProcessor::processEvent(ccMouseEvent const& e)
   }
   if (buttons == 0 || event.event() == ccMouseEvent::mouseMoved)
     moveOver_(event.position());
+  if (!root_)
+    return;
 
-  // An exception that leaves a hook leaves the screen locked too.
+  // The one thing that an exception of a hook leaves raised on purpose.
   root_->lockScreenUpdatesPush(true, ccUITablet::bothLayers);
   if (owner_ && owner_->enabled())
-    deliver_(event, hit, buttons, rightAsLeft);
-  if (event.event() == ccMouseEvent::mouseReleased && gesture() == Gesture::dragging)
+    deliver_(event, hitRef.alive() ? hit : nullptr, buttons, rightAsLeft);
+  if (!root_)
+    return;
+  if (event.event() == ccMouseEvent::mouseReleased && ownerDrags_())
     abandonDrag_();  // the owner was hidden or disabled meanwhile, or the release counts for nothing
+  if (!root_)
+    return;
   lock.lock();  // a second hold, whatever a callback did to the first
 
   dblClk_ = event.event() == ccMouseEvent::mouseDblClicked;
@@ -148,7 +167,22 @@ void ccUIEventProcessor::processEvent(ccMouseEvent const& e)
     root_->globalUpdate();
   if (event.event() == ccMouseEvent::mouseReleased)
     owner_ = nullptr;
-  root_->lockScreenUpdatesPop(ccUITablet::bothLayers);
+  if (root_)
+    root_->lockScreenUpdatesPop(ccUITablet::bothLayers);
+}
+
+void ccUIEventProcessor::close_(ccMouseEvent const& event)
+{
+  dblClk_ = event.event() == ccMouseEvent::mouseDblClicked;
+  if (!root_ || event.event() != ccMouseEvent::mouseReleased)
+    return;
+  try {
+    if (ownerDrags_())
+      abandonDrag_();
+  } catch (...) {
+    // The first exception goes to the caller; what was not painted is marked.
+  }
+  owner_ = nullptr;
 }
 
 // Whether the event belongs to a gesture, or is a plain motion; a press or double click takes its owner.
@@ -160,8 +194,12 @@ bool ccUIEventProcessor::accepts_(ccMouseEvent const& event, ccUIObject* hit, st
   case ccMouseEvent::mousePressed:
     if (buttons != which)  // another button is down
       return false;
-    if (gesture() == Gesture::dragging)  // its release never came
+    if (ownerDrags_()) {  // its release never came
+      cc_NodeRef const target(hit);
       abandonDrag_();
+      if (!target.alive())
+        hit = nullptr;
+    }
     anchor_ = event.position();
     owner_ = hit;
     button_ = which;
@@ -169,8 +207,12 @@ bool ccUIEventProcessor::accepts_(ccMouseEvent const& event, ccUIObject* hit, st
     dwellCount_ = 0;
     return true;
   case ccMouseEvent::mouseDblClicked:
-    if (gesture() == Gesture::dragging && owner_ != hit)
+    if (ownerDrags_() && owner_ != hit) {
+      cc_NodeRef const target(hit);
       abandonDrag_();
+      if (!target.alive())
+        hit = nullptr;
+    }
     owner_ = hit;
     return which == button_;
   case ccMouseEvent::mouseReleased:
@@ -189,18 +231,26 @@ void ccUIEventProcessor::hover_(ccUIObject* target)
   ccUIObject* const common = cf_commonAncestor(mouseOver_, target);
   cc_NodeRef const targetRef(target);
   cc_NodeRef enteredRef(common);
+  cc_NodeRef reached(mouseOver_);
+  cc_OnThrow const stop([&] { mouseOver_ = reached.alive() ? reached.node() : nullptr; });
   for (ccUIObject* node = mouseOver_; node && node != common;) {
     cc_NodeRef const up(node->parent());
+    reached = up;
     node->mouseLeave();
     node = up.alive() ? up.node() : nullptr;
   }
   // Down to the target, as far as hooks let it stand.
   ccUIObject* entered = common;
-  while (entered != target && targetRef.alive() && (!entered || enteredRef.alive())) {
-    ccUIObject* const next = cf_nextBelow(entered, target);
-    if (!next)
+  cc_NodeWalk path;
+  for (ccUIObject* node = targetRef.alive() ? target : nullptr; node && node != common; node = node->parent())
+    path.add(node);
+  path.reverse();
+  while (targetRef.alive() && (!entered || enteredRef.alive())) {
+    ccUIObject* const next = path.next();
+    if (!next || next->parent() != entered)
       break;
     cc_NodeRef const nextRef(next);
+    reached = nextRef;
     next->idleMouseEnter();
     if (!nextRef.alive())
       break;
@@ -324,6 +374,9 @@ void ccUIEventProcessor::leftReleased_(ccPair<long> const& pos)
 
 void ccUIEventProcessor::processEvent(ccKeyboardEvent const& e)
 {
+  auto const self = weak_from_this().lock();
+  if (!root_)
+    return;
   ccLock lock(root_->mutex());
   ccKeyboardEvent const event = e;
   lastKeyboardEvent_ = event;
@@ -334,18 +387,24 @@ void ccUIEventProcessor::processEvent(ccKeyboardEvent const& e)
     if (goesDown)
       keyOwner_ = touched;
   }
+  cc_AtEnd const lower([&] {
+    if (goesUp)
+      keyOwner_ = nullptr;
+  });
   if (keyOwner_)
     keyOwner_->keyboard(event);
-  if (goesUp)
-    keyOwner_ = nullptr;
 }
 
 void ccUIEventProcessor::endDragOnScreen_()
 {
-  ccUITablet& screen = *root_;
   for (Layers layer : {ccUITablet::imageLayer, ccUITablet::overlayLayer}) {
-    screen.dragErase(layer);
-    screen.dragStop(layer);
+    // An erase paints, and a hook of that may throw or end the root.
+    cc_AtEnd const stop([&] {
+      if (root_)
+        root_->ccUITablet::dragStop(layer);
+    });
+    if (root_)
+      root_->ccUITablet::dragErase(layer);
   }
 }
 
@@ -358,16 +417,25 @@ void ccUIEventProcessor::abandonDrag_()
     for (ccUIObject* sib = up->backKid(); sib; sib = sib->closerSib())
       sib->dragging(false);
   owner_->dragging(false);
+  owner_->dragRuns_ = false;
   endDragOnScreen_();
 }
 
+// Destructors come by here, so whatever a hook throws that paints ends here; what it has not painted stays marked.
 void ccUIEventProcessor::dropOwner_()
 {
-  if (owner_->dragging()) {
+  bool const drags = ownerDrags_();
+  if (drags) {
     owner_->dragging(false);
-    endDragOnScreen_();
+    owner_->dragRuns_ = false;
   }
   owner_ = nullptr;
+  if (!drags)
+    return;
+  try {
+    endDragOnScreen_();
+  } catch (...) {
+  }
 }
 
 void ccUIEventProcessor::forget_(ccUIObject const* obj)
@@ -382,13 +450,19 @@ void ccUIEventProcessor::forget_(ccUIObject const* obj)
 
 void ccUIEventProcessor::nodeLeaves_(ccUIObject* obj)
 {
-  if (gesture() == Gesture::dragging && cf_isAtOrAbove(obj, owner_))
-    abandonDrag_();
-  invalidateObject(obj);
+  if (ownerDrags_() && cf_isAtOrAbove(obj, owner_))
+    try {
+      abandonDrag_();
+    } catch (...) {  // as in dropOwner_
+    }
+  if (root_)
+    invalidateObject(obj);
 }
 
 void ccUIEventProcessor::invalidateObject(ccUIObject* obj)
 {
+  if (!root_)
+    return;
   ccLock lock(root_->mutex(), /*lockNow=*/false);
   lock.lockFirm();
   ccLock registry(ccUIObject::uiMutex(), /*lockNow=*/false);

@@ -6,7 +6,10 @@
 #include "ui/core/keyboard_event.h"
 #include "ui/core/mouse_event.h"
 
-class ccUIEventProcessor {
+#include <memory>
+
+// Where a hook ends the root in the middle of an event, the processor lives until the call that is inside it has ended.
+class ccUIEventProcessor : public std::enable_shared_from_this<ccUIEventProcessor> {
 public:
   enum class Gesture { idle, pressed, dragging };
 
@@ -40,6 +43,7 @@ public:
 
 private:
   friend class ccUIObject;
+  friend class ccUIRootObject;
   ccUIObject* touched_(ccUIObject* from) const;
   ccUIObject* ours_(ccUIObject*) const;  // null for a node of another tree
   bool accepts_(ccMouseEvent const&, ccUIObject* hit, std::uint32_t buttons, std::uint32_t which);
@@ -49,6 +53,9 @@ private:
   void leftMoved_(ccPair<long> const&, ccUIObject const* hit);
   void leftPressed_(bool multiSelect);
   void leftReleased_(ccPair<long> const&);
+  bool ownerDrags_() const;          // whatever the dragging bit says in the middle of its start
+  void close_(ccMouseEvent const&);
+  void rootDies_();
   void dropOwner_();
   void abandonDrag_();               // without a call of hooks
   void endDragOnScreen_();

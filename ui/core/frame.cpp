@@ -66,12 +66,48 @@ ccUIObject* ccUIFrame::fartherSib() const
   return cfFrameOf(sib);
 }
 
+namespace {
+
+// The frame whose kids are being asked, known to be visible as long as no node has changed its wish.
+thread_local ccUIFrame const* askedFrame = nullptr;
+thread_local std::uint64_t askedVisibility = 0;
+
+}  // namespace
+
+ccUIFrame::cc_HitScope::cc_HitScope(ccUIFrame const& f) : former_(askedFrame), formerVisibility_(askedVisibility)
+{
+  askedFrame = &f;
+  askedVisibility = visibility_();
+}
+
+ccUIFrame::cc_HitScope::~cc_HitScope()
+{
+  askedFrame = former_;
+  askedVisibility = formerVisibility_;
+}
+
+bool ccUIFrame::isHitAt_(ccPair<long> const& pos) const
+{
+  if (dying() || !condVisible() || !frameRect_.within(pos))
+    return false;
+  bool const known = askedFrame && cfFrameOf(parentTablet()) == askedFrame && askedVisibility == visibility_();
+  return known || visible();
+}
+
 ccUIObject* ccUIFrame::whoIsTouched(ccPair<long> const& pos)
 {
   ccLock lock(rootMutex());
-  if (dying() || !visible() || !frameRect_.within(pos))
+  if (!isHitAt_(pos))
     return nullptr;
   ccPair<long> const local = pos - frameRect_.ul();
+  cc_HitScope const seen(*this);
+  cc_NodeWalk near;
+  if (near.addKidsAt(*this, local)) {
+    while (ccUIObject* const kid = near.next())
+      if (ccUIObject* const touched = kid->whoIsTouched(local))
+        return touched;
+    return isTouched(local) ? this : nullptr;
+  }
   for (ccUIObject* kid = frontKid(); kid; kid = kid->fartherSib())
     if (ccUIObject* const touched = kid->whoIsTouched(local))
       return touched;
@@ -149,10 +185,7 @@ void ccUIFrame::newParentTablet(ccUITablet*)
 {
   // A root keeps null in its own root_, so it is asked for itself, as in the constructor.
   ccUIFrame* const above = cfFrameOf(parentTablet());
-  if (!above) {
-    newRoot(nullptr, /*recurse=*/true);
-    return;
-  }
-  ccUIRootObject* const root = above->rootObject(true);
-  newRoot(root ? root : above->root(), /*recurse=*/true);
+  ccUIRootObject* const root = above ? above->rootObject(true) : nullptr;
+  newRoot(root ? root : above ? above->root() : nullptr, /*recurse=*/true);
+  settle_(/*repaint=*/false);  // what is seen of it follows its new ancestors, and no hook is due
 }

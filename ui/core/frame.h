@@ -48,6 +48,21 @@ protected:
   // First in the destructor of a frame whose own members redraw_ uses: from here on nothing paints it any more.
   void beginDestruction();
 
+  // Is there something to be hit at a position in the parent's coordinates?
+  bool isHitAt_(ccPair<long> const&) const;
+  // While one lives, kids of the frame need not ask their ancestors whether these can be seen.
+  class cc_HitScope {
+  public:
+    explicit cc_HitScope(ccUIFrame const&);
+    ~cc_HitScope();
+    cc_HitScope(cc_HitScope const&) = delete;
+    cc_HitScope& operator=(cc_HitScope const&) = delete;
+
+  private:
+    ccUIFrame const* former_;
+    std::uint64_t formerVisibility_;
+  };
+
   void front_(ccUIObject* kid) override;
   void back_(ccUIObject* kid) override;
   void resize_() override;

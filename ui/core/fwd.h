@@ -1,7 +1,9 @@
 // Declares the classes of this folder, and the frame sizer that the root hands out.
 #pragma once
 
+class cc_NodeRef;
 class cc_NodeWalk;
+class cc_TabletRef;
 class ccKeyboardEvent;
 class ccMouseEvent;
 class ccUIClientFrame;

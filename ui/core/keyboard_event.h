@@ -12,7 +12,9 @@ public:
   enum VirtualKey : std::int32_t {
     vkNone = 0, vkBackspace = 8, vkTab = 9, vkShift = 16, vkControl = 17, vkAlt = 18, vkPause = 19, vkCapsLock = 20,
     vkEscape = 27, vkSpace = 32, vkPageUp = 33, vkPageDown = 34, vkEnd = 35, vkHome = 36, vkLeft = 37, vkUp = 38,
-    vkRight = 39, vkDown = 40, vkInsert = 45, vkDelete = 46, vkHelp = 47, vkF1 = 112, vkF24 = 135, vk208 = 208
+    vkRight = 39, vkDown = 40, vkInsert = 45, vkDelete = 46, vkHelp = 47, vkF1 = 112, vkF2, vkF3, vkF4, vkF5, vkF6,
+    vkF7, vkF8, vkF9, vkF10, vkF11, vkF12, vkF13, vkF14, vkF15, vkF16, vkF17, vkF18, vkF19, vkF20, vkF21, vkF22, vkF23,
+    vkF24 = 135, vk208 = 208
   };
 
   ccKeyboardEvent() = default;

@@ -9,7 +9,6 @@ namespace {
 
 std::atomic<std::uint64_t> departures{0};
 
-
 // A plain pointer, so that trees that outlive the thread's own objects can still be walked.
 thread_local std::vector<cc_NodeRef>* walkNodes = nullptr;
 
@@ -56,7 +55,7 @@ bool cc_NodeRef::exists() const
 
 bool cc_NodeRef::alive() const
 {
-  return node_ && (when_ == departures.load(std::memory_order_acquire) || ccUIObject::isValid(node_, key_, root_));
+  return node_ && (when_ == departures.load(std::memory_order_acquire) || ccUIObject::exists_(node_, key_, root_));
 }
 
 void cc_NodeRef::nodeWent() { departures.fetch_add(1, std::memory_order_acq_rel); }
@@ -85,6 +84,25 @@ void cc_NodeWalk::addKidsFrontToBack(ccUIObject& parent)
 {
   for (ccUIObject* kid = parent.frontKid(); kid; kid = kid->fartherSib())
     add(kid);
+}
+
+void cc_NodeWalk::reverse() { std::reverse(begin_(), begin_() + (end_ - at_)); }
+
+cc_NodeRef* cc_NodeWalk::begin_() { return cf_walkNodes().data() + at_; }
+
+bool cc_NodeWalk::addKidsAt(ccUIFrame& frame, ccPair<long> const& local)
+{
+  bool const many = frame.visitKidsAt(
+      local,
+      [](void* walk, ccUITablet& kid) {
+        if (ccUIFrame* const node = cfFrameOf(&kid))
+          static_cast<cc_NodeWalk*>(walk)->add(node);
+      },
+      this);
+  sort([](ccUIObject* a, ccUIObject* b) {
+    return static_cast<ccUIFrame*>(a)->zOrder() > static_cast<ccUIFrame*>(b)->zOrder();
+  });
+  return many;
 }
 
 ccUIObject* cc_NodeWalk::next()

@@ -5,6 +5,8 @@
 #include "canvas/tablet.h"
 #include "ui/core/object.h"
 
+#include <algorithm>
+
 // A node and the incarnation it had. Asking costs a comparison as long as no node has gone or changed its root at all.
 class cc_NodeRef {
 public:
@@ -35,11 +37,24 @@ public:
   void add(ccUIObject*);
   void addKidsBackToFront(ccUIObject&);
   void addKidsFrontToBack(ccUIObject&);
+  // The kids of a frame whose rectangle holds a local pel, front to back. False, and none, while there are so few that
+  // asking each is as quick.
+  bool addKidsAt(ccUIFrame&, ccPair<long> const& local);
+  void reverse();                                       // what has been added, before the first visit
+  template <class Before> void sort(Before before);  // what has been added, before the first visit
   ccUIObject* next();  // the next one that still stands, null at the end
 
 private:
+  cc_NodeRef* begin_();
+
   std::size_t base_, at_, end_;
 };
+
+template <class Before> void cc_NodeWalk::sort(Before before)
+{
+  cc_NodeRef* const first = begin_();
+  std::sort(first, first + (end_ - at_), [&](cc_NodeRef const& a, cc_NodeRef const& b) { return before(a.node(), b.node()); });
+}
 
 // Finds the tablet that a node draws on again after hooks have run.
 class cc_TabletRef {

@@ -150,8 +150,16 @@ ccMutex& ccUIObject::rootMutex() const { return rootMutex_ ? *rootMutex_ : orpha
 
 bool ccUIObject::isValid(ccUIObject* obj, std::uint32_t key, ccUIRootObject const* root)
 {
+  // A root that has gone has no nodes, and is not asked for its mutex.
+  if (!exists_(obj, key, root))
+    return false;
   // No orphan mutex for a null root: it is taken after root mutexes, and the caller may hold one of those.
   ccLock lock(root ? const_cast<ccUIRootObject*>(root)->mutex() : uiMutex());
+  return exists_(obj, key, root);
+}
+
+bool ccUIObject::exists_(ccUIObject const* obj, std::uint32_t key, ccUIRootObject const* root)
+{
   ccLock registry(uiMutex());
   return cf_registry().count(obj) != 0 && obj->key_ == key && obj->root_ == root;
 }
@@ -224,11 +232,13 @@ void ccUIObject::newRoot(ccUIRootObject* root, bool recurse)
     if (former->eventProcessor())
       former->eventProcessor()->forget_(this);
     setBit_(kDragging, false);  // whatever drag it took part in was one of that root
+    dragRuns_ = false;
     ccUIFrame* const self = frame(true);
     if (self && former->frameSizerAttachedTo_() == self)
       former->attachFrameSizer_(nullptr);
   }
-  ccLock registry(uiMutex());
+  ccLock registry(uiMutex(), /*lockNow=*/false);
+  registry.lockFirm();  // destructors come by here
   root_ = root;
   rootMutex_ = root ? &root->mutex() : nullptr;
   if (former)

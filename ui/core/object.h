@@ -107,7 +107,7 @@ public:
   void multiSelectable(bool);
 
   cc_TabletEnums::Layers drawLayer() const { return drawLayer_; }
-  void drawLayer(cc_TabletEnums::Layers layer) { drawLayer_ = layer; }
+  void drawLayer(cc_TabletEnums::Layers);
   RightButtonModes rightButtonMode() const { return rightButtonMode_; }
   void rightButtonMode(RightButtonModes mode) { rightButtonMode_ = mode; }
 
@@ -174,6 +174,7 @@ protected:
 
 private:
   friend class cc_NodeRef;
+  friend class ccUIFrame;
   friend class ccUIEventProcessor;
   friend class ccUIRootObject;
   friend class ccUIShapes;
@@ -181,7 +182,7 @@ private:
   enum Bits : std::uint32_t {
     kCondVisible = 0x0001, kCondEnabled = 0x0002, kCondSelected = 0x0004, kClickable = 0x0008, kDraggable = 0x0010,
     kDragging = 0x0020, kDontMove = 0x0040, kAutoDelete = 0x0080, kMark = 0x0100, kOpNew = 0x0200, kKeepSel = 0x0400,
-    kDwell = 0x0800, kMultiSelectable = 0x1000
+    kDwell = 0x0800, kMultiSelectable = 0x1000, kMember = kMultiSelectable | kCondVisible | kCondEnabled | kCondSelected
   };
 
   void setBit_(Bits bit, bool on) { flags_ = on ? flags_ | bit : flags_ & ~static_cast<std::uint32_t>(bit); }
@@ -190,6 +191,9 @@ private:
   void takeSiblingSelections_(long level);
   void toggleInMultiSelection_();
   void dragMembers_(cc_NodeWalk&);
+  bool isMember_() const { return (flags_ & kMember) == kMember; }  // of a multi-selection, if there is another
+  void endDrag_(cc_TabletRef const&, int layers) noexcept;
+  void settle_(bool repaint = true) noexcept;
   void show_(bool nested);
   void hide_(bool nested);
   void enable_(States, bool nested);
@@ -201,9 +205,13 @@ private:
   RightButtonModes rightButtonMode_ = rightButtonSendsBack;
   std::uint32_t flags_ = kCondEnabled;
   bool hiding_ = false;          // hide_ is on its way through the node
+  bool dragRuns_ = false;        // between dragStart and dragStop, whatever the dragging bit says meanwhile
   ccMutex* dyingHold_ = nullptr;  // held from beginDestruction to the end of the node
 
+  static void visibilityChanged_();
+  static std::uint64_t visibility_();  // differs after any node's wish to be visible has changed
   static std::uint32_t nextKey_;
   static bool exists_(ccUIObject const*, std::uint32_t key);  // in whatever tree
+  static bool exists_(ccUIObject const*, std::uint32_t key, ccUIRootObject const*);
   static bool setAutoDelete_(ccUIObject const*);  // did operator new make this node's memory; asked once
 };

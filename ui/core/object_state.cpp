@@ -2,12 +2,18 @@
 // any node, so each step looks whether its nodes still stand.
 #include "ui/core/object.h"
 
+#include "canvas/on_throw.h"
 #include "foundation/resource.h"
 #include "ui/core/frame.h"
 #include "ui/core/node_walk.h"
 #include "ui/core/root.h"
+#include "ui/core/shapes.h"
+
+#include <atomic>
 
 namespace {
+
+std::atomic<std::uint64_t> visibilityVersion{0};
 
 // Are these bits of a node and all its ancestors set?
 bool cf_allUp(ccUIObject const* node, bool (ccUIObject::*bits)() const)
@@ -20,10 +26,25 @@ bool cf_allUp(ccUIObject const* node, bool (ccUIObject::*bits)() const)
 
 }  // namespace
 
+void ccUIObject::visibilityChanged_() { visibilityVersion.fetch_add(1, std::memory_order_relaxed); }
+
+std::uint64_t ccUIObject::visibility_() { return visibilityVersion.load(std::memory_order_relaxed); }
+
 void ccUIObject::bit_(Bits bit, bool on)
 {
   ccLock lock(rootMutex());
   setBit_(bit, on);
+}
+
+void ccUIObject::drawLayer(cc_TabletEnums::Layers layer)
+{
+  ccLock lock(rootMutex());
+  ccUIShapes* const shape = shapes(true);
+  if (shape)
+    shape->uncount_();
+  drawLayer_ = layer;
+  if (shape)
+    shape->count_();
 }
 
 void ccUIObject::clickable(bool on) { bit_(kClickable, on); }
@@ -82,8 +103,13 @@ bool ccUIObject::condVisible(bool on)
   cc_NodeRef const self(this);
   if (on) {
     setBit_(kCondVisible, true);
+    visibilityChanged_();
     if (!visible())
       return false;
+    cc_OnThrow const settle([&] {
+      if (self.exists())
+        settle_();
+    });
     show_(/*nested=*/false);
     if (self.exists() && enabled())
       enable_(visibleState, /*nested=*/false);
@@ -94,14 +120,25 @@ bool ccUIObject::condVisible(bool on)
   bool const wasVisible = visible();
   bool const wasEnabled = enabled();
   bool const wasSelected = selected();
+  // A hook that throws ends the way of the others; the node goes out of sight all the same.
+  cc_OnThrow const settle([&] {
+    if (!self.exists())
+      return;
+    setBit_(kCondVisible, false);
+    visibilityChanged_();
+    if (wasVisible)
+      settle_();
+  });
   if (wasSelected)
     deselect_(visibleState, /*nested=*/false);
   if (wasEnabled && self.exists())
     disable_(visibleState, /*nested=*/false);
   if (wasVisible && self.exists())
     hide_(/*nested=*/false);
-  if (self.exists())
-    bit_(kCondVisible, false);
+  if (self.exists()) {
+    setBit_(kCondVisible, false);
+    visibilityChanged_();
+  }
   return wasVisible;
 }
 
@@ -190,6 +227,10 @@ void ccUIObject::hide_(bool nested)
   cc_NodeRef const self(this);
   bool const before = hiding_;
   hiding_ = true;
+  cc_AtEnd const lower([&] {
+    if (self.exists())
+      hiding_ = before;
+  });
   cc_NodeWalk walk;
   walk.addKidsFrontToBack(*this);
   while (ccUIObject* const kid = walk.next())
@@ -197,8 +238,29 @@ void ccUIObject::hide_(bool nested)
       kid->hide_(true);
   if (self.exists())
     hide(nested);
-  if (self.exists())
-    hiding_ = before;
+}
+
+// After an exception: what was not told that it is on or off is put right without a hook, and repainted. Frames follow their
+// nodes; shapes come and go with the next repaint of their frame.
+void ccUIObject::settle_(bool repaint) noexcept
+{
+  ccUIObject* node = this;
+  while (node) {
+    if (ccUIFrame* const frame = node->frame(true)) {
+      ccUIFrame* const above = cfFrameOf(frame->parentTablet());
+      frame->ccUITablet::visible(node->condVisible() && (above ? above->isVisible() : node->rootObject(true) != nullptr));
+      if (repaint)
+        frame->ccUITablet::update(ccUIRect(frame->screenOrigin(), frame->ccUITablet::size()), ccUITablet::bothLayers,
+                                /*now=*/false);
+    } else if (node == this && repaint) {
+      if (ccUITablet* const canvas = tablet())
+        canvas->update(ccUIRect(canvas->screenOrigin(), canvas->size()), ccUITablet::bothLayers, /*now=*/false);
+    }
+    ccUIObject* next = node->frame(true) ? node->backKid() : nullptr;
+    for (; !next && node && node != this; node = node->parent())
+      next = node->closerSib();
+    node = next;
+  }
 }
 
 void ccUIObject::enable_(States state, bool nested)
@@ -285,7 +347,7 @@ void ccUIObject::toggleInMultiSelection_()
   if (!condSelected()) {
     cc_NodeWalk walk;
     for (ccUIObject* sib = backSib(); sib; sib = sib->closerSib())
-      if (!sib->multiSelectable())
+      if (!sib->multiSelectable() && sib->condSelected())
         walk.add(sib);
     while (ccUIObject* const sib = walk.next())
       sib->takeSelection_();
@@ -301,7 +363,7 @@ void ccUIObject::takeSiblingSelections_(long level)
     return;
   cc_NodeWalk walk;
   for (ccUIObject* sib = backSib(); sib; sib = sib->closerSib())
-    if (sib != this && !(level == -2 && sib->multiSelectable()))
+    if (sib != this && sib->condSelected() && !(level == -2 && sib->multiSelectable()))
       walk.add(sib);
   while (ccUIObject* const sib = walk.next())
     sib->takeSelection_();
@@ -311,13 +373,14 @@ bool ccUIObject::multiSelected(ccUIObject const* other) const
 {
   if (other == this)
     return true;
-  constexpr std::uint32_t all = kMultiSelectable | kCondVisible | kCondEnabled | kCondSelected;
-  return other && (flags_ & all) == all && (other->flags_ & all) == all;
+  return other && isMember_() && other->isMember_();
 }
 
 bool ccUIObject::multiDragable() const
 {
   ccLock lock(rootMutex());
+  if (!isMember_())  // only the node itself counts
+    return draggable();
   for (ccUIObject const* sib = const_cast<ccUIObject*>(this)->backSib(); sib; sib = sib->closerSib())
     if (multiSelected(sib) && !sib->draggable())
       return false;

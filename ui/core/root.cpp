@@ -1,8 +1,12 @@
 #include "ui/core/root.h"
 
+#include "canvas/on_throw.h"
 #include "canvas/ui_error.h"
+#include "foundation/leaf_mutex.h"
 #include "ui/core/event_processor.h"
 #include "ui/core/node_walk.h"
+
+#include <mutex>
 
 namespace {
 
@@ -53,6 +57,48 @@ std::vector<ccRGB> cf_initialColorMap()
 
 }  // namespace
 
+struct cc_RootMutex {
+  ccMutex mutex{cc_LockRank::root};
+  cc_RootMutex* next = nullptr;
+};
+
+namespace {
+
+// Mutexes of roots that have gone while calls further up still held them. They are freed once nobody does.
+using cc_RetiredGuard = cc_LeafMutex<cc_LockRank::retired>;
+cc_RetiredGuard& cf_retiredGuard()
+{
+  static cc_RetiredGuard& guard = *new cc_RetiredGuard;
+  return guard;
+}
+
+cc_RootMutex* retired = nullptr;
+
+void cf_freeRetired()
+{
+  for (cc_RootMutex** link = &retired; *link;) {
+    cc_RootMutex* const one = *link;
+    if (one->mutex.lockedByMe() || !one->mutex.lock(0)) {
+      link = &one->next;
+      continue;
+    }
+    one->mutex.unlock();
+    *link = one->next;
+    delete one;
+  }
+}
+
+}  // namespace
+
+// The latest one stays at least until the next root goes: a thread may just be about to leave it.
+void cc_RootMutexRetirer::operator()(cc_RootMutex* one) const noexcept
+{
+  std::lock_guard<cc_RetiredGuard> const hold(cf_retiredGuard());
+  cf_freeRetired();
+  one->next = retired;
+  retired = one;
+}
+
 std::list<ccUIRootObject*>& ccUIRootObject::roots()
 {
   static std::list<ccUIRootObject*> list;
@@ -60,16 +106,20 @@ std::list<ccUIRootObject*>& ccUIRootObject::roots()
 }
 
 ccUIRootObject::ccUIRootObject(ccUIScope* image, ccUIScope* overlay)
-    : ccUIControlFrame(image, overlay), eventProcessor_(nullptr), colorMap_(cf_initialColorMap())
+    : ccUIControlFrame(image, overlay), eventProcessor_(std::make_shared<ccUIEventProcessor>(this)),
+      colorMap_(cf_initialColorMap()), ownMutex_(new cc_RootMutex), mutex_(ownMutex_->mutex)
 {
+  // First, as it may fail: what follows has a destructor to undo it only once the root stands.
+  std::list<ccUIRootObject*> place(1, this);
   rootMutex_ = &mutex_;
-  eventProcessor_ = new ccUIEventProcessor(this);
+  cc_OnThrow const undo([this] { rootMutex_ = nullptr; });
   condVisible(true);
   condEnabled(true);
   keepSel(true);  // a root is always selected
   ccLock lock(mutex_);
   ccLock list(uiMutex());
-  rootsPos_ = roots().insert(roots().end(), this);
+  rootsPos_ = place.begin();
+  roots().splice(roots().end(), place);
 }
 
 ccUIRootObject::~ccUIRootObject()
@@ -80,8 +130,8 @@ ccUIRootObject::~ccUIRootObject()
     ccLock list(uiMutex(), /*lockNow=*/false);
     list.lockFirm();
     rootMutex_ = nullptr;
-    delete eventProcessor_;
-    eventProcessor_ = nullptr;
+    eventProcessor_->rootDies_();
+    eventProcessor_.reset();
     roots().erase(rootsPos_);
   }
   // The kids leave under the root's mutex, which comes before the orphans' one.
@@ -188,6 +238,7 @@ void ccUIRootObject::rootImage(ccPelBuffer_const<ccPackedRGB16Pel> const& image,
   if (!r.isNull())
     draw(image.cut(0, 0, r.width(), r.height()), ccPoint(r.ul()), /*masked=*/false, ccPackedRGB16Pel(), layer);
   ccUITablet corner(*this, r);
+  corner.startBehind();  // it lies in the root, so what is opaque in front of the root hides it
   corner.draw(sketch, ccPoint(0, 0), layer);
   clearAnyChanged(layer);
 }
@@ -199,6 +250,7 @@ void ccUIRootObject::rootImage(ccPelBuffer_const<unsigned char> const& image, cc
   if (!r.isNull())
     draw(image.cut(0, 0, r.width(), r.height()), ccPoint(r.ul()), /*masked=*/false, 0, /*mapPels=*/true, layer);
   ccUITablet corner(*this, r);
+  corner.startBehind();  // it lies in the root, so what is opaque in front of the root hides it
   corner.draw(sketch, ccPoint(0, 0), layer);
   clearAnyChanged(layer);
 }

@@ -5,6 +5,12 @@
 #include "ui/core/control_frame.h"
 
 #include <list>
+#include <memory>
+
+struct cc_RootMutex;
+struct cc_RootMutexRetirer {
+  void operator()(cc_RootMutex*) const noexcept;
+};
 
 class ccUIRootObject : public ccUIControlFrame {
 public:
@@ -30,8 +36,8 @@ public:
                          ccUITablet::Layers);
 
   ccRGB reservedColor(long index) const;  // black outside 241 to 245
-  ccMutex& mutex() { return mutex_; }
-  ccUIEventProcessor* eventProcessor() const { return eventProcessor_; }
+  ccMutex& mutex() { return mutex_; }  // lives until the last call that holds it has left, even if the root has not
+  ccUIEventProcessor* eventProcessor() const { return eventProcessor_.get(); }
   static std::list<ccUIRootObject*>& roots();  // guarded by uiMutex()
   ccUIControlFrame* groundPlane();
   ccUIControlFrame* subPlane();
@@ -64,12 +70,13 @@ private:
 
   ccUIRect videoScope_;
   ccUIFrameSizer* frameSizer_ = nullptr;
-  ccUIEventProcessor* eventProcessor_;
+  std::shared_ptr<ccUIEventProcessor> eventProcessor_;
   Cursor cursor_ = arrowCursor;
   std::vector<ccRGB> colorMap_;
   ccUIControlFrame* subPlane_ = nullptr;
   ccUIControlFrame* groundPlane_ = nullptr;
   ccUIControlFrame* floatingPlane_ = nullptr;
   std::list<ccUIRootObject*>::iterator rootsPos_;
-  ccMutex mutex_{cc_LockRank::root};
+  std::unique_ptr<cc_RootMutex, cc_RootMutexRetirer> ownMutex_;
+  ccMutex& mutex_;
 };

@@ -1,5 +1,6 @@
 #include "ui/core/shapes.h"
 
+#include "canvas/on_throw.h"
 #include "canvas/ui_error.h"
 #include "foundation/resource.h"
 #include "ui/core/event_processor.h"
@@ -7,6 +8,7 @@
 #include "ui/core/root.h"
 #include "ui/core/shapes_frame.h"
 
+#include <atomic>
 #include <cmath>
 
 namespace {
@@ -33,8 +35,13 @@ ccUIShapes::~ccUIShapes()
 {
   beginDestruction();
   leaveGesture();
-  parent(nullptr);
-  if (parent_) {  // a hook of a kid has moved the whole tree to another root meanwhile
+  try {
+    parent(nullptr);
+  } catch (...) {
+    // A hook or memory failed on the way out; what the shape has drawn is wiped by the next update.
+    owe_();
+  }
+  if (parent_) {  // that, or a hook of a kid has moved the whole tree to another root meanwhile
     ccLock lock(rootMutex(), /*lockNow=*/false);
     lock.lockFirm();
     unlink_();
@@ -44,13 +51,10 @@ ccUIShapes::~ccUIShapes()
 }
 
 // The autoDelete ones die, the others lose their parent. A kid that is dying already has called a hook that deletes parent.
-void ccUIShapes::releaseKids_(ccUIObject& parent)
+// Front to back, without a list: destructors need no memory.
+void ccUIShapes::releaseKids_(ccUIObject& parent) noexcept
 {
-  cc_NodeWalk walk;
-  walk.addKidsFrontToBack(parent);
-  while (ccUIObject* const kid = walk.next()) {
-    if (kid->parent() != &parent)
-      continue;
+  while (ccUIObject* const kid = parent.frontKid()) {
     if (kid->autoDelete() && !kid->dying()) {
       delete kid;
       continue;
@@ -59,6 +63,34 @@ void ccUIShapes::releaseKids_(ccUIObject& parent)
     shape->unlink_();
     shape->newRoot(nullptr, /*recurse=*/true);
   }
+}
+
+// Never used twice, so that siblings can be told apart whatever list they come from. Under the root's mutex, which differs
+// from tree to tree.
+std::int64_t ccUIShapes::nextOrder_(bool front)
+{
+  static std::atomic<std::int64_t> last{0};
+  std::int64_t const next = last.fetch_add(1, std::memory_order_relaxed) + 1;
+  return front ? next : -next;
+}
+
+void ccUIShapes::count_()
+{
+  ccUIShapesFrame* const frame = parent_ ? parent_->shapesFrame(true) : nullptr;
+  if (!frame || !frame->countsShapes() || countedOn_ >= 0)
+    return;
+  if (drawLayer() != cc_TabletEnums::imageLayer && drawLayer() != cc_TabletEnums::overlayLayer)
+    return;
+  countedOn_ = drawLayer();
+  frame->incrementCount(drawLayer());
+}
+
+void ccUIShapes::uncount_()
+{
+  ccUIShapesFrame* const frame = parent_ && countedOn_ >= 0 ? parent_->shapesFrame(true) : nullptr;
+  if (frame)
+    frame->decrementCount(static_cast<cc_TabletEnums::Layers>(countedOn_));
+  countedOn_ = -1;
 }
 
 ccUIObject* ccUIShapes::closerSib() const
@@ -92,6 +124,9 @@ std::list<ccUIShapes*>* ccUIShapes::listOf_(ccUIObject* node)
 
 void ccUIShapes::unlink_()
 {
+  uncount_();
+  if (drawnPlace_.index)
+    drawnPlace_.index->remove(drawnPlace_);
   if (siblings_)
     siblings_->erase(sibPos_);
   siblings_ = nullptr;
@@ -112,6 +147,17 @@ void ccUIShapes::parent(ccUIObject* above)
   cc_NodeRef const self(this), target(above);
   bool const wanted = condVisible();
   ccUIRootObject* const former = root_;
+  std::list<ccUIShapes*> place;  // made before anything has changed
+  if (above)
+    place.push_back(this);
+  ccUIObject* const formerParent = parent_;
+  cc_OnThrow const undo([&] {
+    if (!self.exists() || dying() || parent_ != formerParent || !formerParent)
+      return;
+    setBit_(kCondVisible, wanted);
+    visibilityChanged_();
+    settle_();
+  });
   if (parent_) {
     if (former && former != cf_rootOf(above))
       leaveGesture();
@@ -127,7 +173,11 @@ void ccUIShapes::parent(ccUIObject* above)
   newRoot(cf_rootOf(above), /*recurse=*/true);
   if (above) {
     siblings_ = listOf_(above);
-    sibPos_ = siblings_->insert(siblings_->end(), this);
+    sibPos_ = place.begin();
+    siblings_->splice(siblings_->end(), place);
+    order_ = nextOrder_(/*front=*/true);
+    count_();
+    drawn_();
   } else {
     drawnRects_[0] = drawnRects_[1] = ccUIRect::null;
   }
@@ -187,12 +237,29 @@ void ccUIShapes::deselect(States state, bool)
 
 ccGraphicProps ccUIShapes::getGraphicProps()
 {
+  ccLock lock(rootMutex());
   ccGraphicProps look = drawnProps_;
   look.penColor(getColor());
   return look;
 }
 
-ccColor ccUIShapes::getColor() { return selected() ? selectColor() : props_.penColor(); }
+ccColor ccUIShapes::getColor()
+{
+  ccLock lock(rootMutex());
+  return selected() ? selectColor() : props_.penColor();
+}
+
+ccColor ccUIShapes::color() const
+{
+  ccLock lock(rootMutex());
+  return props_.penColor();
+}
+
+ccGraphicProps ccUIShapes::props() const
+{
+  ccLock lock(rootMutex());
+  return props_;
+}
 
 void ccUIShapes::draw_(ccUITablet&, ccColor const&, DrawMode) {}
 
@@ -213,6 +280,7 @@ void ccUIShapes::pos(ccVector<2> const& to)
   if (v == pos_())
     return;
   cc_NodeRef const self(this);
+  cc_OnThrow const owe([&] { oweAll_(self); });
   move_(v);
   if (self.alive())
     pos_(v);

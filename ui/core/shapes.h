@@ -4,9 +4,11 @@
 
 #include "canvas/graphic_props.h"
 #include "canvas/rect.h"
+#include "canvas/rect_index.h"
 #include "foundation/vector.h"
 #include "ui/core/object.h"
 
+#include <cstdint>
 #include <list>
 
 class ccUIShapes : public ccUIObject {
@@ -50,9 +52,9 @@ public:
   void pos(ccVector<2> const&);  // relative to a parent shape
   ccVector<2> absPos();
   void move(ccVector<2> const& by);
-  ccColor color() const { return props_.penColor(); }
+  ccColor color() const;
   void color(ccColor const&);
-  ccGraphicProps const& props() const { return props_; }
+  ccGraphicProps props() const;
   void props(ccGraphicProps const&);
   void draw(ccUITablet&, ccColor const&, DrawMode);
   void update(bool withKids, bool erase, ccUIRect const* clip, cc_TabletEnums::Layers);
@@ -69,15 +71,24 @@ protected:
   ccVector<2> mapMove(ccPair<long> const& delta) const;  // pels to tablet units
 
 private:
+  friend class ccUIObject;
   friend class ccUIShapesFrame;
   void drawTree_(bool withKids, ccUIRect const* clip, cc_TabletEnums::Layers);
   void eraseTree_(bool withKids, cc_TabletEnums::Layers);
-  void drawSelf_(ccUITablet&);
+  void drawSelf_(ccUITablet&, bool records);
+  void drawLook_(ccUITablet&);
+  void drawn_();
+  void owe_() noexcept;
+  void oweAll_(cc_NodeRef const& self) noexcept;
+  ccUIRect drawnArea_() const;
+  void count_();
+  void uncount_();
   void eraseSelf_(ccUITablet&, cc_TabletEnums::Layers);
   void unlink_();
   static std::list<ccUIShapes*>* listOf_(ccUIObject* parent);
   // For shapes and shapes frames as parents.
-  static void releaseKids_(ccUIObject& parent);
+  static void releaseKids_(ccUIObject& parent) noexcept;
+  static std::int64_t nextOrder_(bool front);
   static void toFront_(ccUIObject* kid);
   static void toBack_(ccUIObject* kid);
 
@@ -89,4 +100,7 @@ private:
   ccGraphicProps drawnProps_{ccColor::cyanColor(), 1, ceSolidPen, false};
   ccUIRect drawnRects_[2];
   std::int32_t eraseDepth_ = 0;
+  std::int32_t countedOn_ = -1;    // the layer on which a frame counts it
+  std::int64_t order_ = 0;         // among siblings: greater is nearer to the front
+  cc_RectIndex::Entry drawnPlace_; // in the frame's index of what its shapes and their kids have drawn
 };

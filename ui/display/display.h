@@ -185,10 +185,17 @@ private:
   void rebuildMaps_();
   void windowMap_(ccPelBuffer_const<unsigned short> const&, long bits);
   void defaultPanRanges_(long w, long h);
+  void paintPanned_();
   void drawImage();
   void drawGrids_();
-  void pushOverlayRepaint_(bool);
-  void popOverlayRepaint_();
+  // Keep what they raise for as long as they live, whatever a hook does to the display meanwhile; see display_hold.h.
+  friend class cc_DisplayHold;
+  friend class cc_DrawingOff;
+  friend class cc_OverlayRepaint;
+  void owe_() noexcept;  // all of it is repainted by the next update
+  void hideOpaqueKids_();
+  void showOpaqueKids_();
+  template <class Each> void onFrames_(Each const&);  // the display itself and its three frames
   void showPalette_();
   void idleMouseMode(MouseMode);
   void cursor_(int);
@@ -204,6 +211,7 @@ private:
   MouseMode mouseMode_ = pointerMode;
   MouseMode savedMouseMode_ = pointerMode;
   std::int32_t panKeyState_ = 0;  // 1 the pan key changed the mode, 2 it was released in a drag
+  std::vector<std::pair<ccUIObject*, std::uint32_t>> outOfSight_;  // kids that the image would cover in a drag, and keys
   bool panning_ = false;          // the operator drags the image: frames are hidden, the frame sizer is held
   ccPair<double> minPan_, maxPan_;
   bool defaultPan_ = true;
@@ -216,6 +224,7 @@ private:
   std::vector<ccRGB> colorMap_;
   std::vector<ccRGB> colorMapEx_;
   std::vector<ccRGB> scratchMap_;  // the next window map of a 16-bit image
+  bool mapOwed_ = false;           // the root may not have the map that is stored here
   long grid_ = -1;
   long subpixelGrid_ = -4;
   ccColor gridColor_ = ccColor::blueColor();

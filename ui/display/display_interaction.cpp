@@ -1,10 +1,10 @@
 // The display under the operator's hand: mouse modes, the pan key, dragging the image and zooming by click.
 #include "ui/core/event_processor.h"
-#include "ui/core/node_walk.h"
 #include "ui/core/root.h"
 #include "ui/core/shapes.h"
-#include "ui/display/display.h"
+#include "ui/display/display_hold.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace {
@@ -46,14 +46,21 @@ void ccDisplay::cursor_(int c)
 void ccDisplay::mouseMode(MouseMode m)
 {
   ccLock lock(rootMutex());
+  cc_DisplayHold const self(*this);
   if (cs_ModeRow const* const row = cf_modeRow(m)) {
     cursor_(row->cursor);
+    if (!self.stands())
+      return;
     draggable(row->draggable);
     rightButtonMode(row->rightButton);
     displayFrame_->condEnabled(row->framesEnabled);
-    imageFrame_->condEnabled(row->framesEnabled);
-    clientFrame_->condEnabled(row->framesEnabled);
+    if (self.stands())
+      imageFrame_->condEnabled(row->framesEnabled);
+    if (self.stands())
+      clientFrame_->condEnabled(row->framesEnabled);
   }
+  if (!self.stands())
+    return;
   mouseMode_ = m;
   mouseModeChanged();
 }
@@ -62,8 +69,11 @@ void ccDisplay::mouseMode(MouseMode m)
 void ccDisplay::idleMouseMode(MouseMode m)
 {
   ccLock lock(rootMutex());
+  cc_DisplayHold const self(*this);
   if (cs_ModeRow const* const row = cf_modeRow(m))
     cursor_(row->cursor);
+  if (!self.stands())
+    return;
   mouseMode_ = m;
   mouseModeChanged();
 }
@@ -82,7 +92,9 @@ void ccDisplay::centreOnAnchor_()
 {
   ccPair<long> const area = ccUITablet::size();
   ccPair<long> const anchor = root() ? root()->eventProcessor()->anchor() : ccPair<long>();
-  panDelta(screenOrigin_ + ccPair<long>(area.x() / 2, area.y() / 2) - anchor);
+  constexpr long far = ccUIRect::kFar;  // an anchor may be set to anything
+  ccPair<long> const near(std::clamp(anchor.x(), -far, far), std::clamp(anchor.y(), -far, far));
+  panDelta(screenOrigin_ + ccPair<long>(area.x() / 2, area.y() / 2) - near);
 }
 
 void ccDisplay::click_()
@@ -97,9 +109,13 @@ void ccDisplay::click_()
   }
   case zoomInMode: {
     cc_ScreenLock const screen(this);
-    disableDrawing();
-    centreOnAnchor_();
-    enableDrawing(false);
+    cc_DisplayHold const self(*this);
+    {
+      cc_DrawingOff off(*this);
+      centreOnAnchor_();
+    }
+    if (!self.stands())
+      break;
     if (scaleMode_ == scaleUp)
       mag(scale().x() * 2);
     else if (scaleMode_ == scaleDown)
@@ -137,8 +153,10 @@ void ccDisplay::mouseRight_(ccPair<long> const&, ccMouseEvent::Event event, unsi
   if (event == ccMouseEvent::mousePressed || event == ccMouseEvent::mouseDblClicked)
     mouseMode(opposite);
   else if (event == ccMouseEvent::mouseReleased) {
+    cc_DisplayHold const self(*this);
     click_();
-    mouseMode(opposite);
+    if (self.stands())
+      mouseMode(opposite);
   }
 }
 
@@ -155,8 +173,8 @@ void ccDisplay::keyboard_(ccKeyboardEvent const& e)
     if (cf_someoneDrags(root()))
       panKeyState_ = 2;
     else {
-      mouseMode(savedMouseMode_);
       panKeyState_ = 0;
+      mouseMode(savedMouseMode_);
     }
   }
 }
@@ -164,43 +182,100 @@ void ccDisplay::keyboard_(ccKeyboardEvent const& e)
 // Graphics are hidden while the image moves.
 void ccDisplay::dragStart_(ccPair<long> const&)
 {
-  displayFrame_->condVisible(false);
-  imageFrame_->condVisible(false);
-  clientFrame_->condVisible(false);
-  cursor_(ccUIRootObject::grabCursor);
+  cc_DisplayHold const self(*this);
   if (root() && !panning_)
     root()->holdFrameSizer_(true);
   panning_ = true;
+  // A drag that a hook's exception ends before it has begun brings the graphics back.
+  cc_OnThrow const undo([&] {
+    if (!self.stands())
+      return;
+    try {
+      leavePan_();
+    } catch (...) {
+      // The first exception goes to the caller.
+    }
+  });
+  displayFrame_->condVisible(false);
+  if (self.stands())
+    imageFrame_->condVisible(false);
+  if (self.stands())
+    clientFrame_->condVisible(false);
+  if (!self.stands())
+    return;
+  hideOpaqueKids_();
+  cursor_(ccUIRootObject::grabCursor);
+}
+
+// Controls that draw on the image layer would be drawn over by the moving image.
+void ccDisplay::hideOpaqueKids_()
+{
+  outOfSight_.clear();
+  for (ccUIObject* kid = backKid(); kid; kid = kid->closerSib()) {
+    ccUIFrame* const frame = kid->frame(false);
+    if (frame && frame->isVisible() && frame->opaque(imageLayer))
+      outOfSight_.emplace_back(kid, kid->key());
+  }
+  for (auto const& kid : outOfSight_)
+    kid.first->frame(false)->ccUITablet::visible(false);
+}
+
+void ccDisplay::showOpaqueKids_()
+{
+  for (auto const& [kid, key] : outOfSight_)
+    if (isValid(kid, key, root()) && kid->condVisible())
+      if (ccUIFrame* const frame = kid->frame(false))
+        frame->ccUITablet::visible(true);
+  outOfSight_.clear();
 }
 
 void ccDisplay::dragStop_(ccPair<long> const& from, ccPair<long> const& to)
 {
+  cc_DisplayHold const self(*this);
   dragDel(ccPair<long>(0, 0));
-  cursor_(ccUIRootObject::panCursor);
-  // The image jumps by the whole way at once; until now only the drag's offset showed it moving.
-  panDelta(to - from);
-  leavePan_();
-  if (panKeyState_ == 2) {
-    mouseMode(savedMouseMode_);
+  {
+    cc_OnThrow const back([&] {
+      if (!self.stands())
+        return;
+      try {
+        leavePan_();
+      } catch (...) {
+        // The first exception goes to the caller.
+      }
+    });
+    cursor_(ccUIRootObject::panCursor);
+    // The image jumps by the whole way at once; until now only the drag's offset showed it moving.
+    if (self.stands())
+      panDelta(to - from);
+  }
+  if (self.stands())
+    leavePan_();
+  if (self.stands() && panKeyState_ == 2) {
     panKeyState_ = 0;
+    mouseMode(savedMouseMode_);
   }
 }
 
 void ccDisplay::leavePan_()
 {
-  displayFrame_->condVisible(true);
-  imageFrame_->condVisible(true);
-  clientFrame_->condVisible(true);
+  cc_DisplayHold const self(*this);
+  showOpaqueKids_();
   if (root() && panning_)
     root()->holdFrameSizer_(false);
   panning_ = false;
+  displayFrame_->condVisible(true);
+  if (self.stands())
+    imageFrame_->condVisible(true);
+  if (self.stands())
+    clientFrame_->condVisible(true);
 }
 
 // A display that is hidden or disabled in the middle of a drag hears nothing of its end: its graphics come back at once.
 void ccDisplay::disable(States state, bool nested)
 {
+  cc_DisplayHold const self(*this);
   ccUIControlFrame::disable(state, nested);
-  if (panning_)
+  if (self.stands() && panning_)
     leavePan_();
 }
 
@@ -242,11 +317,11 @@ void ccDisplay::addShape(ccUIShapes* shape, CoordinateSystem cs)
   if (!shape)
     return;
   ccLock lock(rootMutex());
-  if (ccUIShapesFrame* const frame = shapesFrame(cs)) {
-    shape->parent(frame);
-    frame->incrementCount(shape->drawLayer());
-  }
-  shape->update(/*withKids=*/true, /*erase=*/true, nullptr, bothLayers);
+  cc_NodeRef const added(shape);
+  if (ccUIShapesFrame* const frame = shapesFrame(cs))
+    shape->parent(frame);  // which counts it
+  if (added.exists())
+    shape->update(/*withKids=*/true, /*erase=*/true, nullptr, bothLayers);
 }
 
 bool ccDisplay::removeShape(ccUIShapes* shape)
@@ -256,7 +331,6 @@ bool ccDisplay::removeShape(ccUIShapes* shape)
   ccUIShapesFrame* const frame = parent ? parent->shapesFrame(true) : nullptr;
   if (!frame || (frame != displayFrame_ && frame != imageFrame_ && frame != clientFrame_))
     return false;
-  frame->decrementCount(shape->drawLayer());
   shape->parent(nullptr);
   return true;
 }

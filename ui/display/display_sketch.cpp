@@ -1,9 +1,8 @@
 // Sketches kept in the coordinate frames, the pel grids, and what a drag of the display draws.
 #include "geometry/lines.h"
 #include "geometry/rect.h"
-#include "ui/core/node_walk.h"
 #include "ui/core/root.h"
-#include "ui/display/display.h"
+#include "ui/display/display_hold.h"
 #include "ui/display/flag_hold.h"
 
 #include <algorithm>
@@ -23,7 +22,7 @@ void ccDisplay::drawSketch(ccUISketch const& sketch, CoordinateSystem cs)
   if (ccUIShapesFrame* const frame = shapesFrame(cs)) {
     ccUISketch const drawn(sketch);  // it may be the frame's own
     frame->sketch_ += drawn;
-    frame->ccUITablet::draw(drawn, ccPoint(0, 0), bothLayers);
+    frame->drawDirect(drawn);
   }
 }
 
@@ -38,16 +37,20 @@ void ccDisplay::drawSketch(ccUISketch const& sketch, CoordinateSystem cs, ccRect
   end.drawClipRect(ccRect(), bothLayers);
   ccUISketch const drawn(sketch);
   cc_ScreenLock const screen(this);
-  drawSketch(begin.sketch_, cs);
-  drawSketch(drawn, cs);
-  drawSketch(end.sketch_, cs);
+  cc_DisplayHold const self(*this);
+  // All three or none are stored; and the clip is lifted even if drawing fails between.
+  ccUISketch all;
+  all += begin.sketch_;
+  all += drawn;
+  all += end.sketch_;
+  drawSketch(all, cs);
 }
 
 void ccDisplay::drawSketchFast(ccUISketch const& sketch, CoordinateSystem cs)
 {
   ccLock lock(rootMutex());
   if (ccUIShapesFrame* const frame = shapesFrame(cs))
-    frame->ccUITablet::draw(sketch, ccPoint(0, 0), bothLayers);
+    frame->drawDirect(sketch);
 }
 
 void ccDisplay::eraseSketch(CoordinateSystem cs)
@@ -55,8 +58,11 @@ void ccDisplay::eraseSketch(CoordinateSystem cs)
   ccLock lock(rootMutex());
   cc_ScreenLock const screen(this);
   if (ccUIShapesFrame* const frame = shapesFrame(cs)) {
+    cc_DisplayHold const self(*this);
     frame->sketch_.erase();
     frame->redraw(bothLayers);
+    if (!self.stands())
+      return;
   }
   updateDisplay(bothLayers);
 }
