@@ -11,7 +11,12 @@ void cc_RectList::assign(ccUIRect const& r)
 
 void cc_RectList::subtract(ccUIRect const& hole)
 {
+  // Memory comes first, so that what fails leaves the list whole. Each cut adds a piece for each of four sides at most.
   std::size_t const former = rects_.size();
+  auto const cuts = static_cast<std::size_t>(
+      std::count_if(rects_.begin(), rects_.end(), [&](ccUIRect const& r) { return !(r & hole).isNull(); }));
+  if (rects_.capacity() < former + 4 * cuts)
+    rects_.reserve(std::max(former + 4 * cuts, 2 * rects_.capacity()));
   std::size_t kept = 0;
   for (std::size_t i = 0; i < former; ++i) {
     ccUIRect const r = rects_[i];

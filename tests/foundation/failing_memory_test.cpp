@@ -1,5 +1,5 @@
 // Each allocation of each operation fails in turn: it is done, or nothing has changed.
-#include "tests/support/memory_watch.h"
+#include "tests/support/made_or_not.h"
 
 #include "foundation/math_error.h"
 #include "foundation/message_string.h"
@@ -11,6 +11,8 @@
 #include <functional>
 #include <memory>
 
+using namespace krs_test;
+
 namespace {
 
 struct Listener : ccObserver {
@@ -18,21 +20,6 @@ struct Listener : ccObserver {
   void subjectChanged(ccSubject*, void*) override { ++told; }
   void subjectGone(ccSubject*) override { ++gone; }
 };
-
-// Makes a result in each round, with the Nth allocation failing; a result that is made passes the check.
-template <class Make, class Check> void expectMadeOrNot(char const* name, Make make, Check check)
-{
-  struct Stage {
-    std::optional<decltype(make())> result;
-  };
-  long const failures = failEach([] { return std::make_unique<Stage>(); }, [&](Stage& s) { s.result.emplace(make()); },
-                                 [&](Stage& s, bool failed) {
-                                   EXPECT_EQ(s.result.has_value(), !failed) << name;
-                                   if (s.result)
-                                     check(*s.result);
-                                 });
-  EXPECT_GT(failures, 0) << name << " takes no memory";
-}
 
 template <class T> class FailingPels : public testing::Test {};
 using PelTypes = testing::Types<unsigned char, unsigned short, ccPackedRGB16Pel, ccPackedRGB32Pel>;
