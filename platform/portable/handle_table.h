@@ -1,4 +1,6 @@
-// Handles as numbers in disguise: a slot and its generation, so that a stale handle is recognised. Not locked.
+// Handles as numbers in disguise: a slot and its generation, so that a stale handle is recognised for as long as the process
+// lives. A slot whose generations are used up is given out no more. A table that is full, or for which memory fails, stays
+// whole; removing takes no memory. Not locked.
 #pragma once
 
 #include "platform/types.h"
@@ -20,11 +22,13 @@ public:
     } else {
       if (slot == slotMask)
         return nullptr;
+      if (free_.capacity() <= slot)
+        free_.reserve(2 * slot + 8);  // so that taking one out never needs memory
       slots_.emplace_back();
     }
     slots_[slot].value = std::move(value);
     slots_[slot].used = true;
-    return reinterpret_cast<Handle>(uptr{slots_[slot].generation} << slotBits | (slot + 1));
+    return reinterpret_cast<Handle>(slots_[slot].generation << slotBits | (slot + 1));
   }
 
   // Stays where it is until it is removed; null for a handle that isn't alive.
@@ -45,17 +49,19 @@ public:
     std::size_t const slot = (reinterpret_cast<uptr>(handle) & slotMask) - 1;
     slots_[slot].value = T();
     slots_[slot].used = false;
-    slots_[slot].generation = static_cast<u16>(slots_[slot].generation == 0x7FFF ? 1 : slots_[slot].generation + 1);
-    free_.push_back(slot);
+    if (slots_[slot].generation != lastGeneration)
+      free_.push_back(slot);
+    ++slots_[slot].generation;
     return true;
   }
 
 private:
   static constexpr unsigned slotBits = 16;
   static constexpr uptr slotMask = 0xFFFF;
+  static constexpr uptr lastGeneration = (~uptr{0} >> 1) >> slotBits;  // handles stay positive numbers
   struct Slot {
     T value{};
-    u16 generation = 1;
+    uptr generation = 1;
     bool used = false;
   };
   std::deque<Slot> slots_;
