@@ -367,8 +367,17 @@ void MemPainter::roundRectNow(Rect const& logical, Size corner)
   } else if (pen_.style == 0 || figure.large()) {
     paintWith(pen_.color, [&](Part const& part, auto const& plot, auto) { outlineCurve(figure, box, part, plot); });
   } else {
-    outlinePels(figure, points_, quarter_);
-    plotPels();
+    quarter_.clear();
+    walkQuarter(figure.a, figure.b, [&](i32 X, i32 Y) { quarter_.push_back({X, Y}); });
+    u32 const on = cosmeticDashes(pen_.style).on;
+    paintWith(pen_.color, [&](Part const& part, auto const& plot, auto) {
+      Rect const& c = part.clip;
+      Rect const seen{c.left - part.shift.x, c.top - part.shift.y, c.right - part.shift.x, c.bottom - part.shift.y};
+      walkOutline(figure, quarter_, seen, [&](Point p, std::int64_t place) {
+        if (on >> place % 24 & 1u)
+          plot.dot(p.x, p.y);
+      });
+    });
   }
 }
 
@@ -513,6 +522,8 @@ void MemPainter::arcNow(Rect const& logical, Point start, Point end)
   PointF const from{start.x - centreX, start.y - centreY}, to{end.x - centreX, end.y - centreY};
   if (shiftOnly_ && cosmetic()) {
     Rect const upright = deviceRect(box);
+    if (upright.empty())
+      return;  // brought to the farthest pel, nothing of it is left
     CornerBox const figure(upright, {farthestPel, farthestPel});
     if (!figure.large())
       return arcPels(figure, upright, Sector(from, to));

@@ -39,12 +39,15 @@ Pen pen(i32 width, int style = 0, int join = 0, int cap = 0)
   return p;
 }
 
-std::vector<Point> star()
+std::vector<Point> const& star()
 {
-  std::vector<Point> points;
-  for (int i = 0; i < 60; ++i)
-    points.push_back({30 + static_cast<int>(28 * std::cos(2.4 * i)), 20 + static_cast<int>(19 * std::sin(2.4 * i))});
-  return points;
+  static std::vector<Point> const made = [] {
+    std::vector<Point> points;
+    for (int i = 0; i < 60; ++i)
+      points.push_back({30 + static_cast<int>(28 * std::cos(2.4 * i)), 20 + static_cast<int>(19 * std::sin(2.4 * i))});
+    return points;
+  }();
+  return made;
 }
 
 // Every way to paint that takes memory somewhere.
@@ -135,6 +138,41 @@ TEST(PainterEnds, aCornerOfAnySignAndSizeIsTheWholeEllipse)
       EXPECT_EQ(other.pels(), whole.pels()) << corner.w;
     }
   }
+}
+
+TEST(PainterEnds, arcsBeyondTheFarthestPelEnd)
+{
+  Canvas c(kWidth, kHeight, 32);
+  std::vector<u32> const before = c.pels();
+  for (i32 width : {1, 5}) {
+    c.painter().pen(pen(width));
+    c.painter().arc({kMost - 100, 0, kMost, 40}, {0, 0}, {10, 10});
+    c.painter().arc({0, kLeast, 40, kLeast + 100}, {0, 0}, {10, 10});
+    c.painter().ellipse({kMost - 100, 0, kMost, 40});
+  }
+  EXPECT_EQ(c.pels(), before);
+}
+
+// Sides as long as numbers reach: the pattern goes on over what lies outside, and nothing is kept for it.
+TEST(PainterEnds, brokenOutlinesOfEndlessRectangles)
+{
+  Canvas c(kWidth, kHeight, 32);
+  c.painter().pen(pen(1, 1));
+  long const before = MemoryWatch::allocations();
+  c.painter().roundRect({-(1 << 30), 10, 1 << 30, 1 << 30}, {1, 1});
+  EXPECT_LT(MemoryWatch::allocations() - before, 20);
+  // 18 pels on, 6 off, from the middle of the right side: with corners of one pel and heights of 2^30 - 10 the first pel of
+  // the upper side has a place p, and pel x of it the place p + (right - x).
+  std::string row;
+  for (int x = 0; x < kWidth; ++x)
+    row += c.at(x, 10) == 0 ? '.' : '#';
+  std::string const runs = "##################......##################......##################......##################......";
+  EXPECT_NE(runs.find(row), std::string::npos) << row;
+  for (int y = 0; y < kHeight; ++y)
+    for (int x = 0; x < kWidth; ++x)
+      if (y != 10) {
+        ASSERT_EQ(c.at(x, y), 0u) << x << ' ' << y;
+      }
 }
 
 TEST(PainterEnds, aTransformThatIsNotFiniteIsNotInForce)
