@@ -3,6 +3,7 @@
 
 #include "canvas/bitmap.h"
 #include "canvas/color.h"
+#include "canvas/draws_itself.h"
 #include "canvas/flag_stack.h"
 #include "canvas/format.h"
 #include "canvas/graphic_props.h"

@@ -94,14 +94,23 @@ bool operator==(ccColor const& a, ccColor const& b)
   return (both & ccColor::kIndex) != 0 && a.index_ == b.index_;
 }
 
+// Both are moved by way of a copy, so that a colour that ends half-way stays as it was.
 ccArchive& operator||(ccArchive& ar, ccRGB& c)
 {
+  ccRGB moved = c;
   moveVersionWord(ar, "ccRGB");
-  return ar || c.r || c.g || c.b;
+  ar || moved.r || moved.g || moved.b;
+  if (ar.isLoading())
+    c = moved;
+  return ar;
 }
 
 ccArchive& operator||(ccArchive& ar, ccColor& c)
 {
+  ccColor moved = c;
   moveVersionWord(ar, "ccColor");
-  return ar || c.flags_ || c.index_ || c.rgb_.r || c.rgb_.g || c.rgb_.b;
+  ar || moved.flags_ || moved.index_ || moved.rgb_.r || moved.rgb_.g || moved.rgb_.b;
+  if (ar.isLoading())
+    c = moved;
+  return ar;
 }

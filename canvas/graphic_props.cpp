@@ -12,7 +12,12 @@ void ccGraphicProps::serialize_(ccArchive& ar, unsigned char version)
 {
   if (version != 0)
     throw ccArchive::UnknownVersion("ccGraphicProps");
-  ar || penColor_ || penWidth_ || penStyle_ || fill_ || joinStyle_ || capStyle_ || showDirection_ || showVertices_;
+  // By way of a copy, so that what ends half-way changes nothing.
+  ccGraphicProps moved(*this);
+  ar || moved.penColor_ || moved.penWidth_ || moved.penStyle_ || moved.fill_ || moved.joinStyle_ || moved.capStyle_ ||
+      moved.showDirection_ || moved.showVertices_;
+  if (ar.isLoading())
+    *this = moved;
 }
 
 void ccGraphicProps::dispatchSerialize(ccArchive& ar)

@@ -56,7 +56,7 @@ ccRLEBuffer ccUITablet::makeIcon(char const* map, std::vector<unsigned char> con
 
 bool ccUITablet::iconTouched(char const* map, ccPair<long> const& offset, long stride)
 {
-  if (!map || offset.x() < 0 || offset.y() < 0 || offset.x() >= stride - 1)
+  if (!map || stride < 2 || offset.x() < 0 || offset.y() < 0 || offset.x() >= stride - 1)
     return false;
   std::int64_t const length = static_cast<std::int64_t>(std::strlen(map));
   if (offset.y() > length / stride)

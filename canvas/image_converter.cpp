@@ -1,8 +1,7 @@
 #include "canvas/image_converter.h"
 
-#include "foundation/cpu.h"
-
 #include <algorithm>
+#include <cstddef>
 #include <cstring>
 
 namespace {
@@ -21,7 +20,7 @@ void mapRows(unsigned char const* src, void* dst, Pel const* table, long w, long
 {
   unsigned char* to = static_cast<unsigned char*>(dst);
   for (long y = 0; w > 0 && y < h; ++y)
-    mapRow(src + y * srcStride, to + y * dstStride, w, table);
+    mapRow(src + std::ptrdiff_t{y} * srcStride, to + std::ptrdiff_t{y} * dstStride, w, table);
 }
 
 template <class Table> Table* ensure(std::shared_ptr<Table[]>& table)
@@ -37,14 +36,6 @@ void buildYuv(unsigned short* table, bool lumaAbove, unsigned short first, unsig
   for (int i = 1; i < kEntries - 1; ++i)
     table[i] = static_cast<unsigned short>(lumaAbove ? i << 8 | 0x80 : 0x8000 | i);
   table[kEntries - 1] = last;
-}
-
-bool allMultiplesOf8(void const* src, void const* dst, long w, long h, long srcStride, long dstStride)
-{
-  auto const bits = reinterpret_cast<std::uintptr_t>(src) | reinterpret_cast<std::uintptr_t>(dst) |
-                    static_cast<std::uintptr_t>(w) | static_cast<std::uintptr_t>(h) |
-                    static_cast<std::uintptr_t>(srcStride) | static_cast<std::uintptr_t>(dstStride);
-  return (bits & 7) == 0;
 }
 
 }  // namespace
@@ -163,14 +154,16 @@ void ccImageConverter::convert8To16(unsigned char const* src, unsigned short* ds
 void ccImageConverter::convert8To24(unsigned char const* src, void* dst, std::uint32_t const* table32, long w, long h,
                                     long srcStride, long dstStride)
 {
-  unsigned char* to = static_cast<unsigned char*>(dst);
-  for (long y = 0; w > 0 && y < h; ++y, src += srcStride, to += dstStride)
+  for (long y = 0; w > 0 && y < h; ++y) {
+    unsigned char const* const from = src + std::ptrdiff_t{y} * srcStride;
+    unsigned char* const to = static_cast<unsigned char*>(dst) + std::ptrdiff_t{y} * dstStride;
     for (long x = 0; x < w; ++x) {
-      std::uint32_t const v = table32[src[x]];
+      std::uint32_t const v = table32[from[x]];
       to[3 * x] = static_cast<unsigned char>(v);
       to[3 * x + 1] = static_cast<unsigned char>(v >> 8);
       to[3 * x + 2] = static_cast<unsigned char>(v >> 16);
     }
+  }
 }
 
 void ccImageConverter::convert8To32(unsigned char const* src, std::uint32_t* dst, std::uint32_t const* table, long w,
@@ -182,14 +175,7 @@ void ccImageConverter::convert8To32(unsigned char const* src, std::uint32_t* dst
 void ccImageConverter::convert8ToUYVY(unsigned char const* src, unsigned short* dst, long w, long h, long srcStride,
                                       long dstStride)
 {
-  unsigned short const* const table = grey8ToUYVY();
-  if (ccCpuType::mmxPresent() && w >= 16 && allMultiplesOf8(src, dst, w, h, srcStride, dstStride)) {
-    convert8To16(src, dst, table, w, h, srcStride, dstStride);
-    return;
-  }
-  unsigned char* to = reinterpret_cast<unsigned char*>(dst);
-  for (long y = 0; w > 0 && y < h; ++y, src += srcStride, to += dstStride)
-    mapRow(src, to, w, table);
+  mapRows(src, dst, grey8ToUYVY(), w, h, srcStride, dstStride);
 }
 
 void ccImageConverter::convert8ToYUY2(unsigned char const* src, unsigned short* dst, long w, long h, long srcStride,

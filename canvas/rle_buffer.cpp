@@ -20,13 +20,14 @@ ccRLEBuffer ccRLEBuffer::fromPels(unsigned char const* pels, long w, long h, lon
   data->width = w;
   data->height = h;
   data->rows.reserve(static_cast<std::size_t>(h));
-  for (long y = 0; y < h; ++y, pels += pitch) {
+  for (long y = 0; y < h; ++y) {
+    unsigned char const* const row = pels + std::ptrdiff_t{y} * pitch;
     data->rows.push_back(data->bytes.size());
     for (long x = 0; x < w;) {
       long count = 1;
-      while (x + count < w && count < kLongestRun && pels[x + count] == pels[x])
+      while (count < w - x && count < kLongestRun && row[x + count] == row[x])
         ++count;
-      data->bytes.push_back(pels[x]);
+      data->bytes.push_back(row[x]);
       data->bytes.push_back(static_cast<unsigned char>(count));
       x += count;
     }

@@ -29,6 +29,7 @@ void cf_string(ccArchive& ar, std::string& text, std::uint32_t limit)
     ar.bytes(text.data(), n);
     return;
   }
+  ar.expect(n);
   std::string read(n, '\0');
   ar.bytes(read.data(), n);
   text = std::move(read);
@@ -97,16 +98,24 @@ std::uint32_t ccArchive::count(std::uint32_t n, std::uint32_t limit)
 
 bool ccArchive::haveVisited(ccPersistent const* object, std::type_info const& type)
 {
-  auto const marks = visited_.find(cf_complete(object));
-  if (marks != visited_.end() && std::count(marks->second.begin(), marks->second.end(), std::type_index(type)))
-    return true;
+  std::vector<cs_Level>& levels = visited_[cf_complete(object)];
+  for (cs_Level const& level : levels)
+    if (level.type == type && !level.isOpen)
+      return true;
+  levels.push_back({type, true});
   ++levels_;
   return false;
 }
 
 void ccArchive::setVisited(ccPersistent const* object, std::type_info const& type)
 {
-  visited_[cf_complete(object)].emplace_back(type);
+  auto const marks = visited_.find(cf_complete(object));
+  if (marks != visited_.end())
+    for (auto level = marks->second.rbegin(); level != marks->second.rend(); ++level)
+      if (level->type == type && level->isOpen) {
+        level->isOpen = false;
+        break;
+      }
   if (levels_ > 0 && --levels_ == 0)
     visited_.clear();
 }
@@ -193,6 +202,7 @@ void ccArchive::body_(ccPersistent* object)
   } catch (...) {
     --nesting_;
     levels_ = levels;
+    visited_.erase(cf_complete(object));
     if (levels_ == 0)
       visited_.clear();
     throw;
@@ -278,4 +288,11 @@ ccArchive& operator||(ccArchive& ar, std::string& value)
   return ar;
 }
 
-ccArchive& operator||(ccArchive& ar, ccVector<2>& v) { return ar || v.x() || v.y(); }
+ccArchive& operator||(ccArchive& ar, ccVector<2>& v)
+{
+  ccVector<2> moved(v);
+  ar || moved.x() || moved.y();
+  if (ar.isLoading())
+    v = moved;
+  return ar;
+}

@@ -1,6 +1,7 @@
 // Streaming archives with one symmetric operator: `ar || value` reads or writes, in the archive's own direction. All bytes
 // are little-endian without padding. The operand is a non-const lvalue; expressions chain from left to right. What is read
-// is checked against limits before memory is taken. After an exception the stream is out of step: use the archive no more.
+// is checked against limits before memory is taken. A value whose reading fails stays as it was. After an exception the
+// stream is out of step: use the archive no more.
 // One thread at a time per archive.
 //
 // A `long` moves 32 bits everywhere. std::int64_t, std::size_t and std::uintptr_t are `long` kinds on one system and
@@ -70,11 +71,18 @@ public:
   bool isStoring() const { return !isLoading(); }
 
   void bytes(void*, std::size_t);  // as they are, in the archive's direction
+  // Before memory is taken for so many bytes: throws EndOfData where it is known that they cannot come.
+  void expect(unsigned long long n)
+  {
+    if (isLoading() && !canRead_(n))
+      throw EndOfData();
+  }
   // A length word: the one to write, or the one read. Above the limit it throws TooLarge, both ways.
   std::uint32_t count(std::uint32_t n, std::uint32_t limit);
 
   // Keeps a shared virtual base from being moved twice: each class level of an object is moved once. False opens a level that
-  // setVisited closes; when none is open any more, everything is forgotten.
+  // setVisited closes; when none is open any more, everything is forgotten. A level that was opened closes without memory, so
+  // that what was read stays read.
   bool haveVisited(ccPersistent const*, std::type_info const&);
   void setVisited(ccPersistent const*, std::type_info const&);
 
@@ -94,6 +102,7 @@ public:
 protected:
   virtual void write_(void const*, std::size_t) = 0;
   virtual void read_(void*, std::size_t) = 0;
+  virtual bool canRead_(unsigned long long) const { return true; }  // false: so many bytes are not there
 
 private:
   using Accepts = bool (*)(ccPersistent*);
@@ -102,7 +111,11 @@ private:
   ccPersistent* loadObject_(Accepts);
   void body_(ccPersistent*);
 
-  std::map<void const*, std::vector<std::type_index>> visited_;  // the class levels of each complete object
+  struct cs_Level {
+    std::type_index type;
+    bool isOpen;
+  };
+  std::map<void const*, std::vector<cs_Level>> visited_;  // the class levels of each complete object
   int levels_ = 0;
   int nesting_ = 0;
   std::unordered_map<void const*, std::uint32_t> stored_;  // complete object to order of first appearance
@@ -122,6 +135,7 @@ public:
 protected:
   void write_(void const*, std::size_t) override;
   void read_(void*, std::size_t) override;  // throws EndOfData and reads nothing when fewer bytes are left
+  bool canRead_(unsigned long long n) const override { return n <= remaining(); }
 
 private:
   bool loading_ = false;
@@ -178,7 +192,14 @@ ccArchive& operator||(ccArchive& ar, E& value)
   return ar;
 }
 
-template <class T> ccArchive& operator||(ccArchive& ar, ccPair<T>& p) { return ar || p.x() || p.y(); }
+template <class T> ccArchive& operator||(ccArchive& ar, ccPair<T>& p)
+{
+  ccPair<T> moved(p);
+  ar || moved.x() || moved.y();
+  if (ar.isLoading())
+    p = moved;
+  return ar;
+}
 
 // A count and the elements.
 template <class T> ccArchive& operator||(ccArchive& ar, std::vector<T>& list)

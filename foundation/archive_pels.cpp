@@ -81,6 +81,7 @@ template <class T> ccPelBuffer<T> cf_load(ccArchive& ar)
   cf_checkSize(width, height, sizeof(T));
   cf_checkOffset(x, width);
   cf_checkOffset(y, height);
+  ar.expect(static_cast<unsigned long long>(width) * static_cast<unsigned long long>(height) * sizeof(T));
   ccPelBuffer<T> read(width, height);
   for (long row = 0; row < height; ++row)
     cf_row(ar, read.pelAddress(0, row), width);

@@ -37,4 +37,21 @@ void ccExceptionWithString::serialize_(ccArchive& ar, unsigned char version)
   ar || text_;
 }
 
-KRS_DEFINE_DISPATCH_(ccExceptionWithString, ccException)
+// The bases follow the text, so that it goes back when they fail.
+void ccExceptionWithString::dispatchSerialize(ccArchive& ar)
+{
+  if (ar.haveVisited(this, typeid(ccExceptionWithString)))
+    return;
+  std::string former = ar.isLoading() ? text_ : std::string();
+  try {
+    unsigned char version = 0;
+    ar || version;
+    serialize_(ar, version);
+    ccException::dispatchSerialize(ar);
+  } catch (...) {
+    if (ar.isLoading())
+      text_.swap(former);
+    throw;
+  }
+  ar.setVisited(this, typeid(ccExceptionWithString));
+}

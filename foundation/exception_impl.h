@@ -4,6 +4,8 @@
 #include "foundation/archive.h"
 #include "foundation/exception.h"
 
+#include <memory>
+
 // What every level does directly after its version byte: any version but 0 throws ccArchive::UnknownVersion(name).
 void cf_serializeLevel(ccArchive&, unsigned char version, char const* name);
 
@@ -32,8 +34,7 @@ void cf_serializeLevel(ccArchive&, unsigned char version, char const* name);
   long Class::errorNumber() const { return number; }                                                                   \
   void Class::suicideAndRethrow()                                                                                      \
   {                                                                                                                    \
-    Class const copy(*this);                                                                                           \
-    delete this;                                                                                                       \
-    throw Class(copy);                                                                                                 \
+    std::unique_ptr<Class> const self(this); /* also when there is no memory for the copy */                           \
+    throw Class(*this);                                                                                                \
   }                                                                                                                    \
   KRS_DEFINE_SERIALIZE_(Class, Base, #Class)

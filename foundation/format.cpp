@@ -311,12 +311,14 @@ std::string cf_format(char const* format, cc_FormatArg const* args, std::size_t 
 
 namespace {
 
-// Is a decimal number, which is out of range, too large or too small? By the place of its first digit.
-bool cf_isLarge(char const* p, char const* end)
+// Is a number, which is out of range, too large or too small? By the place of its first digit. The exponent counts places,
+// or bits of which a hexadecimal digit has four.
+bool cf_isLarge(char const* p, char const* end, bool hex)
 {
-  long place = 0;  // of the first digit that is not 0: 1 stands directly before the point
+  long long place = 0;  // of the first digit that is not 0: 1 stands directly before the point
   bool point = false, found = false;
-  for (; p < end && *p != 'e' && *p != 'E'; ++p) {
+  char const mark = hex ? 'p' : 'e';
+  for (; p < end && (*p | 0x20) != mark; ++p) {
     if (*p == '.') {
       point = true;
     } else if (!found && *p == '0') {
@@ -326,12 +328,12 @@ bool cf_isLarge(char const* p, char const* end)
       place += point ? 0 : 1;
     }
   }
-  long exponent = 0;
+  long long exponent = 0;
   bool const negative = p + 1 < end && p[1] == '-';
   for (; p < end; ++p)
     if (cf_isDigit(*p))
-      exponent = std::min(exponent * 10 + (*p - '0'), 100000000L);
-  return place + (negative ? -exponent : exponent) > 0;
+      exponent = std::min(exponent * 10 + (*p - '0'), 100000000000LL);
+  return place * (hex ? 4 : 1) + (negative ? -exponent : exponent) > 0;
 }
 
 }  // namespace
@@ -350,11 +352,15 @@ double cfParse(std::string const& text)
   double value = 0;
   if (end - p > 2 && *p == '0' && (p[1] == 'x' || p[1] == 'X') && p[2] != '-') {
     auto const hex = std::from_chars(p + 2, end, value, std::chars_format::hex);
-    return hex.ec == std::errc() ? sign * value : 0.0 * sign;
+    if (hex.ec == std::errc::result_out_of_range)
+      value = cf_isLarge(p + 2, hex.ptr, true) ? std::numeric_limits<double>::infinity() : 0.0;
+    else if (hex.ec != std::errc())
+      value = 0;
+    return sign * value;
   }
   auto const read = std::from_chars(p, end, value, std::chars_format::general);
   if (read.ec == std::errc::result_out_of_range)
-    value = cf_isLarge(p, read.ptr) ? std::numeric_limits<double>::infinity() : 0.0;
+    value = cf_isLarge(p, read.ptr, false) ? std::numeric_limits<double>::infinity() : 0.0;
   else if (read.ec != std::errc())
     return 0;
   return sign * value;

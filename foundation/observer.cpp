@@ -12,6 +12,8 @@ public:
   {
     if (!observer || !subject_ || place_(observer) != attachments_.end())
       return;
+    if (attachments_.size() == attachments_.capacity())
+      attachments_.reserve(2 * attachments_.size() + 1);
     observer->subjects_.push_back(shared_from_this());
     attachments_.push_back({observer, ++last_});
   }
@@ -31,15 +33,17 @@ public:
   {
     if (--guards_ > 0)
       return;
-    // Observers come and go inside the calls, even at the same address, so an attachment goes by its number.
-    std::vector<cs_Attachment> const round = attachments_;
-    for (auto const& one : round) {
-      bool const stays = std::any_of(attachments_.begin(), attachments_.end(),
-                                     [&](cs_Attachment const& now) { return now.number == one.number; });
-      if (!stays)
-        continue;
+    // Observers come and go inside the calls, even at the same address, so an attachment goes by its number. Numbers rise
+    // along the list. A destructor is at work, which must not need memory for a copy.
+    std::uint64_t const round = last_;
+    for (std::uint64_t told = 0; told < round;) {
+      auto const next = std::upper_bound(attachments_.begin(), attachments_.end(), told,
+                                         [](std::uint64_t n, cs_Attachment const& one) { return n < one.number; });
+      if (next == attachments_.end() || next->number > round)
+        return;
+      told = next->number;
       try {
-        one.observer->subjectChanged(subject_, argument);
+        next->observer->subjectChanged(subject_, argument);
       } catch (...) {
         // The guard dies in the midst of another operation, which an observer must not undo.
       }

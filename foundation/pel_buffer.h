@@ -96,7 +96,10 @@ template <class T> void ccPelBuffer_const<T>::window(ccPelRect const& r)
 template <class T> ccPelBuffer_const<T> ccPelBuffer_const<T>::cut(long x, long y, long w, long h) const
 {
   ccPelBuffer_const view(*this);
-  view.window(ccPelRect(x + offset_.x(), y + offset_.y(), w, h));
+  view.offset_ = ccPair<long>();
+  view.window(ccPelRect(x, y, w, h));
+  if (view.root_)
+    view.offset_ += offset_;
   return view;
 }
 

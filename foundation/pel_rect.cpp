@@ -4,14 +4,20 @@
 
 namespace {
 
-// One axis of an intersection. In 64 bits, since a corner far out plus an extent may pass the range of a long.
+// What a size leaves from a place on that lies at or beyond its corner. A corner far out plus an extent may pass the range
+// of a long, a distance never passes that of an unsigned one.
+long cf_left(long corner, long size, long from)
+{
+  unsigned long const cut = static_cast<unsigned long>(from) - static_cast<unsigned long>(corner);
+  return cut < static_cast<unsigned long>(size) ? static_cast<long>(static_cast<unsigned long>(size) - cut) : 0;
+}
+
+// One axis of an intersection; sizes above 0.
 bool cf_overlap(long a, long aSize, long b, long bSize, long& low, long& size)
 {
-  long long const from = std::max(a, b);
-  long long const to = std::min(static_cast<long long>(a) + aSize, static_cast<long long>(b) + bSize);
-  low = static_cast<long>(from);
-  size = static_cast<long>(std::max(0LL, to - from));
-  return to > from;
+  low = std::max(a, b);
+  size = std::min(cf_left(a, aSize, low), cf_left(b, bSize, low));
+  return size > 0;
 }
 
 }  // namespace

@@ -1,4 +1,4 @@
-// An integer rectangle in pels, half open.
+// An integer rectangle in pels, half open. Corners and sizes may be any; the lower right stops at the ends of a long.
 #pragma once
 
 #include "foundation/pair.h"
@@ -21,8 +21,8 @@ public:
   constexpr bool isNull() const { return sz_.x() <= 0 || sz_.y() <= 0; }
   constexpr bool within(ccPair<long> const& p) const
   {
-    return !isNull() && p.x() >= ul_.x() && p.y() >= ul_.y() &&
-           static_cast<long long>(p.x()) - ul_.x() < sz_.x() && static_cast<long long>(p.y()) - ul_.y() < sz_.y();
+    return !isNull() && p.x() >= ul_.x() && p.y() >= ul_.y() && distance_(ul_.x(), p.x()) < distance_(0, sz_.x()) &&
+           distance_(ul_.y(), p.y()) < distance_(0, sz_.y());
   }
 
   friend ccPelRect operator&(ccPelRect const& a, ccPelRect const& b);  // disjoint: the null rectangle at (0, 0)
@@ -33,5 +33,11 @@ public:
   friend constexpr bool operator!=(ccPelRect const& a, ccPelRect const& b) { return !(a == b); }
 
 private:
+  // From a number to one that is not below it: it may pass the range of a long.
+  static constexpr unsigned long distance_(long from, long to)
+  {
+    return static_cast<unsigned long>(to) - static_cast<unsigned long>(from);
+  }
+
   ccPair<long> ul_, sz_;
 };

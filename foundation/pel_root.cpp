@@ -21,10 +21,11 @@ cc_PelRoot::cc_PelRoot(void* memory, long width, long height, long rowStride, lo
     throw ccPelError::BadSize("pel root");
   bool const foreign = alignment == 0;
   long long const step = foreign ? 1 : std::lcm(std::min<long long>(std::max(alignment, 1L), maxBytes), pelBytes);
-  long long const magnitude = rowStride < 0 ? -static_cast<long long>(rowStride) : rowStride;
+  long long const stride = std::clamp<long long>(rowStride, -maxBytes - 1, maxBytes + 1);  // farther is refused as well
+  long long const magnitude = stride < 0 ? -stride : stride;
   if (foreign && (magnitude < width || magnitude > maxBytes / pelBytes))
     throw ccPelError::BadSize("row stride of a pel root");
-  long long const rowBytes = foreign ? magnitude * pelBytes : cf_alignedRow(width * pelBytes, step);
+  long long const rowBytes = foreign ? magnitude * pelBytes : cf_alignedRow(static_cast<long long>(width) * pelBytes, step);
   if (rowBytes > maxBytes / height)
     throw ccPelError::BadSize("pel root");
   if (foreign)

@@ -3,12 +3,15 @@
 #include "foundation/math_error.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <limits>
 
 namespace {
 
 constexpr double epsilon = std::numeric_limits<double>::epsilon();
+
+using Terms = std::array<double, (cc2XformPoly::maxOrder + 1) * (cc2XformPoly::maxOrder + 2) / 2>;
 
 // A matrix by columns, since all steps below work on whole columns.
 class cc_Columns {
@@ -112,8 +115,11 @@ void cf_orthogonalize(cc_Columns& a, std::size_t rows, std::size_t n, cc_Columns
 
 ccPtrHandle_const<cc2XformBase> const& cc2XformLinear::identity()
 {
-  // Never destroyed: buffers may be made while static objects die.
-  static auto const& shared = *new ccPtrHandle_const<cc2XformBase>(new cc2XformLinear);
+  // Never destroyed: buffers may be made while static objects die. In memory of its own, so that an unbound buffer can
+  // always be made.
+  alignas(cc2XformLinear) static unsigned char object[sizeof(cc2XformLinear)];
+  alignas(ccPtrHandle_const<cc2XformBase>) static unsigned char handle[sizeof(ccPtrHandle_const<cc2XformBase>)];
+  static auto const& shared = *new (handle) ccPtrHandle_const<cc2XformBase>(new (object) cc2XformLinear);
   return shared;
 }
 
@@ -121,7 +127,7 @@ cc2XformPoly::cc2XformPoly(std::vector<ccVector<2>> const& from, std::vector<ccV
     : order_(order)
 {
   auto const finite = [](ccVector<2> const& p) { return std::isfinite(p.x()) && std::isfinite(p.y()); };
-  if (from.empty() || from.size() != to.size() || order < 1 || !std::all_of(from.begin(), from.end(), finite) ||
+  if (from.empty() || from.size() != to.size() || order < 1 || order > maxOrder || !std::all_of(from.begin(), from.end(), finite) ||
       !std::all_of(to.begin(), to.end(), finite))
     throw ccShapesError::BadParams("points of a polynomial map");
 
@@ -132,6 +138,8 @@ cc2XformPoly::cc2XformPoly(std::vector<ccVector<2>> const& from, std::vector<ccV
   double radius = 0;
   for (auto const& p : from)
     radius = std::max({radius, std::fabs(p.x() - centre_.x()), std::fabs(p.y() - centre_.y())});
+  if (!std::isfinite(radius))
+    throw ccShapesError::BadParams("points of a polynomial map lie too far apart");
   scale_ = radius > 0 ? radius : 1;
 
   std::size_t const m = from.size();
@@ -177,10 +185,10 @@ ccVector<2> cc2XformPoly::mapPoint(ccVector<2> const& p) const
   ccVector<2> const unit = (p - centre_) / scale_;
   if (order_ == 1)
     return p + (weights_[0] + weights_[1] * unit.x() + weights_[2] * unit.y());
-  std::vector<double> terms(weights_.size());
+  Terms terms;
   cf_terms(unit, order_, terms.data());
   ccVector<2> deviation;
-  for (std::size_t k = 0; k < terms.size(); ++k)
+  for (std::size_t k = 0; k < weights_.size(); ++k)
     deviation += weights_[k] * terms[k];
   return p + deviation;
 }
@@ -189,7 +197,7 @@ ccXform<2> cc2XformPoly::linearXform(ccVector<2> const& at) const
 {
   // Of a linear map every place gives the same; the centre gives it without rounding noise.
   ccVector<2> const place = order_ == 1 ? centre_ : at;
-  std::vector<double> terms(weights_.size());
+  Terms terms;
   cf_terms((place - centre_) / scale_, order_, terms.data());
   ccVector<2> alongX, alongY;
   std::size_t k = 1;

@@ -26,10 +26,11 @@ private:
 };
 
 // A polynomial map of the given order fitted to pairs of points by least squares; linear at order 1. With fewer than 3
-// points off one line, the deviation from the identity is fitted with least norm. Empty or unequal lists, and an order below
-// 1, throw ccShapesError::BadParams.
+// points off one line, the deviation from the identity is fitted with least norm. Empty or unequal lists, and an order
+// outside 1 to 20, throw ccShapesError::BadParams. Points are mapped without memory from the heap.
 class cc2XformPoly : public cc2XformBase {
 public:
+  static constexpr long maxOrder = 20;  // beyond it powers drown in rounding, and the fit takes minutes
   cc2XformPoly(std::vector<ccVector<2>> const& from, std::vector<ccVector<2>> const& to, long order);
   ccVector<2> mapPoint(ccVector<2> const&) const override;
   bool isLinear() const override { return order_ == 1; }

@@ -34,10 +34,20 @@ struct Size {
 // Half open: right and bottom lie outside.
 struct Rect {
   i32 left = 0, top = 0, right = 0, bottom = 0;
-  i32 width() const { return right - left; }
-  i32 height() const { return bottom - top; }
+  // Edges farther apart than a number reaches count as that far.
+  i32 width() const { return extent(left, right); }
+  i32 height() const { return extent(top, bottom); }
   bool empty() const { return right <= left || bottom <= top; }
   friend bool operator==(Rect const&, Rect const&) = default;
+
+private:
+  static i32 extent(i32 from, i32 to)
+  {
+    i32 size = 0;
+    if (__builtin_sub_overflow(to, from, &size))
+      size = to > from ? 0x7FFFFFFF : -0x7FFFFFFF - 1;
+    return size;
+  }
 };
 
 // x' = x m11 + y m21 + dx, y' = x m12 + y m22 + dy.

@@ -17,29 +17,10 @@ CornerBox::CornerBox(Rect const& box, Size corner) : left(box.left), top(box.top
 void outlinePels(CornerBox const& box, std::vector<Point>& out, std::vector<Point>& quarter)
 {
   out.clear();
-  auto const add = [&out](i32 x, i32 y) {
-    if (out.empty() || !(out.back() == Point{x, y}))
-      out.push_back({x, y});
-  };
   quarter.clear();
   walkQuarter(box.a, box.b, [&](i32 X, i32 Y) { quarter.push_back({X, Y}); });
-  for (Point const& q : quarter)
-    add(box.rightOf(q.x), box.topOf(q.y));
-  i32 const leastX = box.a & 1, leastY = box.b & 1;
-  for (i32 x = box.rightOf(leastX); x-- > box.leftOf(leastX);)
-    add(x, box.top);
-  for (auto q = quarter.rbegin(); q != quarter.rend(); ++q)
-    add(box.leftOf(q->x), box.topOf(q->y));
-  for (i32 y = box.topOf(leastY); ++y < box.bottomOf(leastY);)
-    add(box.left, y);
-  for (Point const& q : quarter)
-    add(box.leftOf(q.x), box.bottomOf(q.y));
-  for (i32 x = box.leftOf(leastX); ++x < box.rightOf(leastX);)
-    add(x, box.bottomOf(box.b));
-  for (auto q = quarter.rbegin(); q != quarter.rend(); ++q)
-    add(box.rightOf(q->x), box.bottomOf(q->y));
-  for (i32 y = box.bottomOf(leastY); y-- > box.topOf(leastY);)
-    add(box.rightOf(box.a), y);
+  Rect const all{-farthestPel, -farthestPel, farthestPel, farthestPel};
+  walkOutline(box, quarter, all, [&out](Point p, std::int64_t) { out.push_back(p); });
   while (out.size() > 1 && out.back() == out.front())
     out.pop_back();
 }

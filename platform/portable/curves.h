@@ -4,6 +4,8 @@
 #include "platform/portable/painter.h"
 #include "platform/portable/pel_row.h"
 
+#include <algorithm>
+
 namespace plat::portable {
 
 // An upright box with rounded corners: an ellipse when the corners take all of it. Pels of the outline lie in
@@ -154,7 +156,56 @@ void plotQuarters(u8* top, u8* bottom, std::ptrdiff_t pitch, i32 diameterX, i32 
     fillRow(reinterpret_cast<Pel*>(from), count, pel);
 }
 
-// All pels of the outline, each once, counter-clockwise as seen, from the middle of the right side. scratch keeps memory only.
+// Calls visit(pel, place) for the pels of the outline counter-clockwise as seen, from the middle of the right side; place
+// counts them. Of straight sides, which may be as long as numbers reach, only the pels of the box seen need come. The first
+// pels may come once more at the end. quarter holds the pels of walkQuarter.
+template <class Visit>
+void walkOutline(CornerBox const& box, std::span<Point const> quarter, Rect const& seen, Visit&& visit)
+{
+  std::int64_t place = 0;
+  Point last;
+  auto const add = [&](i32 x, i32 y) {
+    if (place != 0 && last == Point{x, y})
+      return;
+    last = {x, y};
+    visit(last, place++);
+  };
+  // From one pel to another in a row or column. Its ends may stand there already, what lies between is new.
+  auto const side = [&](Point from, Point to, bool down, i32 low, i32 high) {
+    bool const isRow = from.y == to.y;
+    i32 const start = isRow ? from.x : from.y, end = isRow ? to.x : to.y, step = down ? 1 : -1;
+    if (down ? start > end : start < end)
+      return;
+    add(from.x, from.y);
+    // The pels between that are seen, in the direction of travel.
+    i32 const first = down ? std::max(start + 1, low) : std::min(start - 1, high - 1);
+    i32 const past = down ? std::min(end, high) : std::max(end, low - 1);
+    std::int64_t const base = place;
+    for (i32 at = first; down ? at < past : at > past; at += step) {
+      place = base + (std::int64_t{at} - start) * step - 1;
+      isRow ? add(at, from.y) : add(from.x, at);
+    }
+    std::int64_t const between = (std::int64_t{end} - start) * step - 1;
+    if (between > 0)
+      place = base + between;
+    add(to.x, to.y);
+  };
+  i32 const leastX = box.a & 1, leastY = box.b & 1, bottom = box.bottomOf(box.b), right = box.rightOf(box.a);
+  for (Point const& q : quarter)
+    add(box.rightOf(q.x), box.topOf(q.y));
+  side({box.rightOf(leastX) - 1, box.top}, {box.leftOf(leastX), box.top}, false, seen.left, seen.right);
+  for (auto q = quarter.rbegin(); q != quarter.rend(); ++q)
+    add(box.leftOf(q->x), box.topOf(q->y));
+  side({box.left, box.topOf(leastY) + 1}, {box.left, box.bottomOf(leastY) - 1}, true, seen.top, seen.bottom);
+  for (Point const& q : quarter)
+    add(box.leftOf(q.x), box.bottomOf(q.y));
+  side({box.leftOf(leastX) + 1, bottom}, {box.rightOf(leastX) - 1, bottom}, true, seen.left, seen.right);
+  for (auto q = quarter.rbegin(); q != quarter.rend(); ++q)
+    add(box.rightOf(q->x), box.bottomOf(q->y));
+  side({right, box.bottomOf(leastY) - 1}, {right, box.topOf(leastY)}, false, seen.top, seen.bottom);
+}
+
+// All pels of the outline, each once. For boxes without straight sides. scratch keeps memory only.
 void outlinePels(CornerBox const&, std::vector<Point>& out, std::vector<Point>& scratch);
 
 // The control points of an outline, counter-clockwise as seen from the middle of the right side: 3 n + 1, closed.

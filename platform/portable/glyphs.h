@@ -37,15 +37,16 @@ public:
   virtual ~FontFace() = default;
   i32 ascent() const { return ascent_; }
   i32 descent() const { return descent_; }  // the line's height is the sum
-  // Stays where it is as long as the face. The advance is that of the one-bit form in both forms.
-  Glyph const& glyph(u8 character, bool grey)
+  // Stays where it is as long as the face. The advance is that of the one-bit form in both forms. A glyph for which there is
+  // no memory has neither ink nor advance, this once.
+  Glyph const& glyph(u8 character, bool grey) noexcept
   {
     Glyph const* const known = glyphs_[grey ? 1 : 0][character].load(std::memory_order_acquire);
     return known ? *known : load(character, grey);
   }
 
 protected:
-  virtual Glyph const& load(u8 character, bool grey) = 0;
+  virtual Glyph const& load(u8 character, bool grey) noexcept = 0;
 
   i32 ascent_ = 0, descent_ = 0;
   std::array<std::atomic<Glyph const*>, 256> glyphs_[2] = {};  // each set once, owned by the face

@@ -4,6 +4,7 @@
 
 #include "platform/portable/blit.h"
 #include "platform/portable/pel_row.h"
+#include "platform/portable/region.h"
 #include "platform/portable/row_kernels.h"
 
 #include <algorithm>
@@ -29,11 +30,6 @@ inline std::int64_t lineLength(Point a, Point b)
 {
   std::int64_t const dx = std::int64_t{b.x} - a.x, dy = std::int64_t{b.y} - a.y;
   return std::max(dx < 0 ? -dx : dx, dy < 0 ? -dy : dy);
-}
-
-inline bool contains(Rect const& r, Point p)
-{
-  return p.x >= r.left && p.x < r.right && p.y >= r.top && p.y < r.bottom;
 }
 
 // Walks over the pels of a cut line of any length.

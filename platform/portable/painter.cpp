@@ -92,7 +92,7 @@ HDC MemPainter::openOn(HWND window)
   return handle_ = handles().table.add(this);
 }
 
-void MemPainter::close()
+void MemPainter::close() noexcept
 {
   if (!handle_)
     return;
@@ -102,17 +102,21 @@ void MemPainter::close()
   }
   handle_ = nullptr;
   palette_ = nullptr;
-  if (window_ && !dirty_.empty()) {
-    // The window may have moved meanwhile, so its place is asked for now.
-    Point place;
-    paintVisible(window_, &place,
-                 [](void* context, VisiblePart const& part) { *static_cast<Point*>(context) = part.clientOnScreen; },
-                 Rect{});
-    Rect const screen{nearPel(i64{dirty_.left} + place.x), nearPel(i64{dirty_.top} + place.y),
-                      nearPel(i64{dirty_.right} + place.x), nearPel(i64{dirty_.bottom} + place.y)};
-    paintVisible(window_, nullptr, [](void*, VisiblePart const&) {}, screen);
-  }
+  if (window_ && !dirty_.empty())
+    draw([this] { presentDirty(); });
   window_ = nullptr;
+}
+
+// The window may have moved meanwhile, so its place is asked for now.
+void MemPainter::presentDirty()
+{
+  Point place;
+  paintVisible(window_, &place,
+               [](void* context, VisiblePart const& part) { *static_cast<Point*>(context) = part.clientOnScreen; },
+               Rect{});
+  Rect const screen{nearPel(i64{dirty_.left} + place.x), nearPel(i64{dirty_.top} + place.y),
+                    nearPel(i64{dirty_.right} + place.x), nearPel(i64{dirty_.bottom} + place.y)};
+  paintVisible(window_, nullptr, [](void*, VisiblePart const&) {}, screen);
 }
 
 void MemPainter::viewportOrigin(Point p) { viewport_ = p; }
@@ -134,16 +138,20 @@ void MemPainter::clip(Rect const* rect)
 bool MemPainter::worldTransform(Xform const* xform)
 {
   world_ = xform ? *xform : Xform();
+  bool const usable = std::isfinite(world_.m11) && std::isfinite(world_.m12) && std::isfinite(world_.m21) &&
+                      std::isfinite(world_.m22) && std::isfinite(world_.dx) && std::isfinite(world_.dy);
+  if (!usable)
+    world_ = {};
   shiftOnly_ = world_.m11 == 1 && world_.m12 == 0 && world_.m21 == 0 && world_.m22 == 1;
   shift_ = {roundedPel(world_.dx), roundedPel(world_.dy)};
-  return true;
+  return usable;
 }
 
 Point MemPainter::device(Point p) const
 {
   i64 const dx = i64{viewport_.x} - origin_.x, dy = i64{viewport_.y} - origin_.y;
   if (shiftOnly_)
-    return {nearPel(p.x + shift_.x + dx), nearPel(p.y + shift_.y + dy)};
+    return {nearPel(i64{p.x} + shift_.x + dx), nearPel(i64{p.y} + shift_.y + dy)};
   PointF const f = deviceF(p.x, p.y);
   return {roundedPel(f.x), roundedPel(f.y)};
 }
@@ -255,7 +263,7 @@ u32 MemPainter::packedPelOf(COLORREF color, int depth)
   return slot.pel;
 }
 
-void MemPainter::fillRect(Rect const& rect, COLORREF color)
+void MemPainter::fillRectNow(Rect const& rect, COLORREF color)
 {
   if (!shiftOnly_) {
     points_ = {device({rect.left, rect.top}), device({rect.right, rect.top}), device({rect.right, rect.bottom}),
@@ -272,7 +280,7 @@ void MemPainter::fillRect(Rect const& rect, COLORREF color)
   });
 }
 
-COLORREF MemPainter::pel(Point p)
+COLORREF MemPainter::pelNow(Point p)
 {
   Point const at = device(p);
   COLORREF color = 0xFFFFFFFFu;
@@ -285,6 +293,85 @@ COLORREF MemPainter::pel(Point p)
       color = colorOf(pelValue(value), part.block.depth, palette());
     });
   });
+  return color;
+}
+
+template <class Body> void MemPainter::draw(Body&& body) noexcept
+{
+  for (int attempt = 0; attempt < 2; ++attempt) {
+    try {
+      return body();
+    } catch (...) {
+      giveBack();
+    }
+  }
+}
+
+void MemPainter::giveBack() noexcept
+{
+  points_ = quarter_ = std::vector<Point>();
+  cut_ = boxes_ = std::vector<Rect>();
+  outline_ = control_ = cornerOutline_ = std::vector<PointF>();
+  blocked_ = std::vector<u8>();
+  lines_ = std::vector<TextLine>();
+  placed_ = std::vector<PlacedGlyph>();
+  filler_ = SpanFiller();
+  stroker_ = nullptr;
+}
+
+void MemPainter::polyline(std::span<Point const> points)
+{
+  draw([&] { polylineNow(points); });
+}
+
+void MemPainter::polygon(std::span<Point const> points, FillRule rule)
+{
+  draw([&] { polygonNow(points, rule); });
+}
+
+void MemPainter::roundRect(Rect const& rect, Size corner)
+{
+  draw([&] { roundRectNow(rect, corner); });
+}
+
+void MemPainter::arc(Rect const& box, Point start, Point end)
+{
+  draw([&] { arcNow(box, start, end); });
+}
+
+void MemPainter::bezier(std::span<Point const> points, bool fill)
+{
+  draw([&] { bezierNow(points, fill); });
+}
+
+void MemPainter::fillRect(Rect const& rect, COLORREF color)
+{
+  draw([&] { fillRectNow(rect, color); });
+}
+
+void MemPainter::floodFill(Point at, COLORREF color, bool surface)
+{
+  draw([&] { floodFillNow(at, color, surface); });
+}
+
+int MemPainter::drawText(std::string_view text, Rect& rect, unsigned flags)
+{
+  int height = 0;
+  draw([&] { height = drawTextNow(text, rect, flags); });
+  return height;
+}
+
+Size MemPainter::textExtent(std::string_view text)
+{
+  Size size;
+  draw([&] { size = textExtentNow(text); });
+  return size;
+}
+
+COLORREF MemPainter::pel(Point p)
+{
+  COLORREF color = 0xFFFFFFFFu;
+  draw([&] { color = pelNow(p); });
   return color;
 }
 

@@ -1,5 +1,5 @@
 // The painter over memory: on a surface's pels, or on a window's visible part in the pels of its top-level window.
-// Figures are brought to device points first, then painted once for each rectangle that can be seen.
+// Figures are brought to device points first, then painted once for each rectangle that can be seen. Painting never throws.
 #pragma once
 
 #include "platform/paint.h"
@@ -38,7 +38,7 @@ public:
   // Each start is clean. A null palette stands for the screen's; keyed surfaces get no grey edges.
   HDC openOn(PelBlock const&, std::shared_ptr<PaletteData const>, bool keyed);
   HDC openOn(HWND);
-  void close();  // what was painted on a window is presented; the handle is dead
+  void close() noexcept;  // what was painted on a window is presented; the handle is dead
   bool onWindow() const { return window_ != nullptr; }
 
   HDC handle() const override { return handle_; }
@@ -69,6 +69,21 @@ public:
   COLORREF pel(Point) override;
 
 private:
+  // Runs body. Where memory fails, what is kept for the next figure is given back and body runs once more; a figure for
+  // which there is still none is left out. So a body paints the same pels again, and takes memory before it blends any.
+  template <class Body> void draw(Body&& body) noexcept;
+  void giveBack() noexcept;
+  void polylineNow(std::span<Point const>);
+  void polygonNow(std::span<Point const>, FillRule);
+  void roundRectNow(Rect const&, Size corner);
+  void arcNow(Rect const& box, Point start, Point end);
+  void bezierNow(std::span<Point const>, bool fill);
+  void fillRectNow(Rect const&, COLORREF);
+  void floodFillNow(Point, COLORREF, bool surface);
+  int drawTextNow(std::string_view, Rect&, unsigned flags);
+  Size textExtentNow(std::string_view);
+  COLORREF pelNow(Point);
+
   // A rectangle of the target that may be painted: device point + shift = pel of the block.
   struct Part {
     PelBlock block;
@@ -77,6 +92,7 @@ private:
   };
 
   void clean();
+  void presentDirty();
   bool shiftOnly() const { return shiftOnly_; }
   Point device(Point logical) const;
   PointF deviceF(double x, double y) const;

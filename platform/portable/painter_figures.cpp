@@ -13,6 +13,9 @@ namespace {
 
 constexpr int bezierChords = 16;
 
+// The length of a corner's side, which may be given with any sign.
+i32 sideOf(i32 v) { return v < 0 ? -std::max(v, -0x7FFFFFFF) : v; }
+
 i32 rounded(double v)
 {
   return static_cast<i32>(std::clamp(std::floor(v + 0.5), -1.0 * farthestPel, 1.0 * farthestPel));
@@ -117,7 +120,7 @@ template <class Body> void MemPainter::paintWith(COLORREF color, Body&& body)
   });
 }
 
-void MemPainter::polyline(std::span<Point const> points)
+void MemPainter::polylineNow(std::span<Point const> points)
 {
   if (!penOn_ || points.empty())
     return;
@@ -171,7 +174,7 @@ void MemPainter::lineTo(Point to)
   polyline(ends);
 }
 
-void MemPainter::polygon(std::span<Point const> points, FillRule rule)
+void MemPainter::polygonNow(std::span<Point const> points, FillRule rule)
 {
   if (points.size() < 2)
     return;
@@ -298,7 +301,7 @@ void MemPainter::fillFigure(COLORREF color, FillRule rule)
   fillSpans(color, rule);
 }
 
-void MemPainter::bezier(std::span<Point const> points, bool fill)
+void MemPainter::bezierNow(std::span<Point const> points, bool fill)
 {
   if (points.size() < 4)
     return;
@@ -337,14 +340,14 @@ void MemPainter::ellipse(Rect const& box)
   roundRect(box, {farthestPel, farthestPel});
 }
 
-void MemPainter::roundRect(Rect const& logical, Size corner)
+void MemPainter::roundRectNow(Rect const& logical, Size corner)
 {
   if (!shiftOnly_)
     return turnedRoundRect(logical, corner);
   Rect const box = deviceRect(logical);
   if (box.empty())
     return;
-  CornerBox const figure(box, {std::abs(corner.w), std::abs(corner.h)});
+  CornerBox const figure(box, {sideOf(corner.w), sideOf(corner.h)});
   touch(box);
   if (brushOn_)
     paintWith(brush_, [&](Part const& part, auto const& plot, auto) { fillCurve(figure, part, plot); });
@@ -364,8 +367,17 @@ void MemPainter::roundRect(Rect const& logical, Size corner)
   } else if (pen_.style == 0 || figure.large()) {
     paintWith(pen_.color, [&](Part const& part, auto const& plot, auto) { outlineCurve(figure, box, part, plot); });
   } else {
-    outlinePels(figure, points_, quarter_);
-    plotPels();
+    quarter_.clear();
+    walkQuarter(figure.a, figure.b, [&](i32 X, i32 Y) { quarter_.push_back({X, Y}); });
+    u32 const on = cosmeticDashes(pen_.style).on;
+    paintWith(pen_.color, [&](Part const& part, auto const& plot, auto) {
+      Rect const& c = part.clip;
+      Rect const seen{c.left - part.shift.x, c.top - part.shift.y, c.right - part.shift.x, c.bottom - part.shift.y};
+      walkOutline(figure, quarter_, seen, [&](Point p, std::int64_t place) {
+        if (on >> place % 24 & 1u)
+          plot.dot(p.x, p.y);
+      });
+    });
   }
 }
 
@@ -482,7 +494,7 @@ void MemPainter::plotPels()
 
 void MemPainter::turnedRoundRect(Rect const& box, Size corner)
 {
-  double const w = box.width() - 1.0, h = box.height() - 1.0;
+  double const w = double{1} * box.right - box.left - 1, h = double{1} * box.bottom - box.top - 1;
   if (w < 0 || h < 0)
     return;
   double const rx = std::min(std::abs(double{1} * corner.w), w) / 2, ry = std::min(std::abs(double{1} * corner.h), h) / 2;
@@ -498,7 +510,7 @@ void MemPainter::turnedRoundRect(Rect const& box, Size corner)
   paintOutline(true, pathFill | pathStroke);
 }
 
-void MemPainter::arc(Rect const& logical, Point start, Point end)
+void MemPainter::arcNow(Rect const& logical, Point start, Point end)
 {
   if (!penOn_)
     return;
@@ -510,6 +522,8 @@ void MemPainter::arc(Rect const& logical, Point start, Point end)
   PointF const from{start.x - centreX, start.y - centreY}, to{end.x - centreX, end.y - centreY};
   if (shiftOnly_ && cosmetic()) {
     Rect const upright = deviceRect(box);
+    if (upright.empty())
+      return;  // brought to the farthest pel, nothing of it is left
     CornerBox const figure(upright, {farthestPel, farthestPel});
     if (!figure.large())
       return arcPels(figure, upright, Sector(from, to));

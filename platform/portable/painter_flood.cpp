@@ -21,10 +21,9 @@ public:
     Rect painted{};
     if (!open(start.x, start.y))
       return painted;
-    seeds_.push_back(start);
-    while (!seeds_.empty()) {
-      Point const seed = seeds_.back();
-      seeds_.pop_back();
+    seed(start.x, start.y);
+    Point seed;
+    while (next(seed)) {
       if (!open(seed.x, seed.y))
         continue;
       i32 x0 = seed.x, x1 = seed.x + 1;
@@ -54,9 +53,36 @@ private:
     for (i32 x = x0; x < x1; ++x) {
       bool const now = open(x, y);
       if (now && !before)
-        seeds_.push_back({x, y});
+        seed(x, y);
       before = now;
     }
+  }
+  // A seed for which there is no memory is found again by its mark.
+  void seed(i32 x, i32 y) noexcept
+  {
+    try {
+      seeds_.push_back({x, y});
+    } catch (...) {
+      mark(x, y) = waiting;
+      anyWaiting_ = true;
+    }
+  }
+  bool next(Point& seed)
+  {
+    if (!seeds_.empty()) {
+      seed = seeds_.back();
+      seeds_.pop_back();
+      return true;
+    }
+    if (!anyWaiting_)
+      return false;
+    auto const found = std::find(blocked_.begin(), blocked_.end(), waiting);
+    if (found == blocked_.end())
+      return anyWaiting_ = false;
+    *found = 0;
+    auto const at = static_cast<std::size_t>(found - blocked_.begin()), width = static_cast<std::size_t>(box_.width());
+    seed = {box_.left + static_cast<i32>(at % width), box_.top + static_cast<i32>(at / width)};
+    return true;
   }
   Pel* row(i32 y) const { return reinterpret_cast<Pel*>(pelAddress(block_, 0, y)); }
   u8& mark(i32 x, i32 y) const
@@ -64,19 +90,21 @@ private:
     return blocked_[static_cast<std::size_t>(y - box_.top) * static_cast<std::size_t>(box_.width()) +
                     static_cast<std::size_t>(x - box_.left)];
   }
-  bool open(i32 x, i32 y) const { return !mark(x, y) && (pelValue(row(y)[x]) == wanted_) == surface_; }
+  bool open(i32 x, i32 y) const { return mark(x, y) % waiting == 0 && (pelValue(row(y)[x]) == wanted_) == surface_; }
 
   PelBlock const& block_;
   Rect const box_;
   std::vector<u8>& blocked_;
   u32 const wanted_;
   bool const surface_;
+  static constexpr u8 waiting = 2;  // a mark; 1 is outside or done
   std::vector<Point> seeds_;
+  bool anyWaiting_ = false;
 };
 
 }  // namespace
 
-void MemPainter::floodFill(Point at, COLORREF color, bool surface)
+void MemPainter::floodFillNow(Point at, COLORREF color, bool surface)
 {
   if (!brushOn_)
     return;

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <limits>
 #include <type_traits>
 
 namespace plat::portable {
@@ -142,13 +143,13 @@ FontFace& MemPainter::face()
   return *face_;
 }
 
-Size MemPainter::textExtent(std::string_view text)
+Size MemPainter::textExtentNow(std::string_view text)
 {
   FontFace& one = face();
   return {widthOf(one, text, false), one.ascent() + one.descent()};
 }
 
-int MemPainter::drawText(std::string_view text, Rect& rect, unsigned flags)
+int MemPainter::drawTextNow(std::string_view text, Rect& rect, unsigned flags)
 {
   FontFace& one = face();
   bool const prefixes = !(flags & noPrefix);
@@ -169,11 +170,11 @@ int MemPainter::drawText(std::string_view text, Rect& rect, unsigned flags)
     i32 const width = measured ? widthOf(one, line, prefixes) : 0;
     lines_.push_back({line, width});
     widest = std::max(widest, width);
-    height += lineHeight;
+    height = std::min(height + lineHeight, farthestPel);
   }
   if (flags & calculate) {
-    rect.right = rect.left + widest;
-    rect.bottom = rect.top + height;
+    rect.right = static_cast<i32>(std::min<i64>(i64{rect.left} + widest, std::numeric_limits<i32>::max()));
+    rect.bottom = static_cast<i32>(std::min<i64>(i64{rect.top} + height, std::numeric_limits<i32>::max()));
     return height;
   }
   bool const grey = greyFont_ && !keyed_ && (window_ ? screenDepth() : block_.depth) >= 24;
@@ -202,13 +203,14 @@ void MemPainter::placeLine(TextLine const& line, Point at, bool prefixes, bool g
   FontFace& one = face();
   Point const start = device(at);
   if (textOpaque_)
-    boxes_.push_back({start.x, start.y, start.x + line.width, start.y + one.ascent() + one.descent()});
+    boxes_.push_back({start.x, start.y, std::min(start.x, farthestPel - line.width) + line.width,
+                      start.y + one.ascent() + one.descent()});
   i32 x = start.x;
   eachCharacter(line.text, prefixes, [&](u8 c) {
     Glyph const& glyph = one.glyph(c, grey);
     if (!glyph.ink.empty())
       placed_.push_back({&glyph, {x, start.y + one.ascent()}});
-    x += glyph.advance;
+    x = std::min(x + glyph.advance, farthestPel);
   });
 }
 
@@ -282,7 +284,7 @@ void MemPainter::stampLine(std::string_view text, Rect const& rect, unsigned fla
     Glyph const& glyph = one.glyph(c, grey);
     Rect const ink = inkAt(glyph, at);
     Point const place = at;
-    at.x += glyph.advance;
+    at.x = std::min(at.x + glyph.advance, farthestPel);
     if (ink.empty())
       return;
     if (counted)

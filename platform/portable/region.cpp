@@ -13,8 +13,6 @@ Rect intersect(Rect const& a, Rect const& b)
 
 Rect shifted(Rect const& r, Point by) { return {r.left + by.x, r.top + by.y, r.right + by.x, r.bottom + by.y}; }
 
-bool contains(Rect const& r, Point p) { return p.x >= r.left && p.x < r.right && p.y >= r.top && p.y < r.bottom; }
-
 Rect Region::bounds() const
 {
   if (rects_.empty())

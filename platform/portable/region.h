@@ -10,7 +10,7 @@ namespace plat::portable {
 
 Rect intersect(Rect const&, Rect const&);  // an empty rectangle is all zeros
 Rect shifted(Rect const&, Point by);
-bool contains(Rect const&, Point);
+inline bool contains(Rect const& r, Point p) { return p.x >= r.left && p.x < r.right && p.y >= r.top && p.y < r.bottom; }
 
 class Region {
 public:

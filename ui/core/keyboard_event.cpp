@@ -38,27 +38,30 @@ ccArchive& operator||(ccArchive& ar, ccKeyboardEvent& e)
   ar || version;
   if (version != 0)
     throw ccArchive::UnknownVersion("ccKeyboardEvent");
-  ar || e.event_ || e.keyType_ || e.repeatKey_;
-  switch (e.keyType_) {
+  ccKeyboardEvent moved(e);  // an event that ends half-way leaves the former one
+  ar || moved.event_ || moved.keyType_ || moved.repeatKey_;
+  switch (moved.keyType_) {
   case ccKeyboardEvent::asciiKeyType: {
-    auto byte = static_cast<unsigned char>(e.key_ & 0xFF);
+    auto byte = static_cast<unsigned char>(moved.key_ & 0xFF);
     ar || byte;
     if (ar.isLoading())
-      e.key_ = byte;
+      moved.key_ = byte;
     break;
   }
   case ccKeyboardEvent::unicodeKeyType:
-    ar || e.key_;
+    ar || moved.key_;
     break;
   case ccKeyboardEvent::virtualKeyType: {
-    std::uint32_t word = e.key_ & 0xFFu;
+    std::uint32_t word = moved.key_ & 0xFFu;
     ar || word;
     if (ar.isLoading())
-      e.key_ = static_cast<std::uint16_t>(word & 0xFF);
+      moved.key_ = static_cast<std::uint16_t>(word & 0xFF);
     break;
   }
   default:
     throw ccArchive::BadValue("ccKeyboardEvent");
   }
+  if (ar.isLoading())
+    e = moved;
   return ar;
 }

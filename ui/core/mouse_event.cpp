@@ -28,5 +28,9 @@ ccArchive& operator||(ccArchive& ar, ccMouseEvent& e)
   ar || version;
   if (version != 0)
     throw ccArchive::UnknownVersion("ccMouseEvent");
-  return ar || e.x_ || e.y_ || e.event_ || e.whichButton_ || e.buttons_ || e.keys_;
+  ccMouseEvent moved(e);  // an event that ends half-way leaves the former one
+  ar || moved.x_ || moved.y_ || moved.event_ || moved.whichButton_ || moved.buttons_ || moved.keys_;
+  if (ar.isLoading())
+    e = moved;
+  return ar;
 }
