@@ -19,7 +19,7 @@ using cc_Bytes = std::span<unsigned char const>;
 // coefficients of a JPEG in several scans come on top, and they count as part of the picture.
 struct cc_ImageSource {
   cc_Bytes bytes;
-  ccImageTrust trust = ccImageTrust::bounded;
+  unsigned long long mostPicture = ~0ull;  // bytes of pels that it may promise
 
   void checkPicture(unsigned long long pictureBytes) const;  // a fault if the file may not promise so much
 };

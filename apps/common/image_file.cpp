@@ -142,7 +142,8 @@ ccImageFile cfReadImageBytes(unsigned char const* data, std::size_t count, std::
   if (!format)
     return failure(name, notAnImage);
   try {
-    return format->read({bytes, trust});
+    unsigned long long const most = std::max(bytes.size() * cfImageBytesGrowth, cfImageBytesFree);
+    return format->read(trust == ccImageTrust::large ? cc_ImageSource{bytes} : cc_ImageSource{bytes, most});
   } catch (cc_ImageFault const& fault) {
     return failure(name, fault.text);
   } catch (std::bad_alloc const&) {
@@ -201,8 +202,7 @@ void cf_checkGrowth(unsigned long long bytesOut, unsigned long long bytesIn, uns
 
 void cc_ImageSource::checkPicture(unsigned long long pictureBytes) const
 {
-  unsigned long long const most = std::max(bytes.size() * cfImageBytesGrowth, cfImageBytesFree);
-  if (trust != ccImageTrust::large && pictureBytes > most)
+  if (pictureBytes > mostPicture)
     cf_faultUnsupported("a picture of " + std::to_string(pictureBytes >> 20) + " MiB from a file of " +
                         std::to_string(bytes.size()) + " bytes (--large allows it)");
 }

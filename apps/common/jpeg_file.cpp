@@ -99,7 +99,9 @@ void JpegReader::fault()
     cf_faultCutOff();
   if (errors_.fault == JERR_BAD_PROGRESSION)
     cf_faultUnsupported("a JPEG of more than " + std::to_string(progress_.mostScans) + " scans");
-  if (errors_.msg_code == JERR_NO_BACKING_STORE || errors_.msg_code == JERR_OUT_OF_MEMORY)
+  if (errors_.msg_code == JERR_OUT_OF_MEMORY)
+    throw std::bad_alloc();
+  if (errors_.msg_code == JERR_NO_BACKING_STORE)
     cf_faultUnsupported("a progressive JPEG of this size");
   char text[JMSG_LENGTH_MAX] = {};
   errors_.format_message(reinterpret_cast<j_common_ptr>(&jpeg_), text);

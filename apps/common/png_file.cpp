@@ -266,6 +266,8 @@ ccImageFile cf_readPng(cc_ImageSource const& source)
       return;
     if (reader.cutOff)
       cf_faultCutOff();
+    if (std::strstr(reader.message, "memory"))
+      throw std::bad_alloc();  // the library tells so in several words
     cf_faultDamaged(reader.message);
   };
   attempt(readHeader);

@@ -14,6 +14,7 @@
 #include <fstream>
 #include <iterator>
 #include <map>
+#include <new>
 
 namespace {
 
@@ -459,16 +460,20 @@ std::vector<std::string> cfDrawKinds() { return cc_DrawReader::kinds(); }
 ccDrawing cfReadDrawing(std::string_view text, std::string const& name)
 {
   ccDrawing out;
-  ccJsonText const json = cfReadJson(text);
-  if (!json) {
-    out.error = cf_errorLine(name, json.error);
-    return out;
-  }
+  std::string why;
   try {
-    cc_DrawReader(out).read(json.value);
+    ccJsonText const json = cfReadJson(text);
+    why = json.error;
+    if (json)
+      cc_DrawReader(out).read(json.value);
   } catch (cc_DrawFault const& fault) {
+    why = fault.what();
+  } catch (std::bad_alloc const&) {
+    why = "not enough memory";
+  }
+  if (!why.empty()) {
     out = ccDrawing();
-    out.error = cf_errorLine(name, fault.what());
+    out.error = cf_errorLine(name, why);
   }
   return out;
 }
