@@ -72,8 +72,10 @@ struct PngReader {
   {
     png = png_create_read_struct(PNG_LIBPNG_VER_STRING, this, fail, ignore);
     info = png ? png_create_info_struct(png) : nullptr;
-    if (!info)
+    if (!info) {
+      png_destroy_read_struct(&png, nullptr, nullptr);
       throw std::bad_alloc();
+    }
   }
   PngReader(PngReader const&) = delete;
   PngReader& operator=(PngReader const&) = delete;

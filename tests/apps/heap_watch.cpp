@@ -13,18 +13,18 @@
 
 namespace {
 
-std::atomic<long long> living{0}, most{0};
+std::atomic<long long> alive{0}, most{0};
 std::atomic<long> untilFailure{0};  // 0: none fails
 std::atomic<bool> hasFailed{false};
 
 void grow(std::size_t size)
 {
-  long long const now = living += static_cast<long long>(size);
+  long long const now = alive += static_cast<long long>(size);
   if (now > most)
     most = now;
 }
 
-void shrink(std::size_t size) { living -= static_cast<long long>(size); }
+void shrink(std::size_t size) { alive -= static_cast<long long>(size); }
 
 }  // namespace
 
@@ -119,7 +119,7 @@ bool HeapWatch::canFail() { return true; }
 
 #endif
 
-HeapWatch::HeapWatch(long nth) : before_(living)
+HeapWatch::HeapWatch(long nth) : before_(alive)
 {
   most = before_;
   hasFailed = false;
@@ -134,5 +134,5 @@ std::size_t HeapWatch::peak() const
   return above > 0 ? static_cast<std::size_t>(above) : 0;
 }
 
-long long HeapWatch::left() const { return living - before_; }
+long long HeapWatch::living() { return alive; }
 bool HeapWatch::failed() const { return hasFailed; }

@@ -14,9 +14,9 @@ public:
   ~HeapWatch();
 
   std::size_t peak() const;  // bytes beyond those that lived at the beginning
-  long long left() const;    // bytes that live now and did not then
   bool failed() const;       // the nth allocation was asked for
   static bool canFail();     // false under a sanitizer
+  static long long living();  // bytes of the whole program
 
 private:
   long long before_;

@@ -11,6 +11,7 @@
 
 #include <fstream>
 #include <iterator>
+#include <random>
 #include <set>
 
 namespace {
@@ -203,6 +204,19 @@ void makeArchives(fs::path const& root)
   add("mouse", 15, [&](ccArchive& ar) { ar || mouse; });
 }
 
+// The storm makes an operation of every few bytes, whatever they are.
+void makeStorms(fs::path const& root)
+{
+  Corpus const corpus(root, "storm");
+  std::mt19937 random(7);
+  for (std::size_t size : {24u, 60u, 150u, 400u}) {
+    Bytes bytes(size);
+    for (unsigned char& b : bytes)
+      b = static_cast<unsigned char>(random());
+    corpus.add(std::to_string(size), bytes);
+  }
+}
+
 }  // namespace
 
 int main(int count, char** values)
@@ -218,5 +232,6 @@ int main(int count, char** values)
   makeDraw(root, values[2]);
   makeScripts(root);
   makeArchives(root);
+  makeStorms(root);
   return 0;
 }
