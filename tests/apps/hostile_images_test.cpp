@@ -233,6 +233,17 @@ TEST(HostileTiff, tilesMuchLargerThanThePictureAreRefused)
   expectRefusal("tiles", tiffFile(packed, tags), "test: the file is damaged: its tiles are much larger than its picture");
 }
 
+// A strip in several scans is kept whole while it is read.
+TEST(HostileTiff, stripsInJpegAreSmall)
+{
+  auto const strip = [](unsigned width, unsigned height) {
+    Bytes const jpeg = flatJpeg(width, height, 1, /*progressive=*/true);
+    return tiffFile(jpeg, greyTiff(width, height, 7, static_cast<std::uint32_t>(jpeg.size())));
+  };
+  expectPicture("4 Mi", strip(2048, 2048), 2048 * 2048);
+  expectRefusal("more", strip(2048, 2049), "test: unsupported: a TIFF of JPEG strips of 4196352 pels");
+}
+
 TEST(HostileTiff, palettesNeedNoSecondPicture)
 {
   constexpr std::uint32_t side = 6000;
