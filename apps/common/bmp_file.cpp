@@ -39,7 +39,7 @@ private:
 
 class BmpReader {
 public:
-  explicit BmpReader(cc_Bytes bytes) : bytes_(bytes) {}
+  explicit BmpReader(cc_ImageSource const& source) : source_(source), bytes_(source.bytes) {}
   ccImageFile read();
 
 private:
@@ -57,6 +57,7 @@ private:
   ccImageFile readColours();
   ccImageFile readRuns();
 
+  cc_ImageSource source_;
   cc_Bytes bytes_;
   std::size_t headerSize_ = 0;
   std::size_t data_ = 0;  // where the pels begin
@@ -65,7 +66,7 @@ private:
   bool topDown_ = false;
   std::uint32_t depth_ = 0;
   std::uint32_t compression_ = None;
-  cc_Palette palette_;
+  cc_PaletteImage::Palette palette_;
   std::size_t colours_ = 0;
   ChannelMask red_, green_, blue_;
 };
@@ -149,23 +150,23 @@ void BmpReader::checkRows()
 ccImageFile BmpReader::readIndices()
 {
   checkRows();
-  ccImageFile image = cf_newGrey8(width_, height_);
+  cc_PaletteImage image(source_, width_, height_, palette_, colours_);
   std::uint32_t const mask = (1u << depth_) - 1;
   for (long y = 0; y < height_; ++y) {
     unsigned char const* const from = row(y);
-    unsigned char* const to = image.grey8.pelAddress(0, rowInImage(y));
+    unsigned char* const to = image.indices(rowInImage(y));
     for (std::size_t x = 0; x < static_cast<std::size_t>(width_); ++x) {
       std::size_t const bit = x * depth_;
       to[x] = static_cast<unsigned char>(from[bit / 8] >> (8 - depth_ - bit % 8) & mask);
     }
   }
-  return cf_applyPalette(image.grey8, palette_, colours_);
+  return image.finish();
 }
 
 ccImageFile BmpReader::readColours()
 {
   checkRows();
-  ccImageFile image = cf_newRGB(width_, height_);
+  ccImageFile image = cf_newRGB(source_, width_, height_);
   for (long y = 0; y < height_; ++y) {
     unsigned char const* from = row(y);
     ccPackedRGB32Pel* const to = image.rgb.pelAddress(0, rowInImage(y));
@@ -191,12 +192,12 @@ ccImageFile BmpReader::readRuns()
   // A row without pels still takes two bytes.
   cf_checkGrowth(static_cast<unsigned long long>(height_) * 2, bytes_.size(), 1);
 
-  ccImageFile image = cf_newGrey8(width_, height_);
+  cc_PaletteImage image(source_, width_, height_, palette_, colours_);
   std::size_t at = data_;
   long x = 0, y = 0;
   auto const put = [&](std::uint32_t index) {
     if (x < width_)
-      *image.grey8.pelAddress(x, rowInImage(y)) = static_cast<unsigned char>(index);
+      image.indices(rowInImage(y))[x] = static_cast<unsigned char>(index);
     x = std::min(x + 1, width_);
   };
   while (y < height_) {
@@ -226,7 +227,7 @@ ccImageFile BmpReader::readRuns()
       at += ((four ? (code + 1) / 2 : code) + 1) / 2 * 2;
     }
   }
-  return cf_applyPalette(image.grey8, palette_, colours_);
+  return image.finish();
 }
 
 ccImageFile BmpReader::read()
@@ -267,7 +268,7 @@ bool cf_isBmp(cc_Bytes bytes)
   return bytes.size() >= 2 && bytes[0] == 'B' && bytes[1] == 'M';
 }
 
-ccImageFile cf_readBmp(cc_Bytes bytes)
+ccImageFile cf_readBmp(cc_ImageSource const& source)
 {
-  return BmpReader(bytes).read();
+  return BmpReader(source).read();
 }

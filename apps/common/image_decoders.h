@@ -15,17 +15,28 @@ struct cc_ImageFault {
 
 using cc_Bytes = std::span<unsigned char const>;
 
+// A file that nobody vouches for. A reader takes no more memory than the picture that it promises and cf_workMemory. Only the
+// coefficients of a JPEG in several scans come on top, and they count as part of the picture.
+struct cc_ImageSource {
+  cc_Bytes bytes;
+  unsigned long long mostPicture = ~0ull;  // bytes of pels that it may promise
+
+  void checkPicture(unsigned long long pictureBytes) const;  // a fault if the file may not promise so much
+};
+
+constexpr unsigned long long cf_workMemory = 16u << 20;
+
 // Each expects bytes that its own test accepts.
 bool cf_isPng(cc_Bytes);
-ccImageFile cf_readPng(cc_Bytes);
+ccImageFile cf_readPng(cc_ImageSource const&);
 bool cf_isPnm(cc_Bytes);
-ccImageFile cf_readPnm(cc_Bytes);
+ccImageFile cf_readPnm(cc_ImageSource const&);
 bool cf_isTiff(cc_Bytes);
-ccImageFile cf_readTiff(cc_Bytes);
+ccImageFile cf_readTiff(cc_ImageSource const&);
 bool cf_isJpeg(cc_Bytes);
-ccImageFile cf_readJpeg(cc_Bytes);
+ccImageFile cf_readJpeg(cc_ImageSource const&);
 bool cf_isBmp(cc_Bytes);
-ccImageFile cf_readBmp(cc_Bytes);
+ccImageFile cf_readBmp(cc_ImageSource const&);
 
 [[noreturn]] void cf_faultCutOff();
 [[noreturn]] void cf_faultDamaged(std::string const& what);      // "the file is damaged: ..."
@@ -36,11 +47,21 @@ void cf_checkSides(long long width, long long height);           // 1 to cfImage
 // grow more than `mostGrowth` times.
 void cf_checkGrowth(unsigned long long bytesOut, unsigned long long bytesIn, unsigned long long mostGrowth);
 
-ccImageFile cf_newGrey8(long width, long height);
-ccImageFile cf_newGrey16(long width, long height, int bits);
-ccImageFile cf_newRGB(long width, long height);
+ccImageFile cf_newGrey8(cc_ImageSource const&, long width, long height);
+ccImageFile cf_newGrey16(cc_ImageSource const&, long width, long height, int bits);
+ccImageFile cf_newRGB(cc_ImageSource const&, long width, long height);
 
-// Turns indices into the palette's colours, or into grey if all its `count` entries are grey. Entries from `count` on are
-// black.
-using cc_Palette = std::array<ccPackedRGB32Pel, 256>;
-ccImageFile cf_applyPalette(ccPelBuffer<unsigned char> const& indices, cc_Palette const&, std::size_t count);
+// An image whose pels come as indices into a palette: grey if all its `count` entries are grey, else in colour. Entries from
+// `count` on are black. The indices of a row are put where its pels will stand, so that no second image is needed.
+class cc_PaletteImage {
+public:
+  using Palette = std::array<ccPackedRGB32Pel, 256>;
+  cc_PaletteImage(cc_ImageSource const&, long width, long height, Palette const&, std::size_t count);
+
+  unsigned char* indices(long y);  // of one row, one byte a pel; they are 0 at first
+  ccImageFile finish();            // all rows become pels; call it once
+
+private:
+  Palette palette_;
+  ccImageFile image_;
+};

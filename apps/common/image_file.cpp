@@ -18,7 +18,7 @@ constexpr std::size_t magicBytes = 16;  // enough for every format test
 
 struct Format {
   bool (*matches)(cc_Bytes);
-  ccImageFile (*read)(cc_Bytes);
+  ccImageFile (*read)(cc_ImageSource const&);
 };
 
 constexpr Format formats[] = {
@@ -62,13 +62,22 @@ std::string unreadable(fs::path const& path)
   return {};
 }
 
+// So that the bytes are not moved while they grow. A file that grows meanwhile is read all the same.
+std::size_t likelySize(fs::path const& path)
+{
+  std::error_code error;
+  std::uintmax_t const size = fs::file_size(path, error);
+  return error ? 0 : static_cast<std::size_t>(std::min<std::uintmax_t>(size, fileSizeLimit)) + 1;
+}
+
 // Memory grows with the bytes that are really there.
 bool readUpTo(std::ifstream& file, std::size_t limit, std::vector<unsigned char>& bytes)
 {
   constexpr std::size_t mostAtOnce = std::size_t{4} << 20;
   while (bytes.size() < limit) {
     std::size_t const had = bytes.size();
-    std::size_t const step = std::min(limit - had, mostAtOnce);
+    std::size_t const room = bytes.capacity() - had;
+    std::size_t const step = std::min({limit - had, mostAtOnce, room ? room : mostAtOnce});
     bytes.resize(had + step);
     file.read(reinterpret_cast<char*>(bytes.data() + had), static_cast<std::streamsize>(step));
     std::size_t const got = static_cast<std::size_t>(file.gcount());
@@ -101,7 +110,7 @@ long ccImageFile::height() const
   return grey8.height() + grey16.height() + rgb.height();
 }
 
-ccImageFile cfReadImageFile(fs::path const& path)
+ccImageFile cfReadImageFile(fs::path const& path, ccImageTrust trust)
 {
   std::string const name = cf_pathText(path);
   if (std::string const why = unreadable(path); !why.empty())
@@ -112,17 +121,19 @@ ccImageFile cfReadImageFile(fs::path const& path)
     if (!file || !readUpTo(file, magicBytes, bytes))
       return failure(name, "cannot be opened for reading");
     // A wrong guess at the file dialogue should not cost the time to read a film.
+    if (formatOf(bytes))
+      bytes.reserve(likelySize(path));
     if (formatOf(bytes) && !readUpTo(file, fileSizeLimit, bytes))
       return failure(name, "cannot be read to its end");
     if (bytes.size() == fileSizeLimit)
       return failure(name, "the file is too large");
-    return cfReadImageBytes(bytes.data(), bytes.size(), name);
+    return cfReadImageBytes(bytes.data(), bytes.size(), name, trust);
   } catch (std::bad_alloc const&) {
     return failure(name, "not enough memory");
   }
 }
 
-ccImageFile cfReadImageBytes(unsigned char const* data, std::size_t count, std::string const& name)
+ccImageFile cfReadImageBytes(unsigned char const* data, std::size_t count, std::string const& name, ccImageTrust trust)
 {
   cc_Bytes const bytes(data, count);
   if (bytes.empty())
@@ -131,7 +142,8 @@ ccImageFile cfReadImageBytes(unsigned char const* data, std::size_t count, std::
   if (!format)
     return failure(name, notAnImage);
   try {
-    return format->read(bytes);
+    unsigned long long const most = std::max(bytes.size() * cfImageBytesGrowth, cfImageBytesFree);
+    return format->read(trust == ccImageTrust::large ? cc_ImageSource{bytes} : cc_ImageSource{bytes, most});
   } catch (cc_ImageFault const& fault) {
     return failure(name, fault.text);
   } catch (std::bad_alloc const&) {
@@ -188,16 +200,25 @@ void cf_checkGrowth(unsigned long long bytesOut, unsigned long long bytesIn, uns
     cf_faultCutOff();
 }
 
-ccImageFile cf_newGrey8(long width, long height)
+void cc_ImageSource::checkPicture(unsigned long long pictureBytes) const
 {
+  if (pictureBytes > mostPicture)
+    cf_faultUnsupported("a picture of " + std::to_string(pictureBytes >> 20) + " MiB from a file of " +
+                        std::to_string(bytes.size()) + " bytes (--large allows it)");
+}
+
+ccImageFile cf_newGrey8(cc_ImageSource const& source, long width, long height)
+{
+  source.checkPicture(static_cast<unsigned long long>(width) * static_cast<unsigned long long>(height));
   ccImageFile image;
   image.grey8 = ccPelBuffer<unsigned char>(width, height);
   image.format = ceImageFormatGrey8;
   return image;
 }
 
-ccImageFile cf_newGrey16(long width, long height, int bits)
+ccImageFile cf_newGrey16(cc_ImageSource const& source, long width, long height, int bits)
 {
+  source.checkPicture(2ull * static_cast<unsigned long long>(width) * static_cast<unsigned long long>(height));
   ccImageFile image;
   image.grey16 = ccPelBuffer<unsigned short>(width, height);
   image.format = ceImageFormatGrey16;
@@ -205,29 +226,47 @@ ccImageFile cf_newGrey16(long width, long height, int bits)
   return image;
 }
 
-ccImageFile cf_newRGB(long width, long height)
+ccImageFile cf_newRGB(cc_ImageSource const& source, long width, long height)
 {
+  source.checkPicture(4ull * static_cast<unsigned long long>(width) * static_cast<unsigned long long>(height));
   ccImageFile image;
   image.rgb = ccPelBuffer<ccPackedRGB32Pel>(width, height);
   image.format = ceImageFormatRGB32;
   return image;
 }
 
-ccImageFile cf_applyPalette(ccPelBuffer<unsigned char> const& indices, cc_Palette const& given, std::size_t count)
+cc_PaletteImage::cc_PaletteImage(cc_ImageSource const& source, long width, long height, Palette const& given, std::size_t count)
+    : palette_(given)
 {
-  cc_Palette palette = given;
-  std::fill(palette.begin() + static_cast<std::ptrdiff_t>(count), palette.end(), ccPackedRGB32Pel());
-  bool const grey = std::all_of(palette.begin(), palette.end(), [](ccPackedRGB32Pel pel) {
+  std::fill(palette_.begin() + static_cast<std::ptrdiff_t>(count), palette_.end(), ccPackedRGB32Pel());
+  bool const grey = std::all_of(palette_.begin(), palette_.end(), [](ccPackedRGB32Pel pel) {
     return pel.red() == pel.green() && pel.green() == pel.blue();
   });
-  long const width = indices.width();
-  ccImageFile image = grey ? cf_newGrey8(width, indices.height()) : cf_newRGB(width, indices.height());
-  for (long y = 0; y < indices.height(); ++y) {
-    unsigned char const* const from = indices.pelAddress(0, y);
-    if (grey)
-      std::transform(from, from + width, image.grey8.pelAddress(0, y), [&](unsigned char i) { return palette[i].red(); });
-    else
-      std::transform(from, from + width, image.rgb.pelAddress(0, y), [&](unsigned char i) { return palette[i]; });
+  image_ = grey ? cf_newGrey8(source, width, height) : cf_newRGB(source, width, height);
+}
+
+// The last quarter of a row of words: read from the left, an index is used before a pel reaches its byte.
+unsigned char* cc_PaletteImage::indices(long y)
+{
+  if (image_.format == ceImageFormatGrey8)
+    return image_.grey8.pelAddress(0, y);
+  return reinterpret_cast<unsigned char*>(image_.rgb.pelAddress(0, y)) + 3 * image_.rgb.width();
+}
+
+ccImageFile cc_PaletteImage::finish()
+{
+  long const width = image_.width();
+  for (long y = 0; y < image_.height(); ++y) {
+    unsigned char const* const from = indices(y);
+    if (image_.format == ceImageFormatGrey8) {
+      std::transform(from, from + width, image_.grey8.pelAddress(0, y), [&](unsigned char i) { return palette_[i].red(); });
+      continue;
+    }
+    ccPackedRGB32Pel* const to = image_.rgb.pelAddress(0, y);
+    for (long x = 0; x < width; ++x) {
+      unsigned char const index = from[x];
+      to[x] = palette_[index];
+    }
   }
-  return image;
+  return std::move(image_);
 }

@@ -36,10 +36,17 @@ struct ccImageFile {
 // The longest side of an image that is read, in pels.
 constexpr long cfImageSideLimit = 16384;
 
-ccImageFile cfReadImageFile(std::filesystem::path const&);
+// A few bytes can promise a picture of a gigabyte. Without trust a file may promise cfImageBytesFree bytes of pels, or
+// cfImageBytesGrowth for each of its own, whichever is more.
+enum class ccImageTrust { bounded, large };
+constexpr unsigned long long cfImageBytesFree = 256u << 20;
+constexpr unsigned long long cfImageBytesGrowth = 64;
+
+ccImageFile cfReadImageFile(std::filesystem::path const&, ccImageTrust = ccImageTrust::bounded);
 
 // The same from the bytes of a file; `name` is what the error text calls it.
-ccImageFile cfReadImageBytes(unsigned char const* bytes, std::size_t count, std::string const& name);
+ccImageFile cfReadImageBytes(unsigned char const* bytes, std::size_t count, std::string const& name,
+                             ccImageTrust = ccImageTrust::bounded);
 
 // The image files of one folder by their extensions (.png .pgm .ppm .pnm .tif .tiff .jpg .jpeg .bmp, in any case), sorted by
 // the bytes of their names. Subfolders are not entered. The files are not opened.

@@ -10,13 +10,15 @@
 
 namespace {
 
-constexpr int mostScans = 200;                     // far more than encoders make; each costs a pass over the image
-constexpr long mostWorkMemory = 1l << 30;          // progressive files keep all coefficients
+// Each scan costs a pass over all blocks of the image, whatever few bytes it has. Encoders make about ten.
+constexpr int mostScans = 200;
+constexpr unsigned long long mostBlockPasses = 50'000'000;  // some two seconds; 200 scans of a grey image up to 16 million pels
+constexpr long mostScansAnyway = 16;
 constexpr unsigned long long huffmanGrowth = 520;  // a block of 64 pels takes at least one bit in its first scan
 
 class JpegReader {
 public:
-  explicit JpegReader(cc_Bytes bytes) : bytes_(bytes) {}
+  explicit JpegReader(cc_ImageSource const& source) : source_(source), bytes_(source.bytes) {}
   JpegReader(JpegReader const&) = delete;
   JpegReader& operator=(JpegReader const&) = delete;
   ~JpegReader()
@@ -33,12 +35,14 @@ private:
   };
   struct Progress : jpeg_progress_mgr {
     Errors* errors;
+    long mostScans;
   };
 
   void attempt(void (JpegReader::*step)());
   void readHeader();
   void readRows();
   void takeMemory();
+  void limitScans();
   [[noreturn]] void fault();
 
   static void leave(j_common_ptr);
@@ -46,6 +50,7 @@ private:
   static void beSilent(j_common_ptr) {}
   static void countScans(j_common_ptr);
 
+  cc_ImageSource source_;
   cc_Bytes bytes_;
   Errors errors_ = {};
   Progress progress_ = {};
@@ -74,7 +79,8 @@ void JpegReader::warn(j_common_ptr jpeg, int level)
 
 void JpegReader::countScans(j_common_ptr jpeg)
 {
-  if (jpeg->is_decompressor && reinterpret_cast<j_decompress_ptr>(jpeg)->input_scan_number > mostScans) {
+  if (jpeg->is_decompressor && reinterpret_cast<j_decompress_ptr>(jpeg)->input_scan_number >
+                                static_cast<Progress*>(jpeg->progress)->mostScans) {
     static_cast<Errors*>(jpeg->err)->fault = JERR_BAD_PROGRESSION;
     leave(jpeg);
   }
@@ -92,8 +98,10 @@ void JpegReader::fault()
   if (errors_.fault == JWRN_JPEG_EOF)
     cf_faultCutOff();
   if (errors_.fault == JERR_BAD_PROGRESSION)
-    cf_faultUnsupported("a JPEG of more than " + std::to_string(mostScans) + " scans");
-  if (errors_.msg_code == JERR_NO_BACKING_STORE || errors_.msg_code == JERR_OUT_OF_MEMORY)
+    cf_faultUnsupported("a JPEG of more than " + std::to_string(progress_.mostScans) + " scans");
+  if (errors_.msg_code == JERR_OUT_OF_MEMORY)
+    throw std::bad_alloc();
+  if (errors_.msg_code == JERR_NO_BACKING_STORE)
     cf_faultUnsupported("a progressive JPEG of this size");
   char text[JMSG_LENGTH_MAX] = {};
   errors_.format_message(reinterpret_cast<j_common_ptr>(&jpeg_), text);
@@ -106,7 +114,6 @@ void JpegReader::readHeader()
 {
   jpeg_create_decompress(&jpeg_);
   created_ = true;
-  jpeg_.mem->max_memory_to_use = mostWorkMemory;
   jpeg_.progress = &progress_;
   jpeg_mem_src(&jpeg_, bytes_.data(), static_cast<unsigned long>(bytes_.size()));
   jpeg_read_header(&jpeg_, TRUE);
@@ -120,11 +127,37 @@ void JpegReader::takeMemory()
   if (jpeg_.num_components != 1 && jpeg_.num_components != 3)
     cf_faultUnsupported("a JPEG of " + std::to_string(jpeg_.num_components) + " channels");
   cf_checkGrowth(1ull * jpeg_.image_width * jpeg_.image_height, bytes_.size(), huffmanGrowth);
+  limitScans();
   long const width = static_cast<long>(jpeg_.image_width), height = static_cast<long>(jpeg_.image_height);
   bool const grey = jpeg_.num_components == 1;
   jpeg_.out_color_space = grey ? JCS_GRAYSCALE : JCS_RGB;
-  image_ = grey ? cf_newGrey8(width, height) : cf_newRGB(width, height);
+  image_ = grey ? cf_newGrey8(source_, width, height) : cf_newRGB(source_, width, height);
   row_.resize(jpeg_.image_width * (grey ? 1u : 3u));
+}
+
+// A JPEG in several scans keeps the coefficients of all its blocks, 16 bits each. They count as part of its picture.
+void JpegReader::limitScans()
+{
+  jpeg_.mem->max_memory_to_use = static_cast<long>(cf_workMemory / 2);
+  progress_.mostScans = mostScans;
+  if (!jpeg_has_multiple_scans(&jpeg_))
+    return;
+  unsigned long long blocks = 0;
+  for (int i = 0; i < jpeg_.num_components; ++i) {
+    jpeg_component_info const& c = jpeg_.comp_info[i];
+    auto const across = [](JDIMENSION side, int part, int whole) {
+      auto const mcu = static_cast<unsigned long long>(whole) * DCTSIZE;
+      return (side + mcu - 1) / mcu * static_cast<unsigned long long>(part);
+    };
+    blocks += across(jpeg_.image_width, c.h_samp_factor, jpeg_.max_h_samp_factor) *
+              across(jpeg_.image_height, c.v_samp_factor, jpeg_.max_v_samp_factor);
+  }
+  unsigned long long const coefficients = blocks * DCTSIZE2 * sizeof(JCOEF);
+  unsigned long long const pels = 1ull * jpeg_.image_width * jpeg_.image_height;
+  source_.checkPicture(coefficients + pels * (jpeg_.num_components == 1 ? 1 : sizeof(ccPackedRGB32Pel)));
+  jpeg_.mem->max_memory_to_use += static_cast<long>(coefficients);
+  auto const affordable = static_cast<long>(std::min(mostBlockPasses / blocks, 1ull * mostScans));
+  progress_.mostScans = std::max(affordable, mostScansAnyway);
 }
 
 void JpegReader::readRows()
@@ -152,6 +185,7 @@ ccImageFile JpegReader::read()
   errors_.emit_message = warn;
   errors_.output_message = beSilent;
   progress_.progress_monitor = countScans;
+  progress_.mostScans = mostScans;
   attempt(&JpegReader::readHeader);
   takeMemory();
   attempt(&JpegReader::readRows);
@@ -165,7 +199,7 @@ bool cf_isJpeg(cc_Bytes bytes)
   return bytes.size() >= 3 && bytes[0] == 0xFF && bytes[1] == 0xD8 && bytes[2] == 0xFF;
 }
 
-ccImageFile cf_readJpeg(cc_Bytes bytes)
+ccImageFile cf_readJpeg(cc_ImageSource const& source)
 {
-  return JpegReader(bytes).read();
+  return JpegReader(source).read();
 }

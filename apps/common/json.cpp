@@ -1,5 +1,7 @@
 #include "apps/common/json.h"
 
+#include "apps/common/error_line.h"
+
 #include <algorithm>
 #include <charconv>
 #include <cmath>
@@ -21,25 +23,6 @@ bool isDigit(char c)
 unsigned byteOf(char c)
 {
   return static_cast<unsigned char>(c);
-}
-
-// The length of the UTF-8 character at the start of the text, 0 if there is none: no overlong forms, no surrogates, nothing
-// beyond U+10FFFF.
-std::size_t characterLength(std::string_view text)
-{
-  unsigned const lead = byteOf(text[0]);
-  if (lead < 0x80)
-    return 1;
-  std::size_t const length = lead >= 0xC2 && lead <= 0xDF ? 2 : (lead & 0xF0) == 0xE0 ? 3 : lead >= 0xF0 && lead <= 0xF4 ? 4 : 0;
-  if (!length || text.size() < length)
-    return 0;
-  for (std::size_t i = 1; i < length; ++i)
-    if ((byteOf(text[i]) & 0xC0) != 0x80)
-      return 0;
-  unsigned const second = byteOf(text[1]);
-  bool const wrong = (lead == 0xE0 && second < 0xA0) || (lead == 0xED && second > 0x9F) || (lead == 0xF0 && second < 0x90) ||
-                     (lead == 0xF4 && second > 0x8F);
-  return wrong ? 0 : length;
 }
 
 void appendUtf8(std::string& out, std::uint32_t code)
@@ -85,6 +68,7 @@ private:
 
   std::string_view text_;
   std::size_t at_ = 0;
+  std::size_t values_ = 0;
 };
 
 void JsonReader::skipSpace()
@@ -113,6 +97,8 @@ ccJson JsonReader::read()
 ccJson JsonReader::value(int depth)
 {
   skipSpace();
+  if (++values_ > cfJsonValueLimit)
+    fault("too many values");
   switch (next()) {
   case '{': return object(depth);
   case '[': return array(depth);
@@ -241,13 +227,15 @@ std::string JsonReader::string()
   while (!take('"')) {
     if (ended())
       throw JsonFault{start, "this text has no closing quote"};
+    if (result.size() > cfJsonStringLimit)
+      throw JsonFault{start, "this text is too long"};
     if (byteOf(next()) < 0x20)
       fault("a control character must be escaped");
     if (take('\\')) {
       escape(result);
       continue;
     }
-    std::size_t const length = characterLength(text_.substr(at_));
+    std::size_t const length = cf_utf8Length(text_.substr(at_));
     if (!length)
       fault("this is not UTF-8");
     result.append(text_, at_, length);
@@ -310,7 +298,7 @@ void writeText(std::string& out, std::string_view text)
   constexpr std::string_view escaped = "\"\\\b\f\n\r\t", letters = "\"\\bfnrt";
   out += '"';
   while (!text.empty()) {
-    std::size_t const length = characterLength(text);
+    std::size_t const length = cf_utf8Length(text);
     char const c = text[0];
     if (std::size_t const i = escaped.find(c); i != std::string_view::npos) {
       out += '\\';

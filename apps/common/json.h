@@ -69,6 +69,8 @@ private:
 
 constexpr int cfJsonDepthLimit = 64;                   // arrays and objects within each other
 constexpr std::size_t cfJsonSizeLimit = 8u << 20;      // bytes of a text
+constexpr std::size_t cfJsonValueLimit = 1'000'000;    // values in a text, within each other or not
+constexpr std::size_t cfJsonStringLimit = 65536;       // bytes of a string or name; one character more may pass
 
 // A value, or one line like "line 3, column 7: a comma or ] is expected". Columns count characters from 1.
 struct ccJsonText {

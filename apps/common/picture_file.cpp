@@ -88,8 +88,10 @@ struct PngWriter {
   {
     png = png_create_write_struct(PNG_LIBPNG_VER_STRING, this, fail, ignore);
     info = png ? png_create_info_struct(png) : nullptr;
-    if (!info)
+    if (!info) {
+      png_destroy_write_struct(&png, nullptr);
       throw std::bad_alloc();
+    }
   }
   PngWriter(PngWriter const&) = delete;
   PngWriter& operator=(PngWriter const&) = delete;

@@ -18,7 +18,7 @@ bool isDigit(unsigned char c)
 
 class PnmReader {
 public:
-  explicit PnmReader(cc_Bytes bytes) : bytes_(bytes) {}
+  explicit PnmReader(cc_ImageSource const& source) : source_(source), bytes_(source.bytes) {}
   ccImageFile read();
 
 private:
@@ -30,6 +30,7 @@ private:
 
   static constexpr std::uint32_t mostNumber = 100'000'000;  // beyond every limit, and tenfold still a word
 
+  cc_ImageSource source_;
   cc_Bytes bytes_;
   std::size_t at_ = 2;  // behind the magic
   bool plain_ = false;
@@ -98,7 +99,7 @@ ccImageFile PnmReader::read()
 
   long const w = static_cast<long>(width), h = static_cast<long>(height);
   if (!colour && maxval_ > 255) {
-    ccImageFile image = cf_newGrey16(w, h, static_cast<int>(std::bit_width(maxval_)));
+    ccImageFile image = cf_newGrey16(source_, w, h, static_cast<int>(std::bit_width(maxval_)));
     for (long y = 0; y < h; ++y)
       for (unsigned short *to = image.grey16.pelAddress(0, y), *end = to + w; to != end; ++to)
         *to = static_cast<unsigned short>(sample());
@@ -108,7 +109,7 @@ ccImageFile PnmReader::read()
   narrow_.resize(maxval_ + 1);
   for (std::uint32_t v = 0; v <= maxval_; ++v)
     narrow_[v] = static_cast<unsigned char>((v * 255 + maxval_ / 2) / maxval_);
-  ccImageFile image = colour ? cf_newRGB(w, h) : cf_newGrey8(w, h);
+  ccImageFile image = colour ? cf_newRGB(source_, w, h) : cf_newGrey8(source_, w, h);
   for (long y = 0; y < h && !colour; ++y)
     for (unsigned char *to = image.grey8.pelAddress(0, y), *end = to + w; to != end; ++to)
       *to = sample8();
@@ -128,12 +129,12 @@ bool cf_isPnm(cc_Bytes bytes)
          (isSpace(bytes[2]) || bytes[2] == '#');
 }
 
-ccImageFile cf_readPnm(cc_Bytes bytes)
+ccImageFile cf_readPnm(cc_ImageSource const& source)
 {
-  switch (bytes[1]) {
+  switch (source.bytes[1]) {
   case '1':
   case '4': cf_faultUnsupported("a PBM bitmap");
   case '7': cf_faultUnsupported("a PAM image");
-  default: return PnmReader(bytes).read();
+  default: return PnmReader(source).read();
   }
 }

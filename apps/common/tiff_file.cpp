@@ -1,6 +1,8 @@
 // TIFF by libtiff: the first image of a file. Only compressions that every libtiff knows and whose growth is bounded are read,
-// so that a short file cannot ask for much memory.
+// so that a short file cannot ask for much memory. The library works on the bytes where they lie, and sees the tags that make
+// the picture only: it would keep the values of all others, each as large as the file if that says so.
 #include "apps/common/image_decoders.h"
+#include "apps/common/tiff_tags.h"
 
 #include <tiffio.h>
 
@@ -8,16 +10,20 @@
 #include <cstring>
 #include <memory>
 #include <mutex>
+#include <optional>
 
 namespace {
 
 constexpr unsigned long long mostGrowth = 1500;     // LZW and deflate stay below
-constexpr unsigned long long mostTile = 256 << 20;  // bytes of one tile
+constexpr unsigned long long mostTile = 8 << 20;    // bytes of one tile
+constexpr unsigned long long mostTileWork = 4;      // all tiles may unpack to so many times the picture, and mostTile
+constexpr unsigned long long mostJpegStrip = 4 << 20;  // pels and channels; the library may keep 16 bits of each
 constexpr std::uint32_t longestTileSide = 1 << 20;  // in pels
 
 struct Source {
   cc_Bytes bytes;
   toff_t at = 0;
+  cc_TiffTags tags;
 };
 
 tmsize_t readProc(thandle_t handle, void* to, tmsize_t count)
@@ -27,6 +33,7 @@ tmsize_t readProc(thandle_t handle, void* to, tmsize_t count)
     return 0;
   std::size_t const got = std::min(static_cast<std::size_t>(count), source.bytes.size() - source.at);
   std::memcpy(to, source.bytes.data() + source.at, got);
+  source.tags.overlay(source.at, static_cast<unsigned char*>(to), got);
   source.at += got;
   return static_cast<tmsize_t>(got);
 }
@@ -47,6 +54,17 @@ int closeProc(thandle_t)
 {
   return 0;
 }
+
+// The library promises not to write into what is mapped for reading.
+int mapProc(thandle_t handle, void** base, toff_t* size)
+{
+  Source& source = *static_cast<Source*>(handle);
+  *base = const_cast<unsigned char*>(source.bytes.data());
+  *size = source.bytes.size();
+  return 1;
+}
+
+void unmapProc(thandle_t, void*, toff_t) {}
 
 toff_t sizeProc(thandle_t handle)
 {
@@ -69,7 +87,7 @@ struct CloseTiff {
 
 class TiffReader {
 public:
-  explicit TiffReader(cc_Bytes bytes) : source_{bytes} {}
+  explicit TiffReader(cc_ImageSource const& file) : file_(file), source_{file.bytes, 0, cc_TiffTags(file.bytes)} {}
   ccImageFile read();
 
 private:
@@ -79,6 +97,7 @@ private:
   void makeImage();
   void readScanlines();
   void readTiles();
+  void checkJpeg(unsigned long long pels) const;
   std::uint32_t sampleAt(unsigned char const* row, std::size_t index) const;  // as the file holds it
   void putRow(unsigned char const* row, long x, long y, long count, unsigned plane);
   std::uint16_t half(std::uint32_t tag, std::uint16_t missing) const;
@@ -86,14 +105,18 @@ private:
   bool planar() const { return channels_ > 1 && half(TIFFTAG_PLANARCONFIG, PLANARCONFIG_CONTIG) == PLANARCONFIG_SEPARATE; }
   bool colour() const { return photometric_ == PHOTOMETRIC_RGB || photometric_ == PHOTOMETRIC_YCBCR; }
 
+  void open();
+
+  cc_ImageSource file_;
   Source source_;
   std::unique_ptr<TIFF, CloseTiff> tiff_;
   long width_ = 0, height_ = 0;
   std::uint16_t depth_ = 1;        // bits a sample
   std::uint16_t channels_ = 1;
   std::uint16_t photometric_ = 0;
-  cc_Palette palette_;
+  cc_PaletteImage::Palette palette_;
   ccImageFile image_;
+  std::optional<cc_PaletteImage> indexed_;  // instead of image_
 };
 
 std::uint16_t TiffReader::half(std::uint32_t tag, std::uint16_t missing) const
@@ -175,12 +198,14 @@ void TiffReader::readPalette()
 
 void TiffReader::makeImage()
 {
-  if (colour())
-    image_ = cf_newRGB(width_, height_);
+  if (photometric_ == PHOTOMETRIC_PALETTE)
+    indexed_.emplace(file_, width_, height_, palette_, std::size_t{1} << depth_);
+  else if (colour())
+    image_ = cf_newRGB(file_, width_, height_);
   else if (depth_ <= 8)
-    image_ = cf_newGrey8(width_, height_);
+    image_ = cf_newGrey8(file_, width_, height_);
   else
-    image_ = cf_newGrey16(width_, height_, depth_);
+    image_ = cf_newGrey16(file_, width_, height_, depth_);
 }
 
 std::uint32_t TiffReader::sampleAt(unsigned char const* row, std::size_t index) const
@@ -221,7 +246,7 @@ void TiffReader::putRow(unsigned char const* row, long x, long y, long count, un
     if (depth_ > 8)
       *image_.grey16.pelAddress(at, y) = static_cast<unsigned short>(value);
     else if (photometric_ == PHOTOMETRIC_PALETTE)
-      *image_.grey8.pelAddress(at, y) = static_cast<unsigned char>(value);
+      indexed_->indices(y)[at] = static_cast<unsigned char>(value);
     else
       *image_.grey8.pelAddress(at, y) = static_cast<unsigned char>((value * 255 + white / 2) / white);
   }
@@ -235,6 +260,11 @@ void TiffReader::readScanlines()
   tmsize_t const size = TIFFScanlineSize(tiff_.get());
   if (size <= 0 || static_cast<unsigned long long>(size) < needed)
     cf_faultDamaged("its rows are too short");
+  if (half(TIFFTAG_COMPRESSION, COMPRESSION_NONE) == COMPRESSION_JPEG) {
+    std::uint32_t rows = static_cast<std::uint32_t>(height_);
+    TIFFGetField(tiff_.get(), TIFFTAG_ROWSPERSTRIP, &rows);
+    checkJpeg(1ull * static_cast<unsigned long>(width_) * std::min(rows, static_cast<std::uint32_t>(height_)));
+  }
   std::vector<unsigned char> row(static_cast<std::size_t>(size));
   for (unsigned plane = 0; plane < planes; ++plane)
     for (long y = 0; y < height_; ++y) {
@@ -242,6 +272,13 @@ void TiffReader::readScanlines()
         cf_faultDamaged("row " + std::to_string(y) + " cannot be read");
       putRow(row.data(), 0, y, width_, plane);
     }
+}
+
+// A strip or tile in several scans is kept whole while it is read.
+void TiffReader::checkJpeg(unsigned long long pels) const
+{
+  if (pels * channels_ > mostJpegStrip)
+    cf_faultUnsupported("a TIFF of JPEG strips of " + std::to_string(pels) + " pels");
 }
 
 void TiffReader::readTiles()
@@ -258,10 +295,17 @@ void TiffReader::readTiles()
   // The file holds a place of at least two bytes for each tile.
   auto const tiles = [](long side, std::uint32_t tile) { return (static_cast<unsigned long long>(side) + tile - 1) / tile; };
   cf_checkGrowth(tiles(width_, tileWidth) * tiles(height_, tileHeight) * 2, source_.bytes.size(), 1);
+  if (half(TIFFTAG_COMPRESSION, COMPRESSION_NONE) == COMPRESSION_JPEG)
+    checkJpeg(1ull * tileWidth * tileHeight);
   if (size > mostTile || tileWidth > longestTileSide || tileHeight > longestTileSide)
     cf_faultUnsupported("tiles of " + std::to_string(tileWidth) + " x " + std::to_string(tileHeight) + " pels");
+  unsigned const planes = planar() && colour() ? 3 : 1;
+  unsigned long long const picture =
+      1ull * static_cast<unsigned long>(width_) * static_cast<unsigned long>(height_) * channels_ * depth_ / 8;
+  if (tiles(width_, tileWidth) * tiles(height_, tileHeight) * planes * size > mostTileWork * picture + mostTile)
+    cf_faultDamaged("its tiles are much larger than its picture");
   std::vector<unsigned char> tile(static_cast<std::size_t>(size));
-  for (unsigned plane = 0; plane < (planar() && colour() ? 3u : 1u); ++plane)
+  for (unsigned plane = 0; plane < planes; ++plane)
     for (long top = 0; top < height_; top += static_cast<long>(tileHeight))
       for (long left = 0; left < width_; left += static_cast<long>(tileWidth)) {
         if (TIFFReadTile(tiff_.get(), tile.data(), static_cast<std::uint32_t>(left), static_cast<std::uint32_t>(top), 0,
@@ -274,21 +318,34 @@ void TiffReader::readTiles()
       }
 }
 
-ccImageFile TiffReader::read()
+void TiffReader::open()
 {
   silence();
+  std::unique_ptr<TIFFOpenOptions, void (*)(TIFFOpenOptions*)> const options(TIFFOpenOptionsAlloc(), TIFFOpenOptionsFree);
+  if (!options)
+    throw std::bad_alloc();
+  // Where tags are hidden the bytes cannot be used where they lie, and a strip is copied before it is unpacked.
+  bool const hidden = source_.tags.hidesAny();
+  unsigned long long const most = cf_workMemory + (hidden ? source_.bytes.size() : 0);
+  TIFFOpenOptionsSetMaxSingleMemAlloc(options.get(), static_cast<tmsize_t>(most));
   // D: the places of the strips are fetched with the first row, when the size is known to be sane. m: no mapping.
-  tiff_.reset(TIFFClientOpen("", "rDm", &source_, readProc, writeProc, seekProc, closeProc, sizeProc, nullptr, nullptr));
+  tiff_.reset(TIFFClientOpenExt("", hidden ? "rDm" : "rD", &source_, readProc, writeProc, seekProc, closeProc, sizeProc,
+                                mapProc, unmapProc, options.get()));
   if (!tiff_)
     cf_faultDamaged("its first image cannot be found");
+}
+
+ccImageFile TiffReader::read()
+{
+  open();
   readTags();
   makeImage();
   if (TIFFIsTiled(tiff_.get()))
     readTiles();
   else
     readScanlines();
-  if (photometric_ == PHOTOMETRIC_PALETTE)
-    return cf_applyPalette(image_.grey8, palette_, std::size_t{1} << depth_);
+  if (indexed_)
+    return indexed_->finish();
   return std::move(image_);
 }
 
@@ -304,7 +361,7 @@ bool cf_isTiff(cc_Bytes bytes)
   return little || big;
 }
 
-ccImageFile cf_readTiff(cc_Bytes bytes)
+ccImageFile cf_readTiff(cc_ImageSource const& source)
 {
-  return TiffReader(bytes).read();
+  return TiffReader(source).read();
 }

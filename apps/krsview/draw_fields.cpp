@@ -1,5 +1,7 @@
 #include "apps/krsview/draw_fields.h"
 
+#include "apps/common/error_line.h"
+
 #include <algorithm>
 #include <cmath>
 #include <iterator>
@@ -23,15 +25,8 @@ constexpr cs_NamedColor kColors[] = {
 // What stands in the file, short enough for a message.
 std::string cf_found(ccJson const& value)
 {
-  std::string text = value.write();
-  constexpr std::size_t kLongest = 40;
-  if (text.size() > kLongest) {
-    std::size_t end = kLongest;
-    while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xC0) == 0x80)
-      --end;  // no half characters
-    text = text.substr(0, end) + "...";
-  }
-  return text;
+  constexpr std::size_t kLongest = 43;
+  return cf_quoted(value.write(), kLongest);
 }
 
 bool cf_isWhole(ccJson const& value, double low, double high)
@@ -62,6 +57,7 @@ bool cf_hexColor(std::string const& text, ccColor& color)
   return true;
 }
 
+constexpr std::size_t kLongestName = 60;  // of a field or kind in a message
 constexpr double kFarPel = 1 << 24;  // whole pels are cut to the surface long before
 
 }  // namespace
@@ -225,9 +221,14 @@ ccColor cc_DrawFields::color(std::string const& name)
   return color;
 }
 
+void cc_DrawFields::kind(std::string const& kind)
+{
+  where_ += " (" + cf_quoted(kind, kLongestName) + ")";
+}
+
 void cc_DrawFields::done() const
 {
   for (std::size_t i = 0; i < object_.size(); ++i)
     if (known_.count(object_.name(i)) == 0)
-      throw cc_DrawFault(place(object_.name(i)) + ": this field is not known here");
+      throw cc_DrawFault(place(cf_quoted(object_.name(i), kLongestName)) + ": this field is not known here");
 }

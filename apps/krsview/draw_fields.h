@@ -24,7 +24,7 @@ public:
   ccJson const& value(std::string const& name);  // null if there is none
   std::string place(std::string const& name) const { return where_ + ": " + name; }
   std::string const& where() const { return where_; }
-  void where(std::string where) { where_ = std::move(where); }
+  void kind(std::string const&);  // is named behind where from now on
   [[noreturn]] void fail(std::string const& name, std::string const& expected) const;
 
   double number(std::string const& name);

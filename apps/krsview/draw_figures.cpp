@@ -1,5 +1,6 @@
 #include "apps/krsview/draw_figures.h"
 
+#include "apps/common/error_line.h"
 #include "geometry/all.h"
 
 #include <algorithm>
@@ -240,11 +241,11 @@ cs_DrawFigure cf_shapeTree(Fields& f, ccGraphicProps&)
     std::string const where = f.place("shapes") + "[" + std::to_string(i) + "]";
     Fields child(list.at(i), where);
     std::string const kind = child.text("kind");
-    child.where(where + " (" + kind + ")");
+    child.kind(kind);
     ccGraphicProps unused;
     cs_DrawFigure figure;
     if (!cfDrawFigure(kind, child, unused, figure) || !figure.shape)
-      throw cc_DrawFault(where + ": kind: expected a shape, found \"" + kind + "\"");
+      throw cc_DrawFault(where + ": kind: expected a shape, found \"" + cf_quoted(kind, 40) + "\"");
     child.done();
     tree.addShape(figure.shape);
   }

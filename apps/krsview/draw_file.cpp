@@ -14,7 +14,7 @@
 #include <fstream>
 #include <iterator>
 #include <map>
-#include <sstream>
+#include <new>
 
 namespace {
 
@@ -98,9 +98,12 @@ private:
   Command clipRect_(Fields&, Layers);
   Command sketch_(Fields&, Layers);
   long font_(Fields&);
+  void clientFromImage_(Fields& file);
+  void countEntry_(std::string const& where);
   static std::map<std::string, Maker> const& makers_();
 
   ccDrawing& out_;
+  std::size_t entries_ = 0;  // those inside sketches too
 };
 
 std::map<std::string, cc_DrawReader::Maker> const& cc_DrawReader::makers_()
@@ -131,10 +134,13 @@ long cc_DrawReader::font_(Fields& f)
   if (!f.has("font"))
     return -1;
   constexpr long kTallest = 500;
+  constexpr std::size_t kLongestFamily = 200;
   Fields part(f.object("font"), f.place("font"));
   plat::FontDesc font;
   if (part.has("family"))
     font.family = part.text("family");
+  if (font.family.size() > kLongestFamily)
+    part.fail("family", "a name of at most " + std::to_string(kLongestFamily) + " bytes");
   font.height = static_cast<plat::i32>(part.whole("height", 1, kTallest, font.height));
   font.bold = part.flag("bold", false);
   font.italic = part.flag("italic", false);
@@ -144,6 +150,8 @@ long cc_DrawReader::font_(Fields& f)
   auto const found = std::find(out_.fonts_.begin(), out_.fonts_.end(), font);
   if (found != out_.fonts_.end())
     return static_cast<long>(found - out_.fonts_.begin());
+  if (out_.fonts_.size() == cfMostDrawFonts)
+    f.fail("font", "one of at most " + std::to_string(cfMostDrawFonts) + " different fonts");
   out_.fonts_.push_back(font);
   return static_cast<long>(out_.fonts_.size()) - 1;
 }
@@ -336,7 +344,8 @@ ccDrawing::Command cc_DrawReader::sketch_(Fields& f, Layers l)
     std::string const where = f.place("draw") + "[" + std::to_string(i) + "]";
     Fields part(list.at(i), where);
     std::string const kind = part.text("kind");
-    part.where(where + " (" + kind + ")");
+    part.kind(kind);
+    countEntry_(where);
     commands.push_back(entry_(part, kind, l));
     part.done();
   }
@@ -362,8 +371,40 @@ ccDrawing::Command cc_DrawReader::entry_(Fields& f, std::string const& kind, Lay
     return [=](ccUITablet& t, Target const& target) { figure.draw(t, pen, cf_layerOn(target, l)); };
   } catch (ccException const& e) {
     std::string const told = e.message();
-    throw cc_DrawFault(f.where() + ": this figure is not possible: " + e.what() + (told.empty() ? "" : " (" + told + ")"));
+    throw cc_DrawFault(f.where() + ": this figure is not possible: " + e.what() +
+                       (told.empty() ? "" : " (" + cf_quoted(told) + ")"));
   }
+}
+
+void cc_DrawReader::countEntry_(std::string const& where)
+{
+  if (++entries_ > cfMostDrawEntries)
+    throw cc_DrawFault(where + ": expected at most " + std::to_string(cfMostDrawEntries) + " entries in a file");
+}
+
+// A display goes both ways through the map, at every zoom. Elements up to kFarthest of the map and of its inverse leave doubles
+// room for that.
+void cc_DrawReader::clientFromImage_(Fields& file)
+{
+  constexpr double kFarthest = 1e15;
+  auto const isNear = [](ccXform<2> const& map) {
+    for (int i = 0; i < 4; ++i)
+      if (!(std::abs(map.matrix().element(i / 2, i % 2)) <= kFarthest))
+        return false;
+    return std::abs(map.trans().x()) <= kFarthest && std::abs(map.trans().y()) <= kFarthest;
+  };
+  Fields map(file.object("clientFromImage"), "clientFromImage");
+  std::vector<double> const m = map.has("matrix") ? map.numbers("matrix") : std::vector<double>{1, 0, 0, 1};
+  ccMatrix<2> const matrix = m.size() == 4 ? ccMatrix<2>(m[0], m[1], m[2], m[3]) : ccMatrix<2>(0, 0, 0, 0);
+  double const determinant = matrix.determinant();
+  if (determinant == 0 || !std::isfinite(determinant) || !isNear(ccXform<2>(matrix, ccPoint()).inverse()) ||
+      !isNear(ccXform<2>(matrix, ccPoint())))
+    map.fail("matrix", "four numbers by rows, with an inverse");
+  ccXform<2> const given(matrix, map.point("trans", ccPoint()));
+  if (!isNear(given) || !isNear(given.inverse()))
+    map.fail("trans", "two numbers that the inverse can hold");
+  out_.clientFromImage_ = given;
+  map.done();
 }
 
 void cc_DrawReader::read(ccJson const& json)
@@ -371,14 +412,8 @@ void cc_DrawReader::read(ccJson const& json)
   Fields file(json, "the file");
   if (file.value("version") != ccJson(1))
     file.fail("version", "1");
-  if (file.has("clientFromImage")) {
-    Fields map(file.object("clientFromImage"), "clientFromImage");
-    std::vector<double> const m = map.has("matrix") ? map.numbers("matrix") : std::vector<double>{1, 0, 0, 1};
-    if (m.size() != 4 || m[0] * m[3] - m[1] * m[2] == 0)
-      map.fail("matrix", "four numbers by rows, with an inverse");
-    out_.clientFromImage_ = ccXform<2>(ccMatrix<2>(m[0], m[1], m[2], m[3]), map.point("trans", ccPoint()));
-    map.done();
-  }
+  if (file.has("clientFromImage"))
+    clientFromImage_(file);
   if (!file.value("draw").isArray())
     file.fail("draw", "a list of entries");
   ccJson const& list = file.value("draw");
@@ -386,7 +421,8 @@ void cc_DrawReader::read(ccJson const& json)
     std::string const where = "entry " + std::to_string(i);
     Fields f(list.at(i), where);
     std::string const kind = f.text("kind");
-    f.where(where + " (" + kind + ")");
+    f.kind(kind);
+    countEntry_(where);
     auto const coords = static_cast<ccDisplay::CoordinateSystem>(f.word("coords", {"display", "image", "client"}, 1));
     auto const layer = static_cast<Layers>(f.word("layer", {"image", "overlay", "both"}, 1));
     ccDrawing::Command command = entry_(f, kind, layer);
@@ -424,32 +460,41 @@ std::vector<std::string> cfDrawKinds() { return cc_DrawReader::kinds(); }
 ccDrawing cfReadDrawing(std::string_view text, std::string const& name)
 {
   ccDrawing out;
-  ccJsonText const json = cfReadJson(text);
-  if (!json) {
-    out.error = cf_errorLine(name, json.error);
-    return out;
-  }
+  std::string why;
   try {
-    cc_DrawReader(out).read(json.value);
+    ccJsonText const json = cfReadJson(text);
+    why = json.error;
+    if (json)
+      cc_DrawReader(out).read(json.value);
   } catch (cc_DrawFault const& fault) {
+    why = fault.what();
+  } catch (std::bad_alloc const&) {
+    why = "not enough memory";
+  }
+  if (!why.empty()) {
     out = ccDrawing();
-    out.error = cf_errorLine(name, fault.what());
+    out.error = cf_errorLine(name, why);
   }
   return out;
 }
 
 ccDrawing cfReadDrawFile(std::filesystem::path const& path)
 {
+  std::string const name = cf_pathText(path);
+  std::string text;
   std::ifstream in(path, std::ios::binary);
-  std::ostringstream text;
-  if (in)
-    text << in.rdbuf();
-  if (!in || !text) {
+  // One byte more than may be there, as a file's size is not to be trusted and a pipe has none.
+  while (in && text.size() <= cfJsonSizeLimit) {
+    char piece[1 << 16];
+    in.read(piece, static_cast<std::streamsize>(std::min(sizeof piece, cfJsonSizeLimit + 1 - text.size())));
+    text.append(piece, static_cast<std::size_t>(in.gcount()));
+  }
+  if (in.bad() || (text.empty() && !in.eof())) {
     ccDrawing out;
-    out.error = cf_errorLine(path.string(), "cannot be read");
+    out.error = cf_errorLine(name, "cannot be read");
     return out;
   }
-  return cfReadDrawing(text.str(), path.string());
+  return cfReadDrawing(text, name);
 }
 
 std::vector<HFONT> cfShowDrawing(ccWin32Display& display, ccDrawing const& drawing)

@@ -54,6 +54,10 @@ private:
   bool usesOverlay_ = false;
 };
 
+// What a file may hold at most.
+inline constexpr std::size_t cfMostDrawEntries = 65536;  // those inside sketches counted
+inline constexpr std::size_t cfMostDrawFonts = 256;      // different ones
+
 ccDrawing cfReadDrawFile(std::filesystem::path const&);
 ccDrawing cfReadDrawing(std::string_view json, std::string const& name);
 std::vector<std::string> cfDrawKinds();

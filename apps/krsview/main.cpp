@@ -1,4 +1,5 @@
 // krsview: shows images in a window, or headless.
+#include "apps/common/error_line.h"
 #include "apps/krsview/options.h"
 #include "apps/krsview/script.h"
 #include "apps/krsview/viewer.h"
@@ -82,7 +83,7 @@ int cf_view(ccViewOptions options)
   bool const headless = !cf_startWindows(options);
   ccViewer viewer(options, std::cerr);
   if (options.gallery && !options.page.empty() && !viewer.showPage(options.page)) {
-    std::cerr << "krsview: no page of the gallery has the name " << options.page << "; there are";
+    std::cerr << "krsview: no page of the gallery has the name " << cf_quoted(options.page) << "; there are";
     for (long i = 0; i < viewer.gallery()->size(); ++i)
       std::cerr << (i == 0 ? " " : ", ") << viewer.gallery()->name(i);
     std::cerr << "\n";
@@ -100,7 +101,7 @@ int cf_view(ccViewOptions options)
     if (!fromInput) {
       file.open(options.script);
       if (!file) {
-        std::cerr << "krsview: cannot read the script " << options.script << "\n";
+        std::cerr << "krsview: cannot read the script " << cf_quoted(options.script) << "\n";
         return badOption;
       }
     }
@@ -147,7 +148,7 @@ int main(int count, char** values)
   try {
     return cf_view(options);
   } catch (std::exception const& e) {
-    std::cerr << "krsview: " << e.what() << "\n";
+    std::cerr << cf_errorLine("krsview", e.what()) << "\n";
     return badOption;
   }
 }

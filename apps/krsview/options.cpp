@@ -1,5 +1,7 @@
 #include "apps/krsview/options.h"
 
+#include "apps/common/error_line.h"
+
 #include <algorithm>
 #include <charconv>
 #include <cmath>
@@ -60,15 +62,15 @@ std::string cfParseViewOptions(std::vector<std::string> const& arguments, ccView
       value = arguments[++i];
       return true;
     };
-    std::string const needs = option + " needs a value";
-    std::string const bad = "bad value for " + option + ": ";
+    std::string const needs = cf_quoted(option) + " needs a value";
+    std::string const bad = "bad value for " + cf_quoted(option) + ": ";
 
     if (option == "--window") {
       if (!takeValue())
         return needs;
       long width = 0, height = 0;
       if (!cf_two(value, 'x', width, height) || width < 1 || height < 1 || width > kMaxSide || height > kMaxSide)
-        return bad + value + " (WIDTHxHEIGHT, 1 to 16384)";
+        return bad + cf_quoted(value) + " (WIDTHxHEIGHT, 1 to 16384)";
       options.givenWidth = width;
       options.givenHeight = height;
     } else if (option == "--depth") {
@@ -76,21 +78,21 @@ std::string cfParseViewOptions(std::vector<std::string> const& arguments, ccView
         return needs;
       int depth = 0;
       if (!cf_number(value, depth) || (depth != 8 && depth != 15 && depth != 16 && depth != 24 && depth != 32))
-        return bad + value + " (8, 15, 16, 24 or 32)";
+        return bad + cf_quoted(value) + " (8, 15, 16, 24 or 32)";
       options.depth = depth;
     } else if (option == "--mag") {
       if (!takeValue())
         return needs;
       long mag = 0;
       if (!cf_number(value, mag))
-        return bad + value + " (a whole number; -N reduces)";
+        return bad + cf_quoted(value) + " (a whole number; -N reduces)";
       options.mag = mag;
     } else if (option == "--pan") {
       if (!takeValue())
         return needs;
       double x = 0, y = 0;
       if (!cf_two(value, ',', x, y))
-        return bad + value + " (X,Y in image pels)";
+        return bad + cf_quoted(value) + " (X,Y in image pels)";
       options.pan = std::pair(x, y);
     } else if (option == "--mode") {
       if (!takeValue())
@@ -98,7 +100,7 @@ std::string cfParseViewOptions(std::vector<std::string> const& arguments, ccView
       char const* const modes[] = {"pointer", "pan", "zoom-in", "zoom-out"};
       auto const found = std::find(std::begin(modes), std::end(modes), value);
       if (found == std::end(modes))
-        return bad + value + " (pointer, pan, zoom-in or zoom-out)";
+        return bad + cf_quoted(value) + " (pointer, pan, zoom-in or zoom-out)";
       options.mode = static_cast<int>(found - std::begin(modes));
     } else if (option == "--overlay") {
       if (!takeValue())
@@ -110,13 +112,13 @@ std::string cfParseViewOptions(std::vector<std::string> const& arguments, ccView
       else if (value == "chroma")
         options.overlay = ccViewOptions::chroma;
       else
-        return bad + value + " (none, plane or chroma)";
+        return bad + cf_quoted(value) + " (none, plane or chroma)";
     } else if (option == "--quit-after") {
       if (!takeValue())
         return needs;
       double seconds = 0;
       if (!cf_number(value, seconds) || seconds < 0 || seconds > 1e6)
-        return bad + value + " (seconds)";
+        return bad + cf_quoted(value) + " (seconds)";
       options.quitAfter = seconds;
     } else if (option == "--script") {
       if (!takeValue())
@@ -152,6 +154,8 @@ std::string cfParseViewOptions(std::vector<std::string> const& arguments, ccView
       options.fit = ccViewOptions::fitWhole;
     else if (option == "--fit-exact")
       options.fit = ccViewOptions::fitExact;
+    else if (option == "--large")
+      options.large = true;
     else if (option == "--headless")
       options.headless = true;
     else if (option == "--scrollbars")
@@ -163,7 +167,7 @@ std::string cfParseViewOptions(std::vector<std::string> const& arguments, ccView
     else if (option == "--version")
       options.version = true;
     else
-      return "unknown option " + option;
+      return "unknown option " + cf_quoted(option);
     if (attached)
       return option + " takes no value";
   }
@@ -194,6 +198,7 @@ char const* cfViewHelp()
          "  --quit-after S   end after so many seconds\n"
          "  --script FILE    do what the lines of a file say (- for standard input)\n"
          "  --headless       open no window\n"
+         "  --large          show images that promise far more than their files hold, too\n"
          "  --shot FILE.png  write the picture of the client area\n"
          "  --scrollbars     show scroll bars\n"
          "  --info           tell about the image and its view, as JSON on standard output\n"

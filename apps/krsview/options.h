@@ -22,6 +22,7 @@ struct ccViewOptions {
   std::string page;   // of the gallery, by name; empty for the first
   std::string pages;  // folder for the pictures of all pages, empty for none
   bool headless = false;
+  bool large = false;  // images may promise far more than their files hold
   bool scrollBars = false;
   bool info = false;
   bool help = false;

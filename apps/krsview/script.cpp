@@ -1,5 +1,6 @@
 #include "apps/krsview/script.h"
 
+#include "apps/common/error_line.h"
 #include "platform/app.h"
 #include "platform/testing.h"
 #include "platform/window.h"
@@ -17,6 +18,18 @@ namespace {
 constexpr unsigned kShift = 4, kControl = 8, kAlt = 32;
 constexpr unsigned kCommand = 273, kHScroll = 276, kVScroll = 277;
 constexpr int kWheelNotch = 120;
+
+constexpr std::size_t kLongestLine = 8192;
+
+// As std::getline, but of an endless line it takes one character more than a script may have.
+bool cf_readLine(std::istream& in, std::string& line)
+{
+  line.clear();
+  int c = in.get();
+  for (; c != std::istream::traits_type::eof() && c != '\n' && line.size() <= kLongestLine; c = in.get())
+    line += static_cast<char>(c);
+  return c != std::istream::traits_type::eof() || !line.empty();
+}
 
 bool cf_whole(std::string const& text, long low, long high, long& value)
 {
@@ -65,7 +78,11 @@ ccViewScript::ccViewScript(ccViewer& viewer, std::ostream& out, std::ostream& er
 ccViewScript::Status ccViewScript::run(std::istream& in, bool answers)
 {
   std::string line;
-  for (long number = 1; std::getline(in, line); ++number) {
+  for (long number = 1; cf_readLine(in, line); ++number) {
+    if (line.size() > kLongestLine) {
+      errors_ << "krsview: script line " << number << " is longer than " << kLongestLine << " characters\n";
+      return notUnderstood;
+    }
     if (!line.empty() && line.back() == '\r')
       line.pop_back();
     if (Status const status = line_(line, number); status != done)
@@ -86,7 +103,7 @@ ccViewScript::Status ccViewScript::line_(std::string const& line, long number)
     return done;
   Status status = done;
   if (!pointer_(words) && !key_(words) && !other_(words, status, number)) {
-    errors_ << "krsview: script line " << number << " is not understood: " << line << "\n";
+    errors_ << "krsview: script line " << number << " is not understood: " << cf_quoted(line) << "\n";
     return notUnderstood;
   }
   plat::testing::drain();

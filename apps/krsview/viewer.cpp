@@ -1,5 +1,6 @@
 #include "apps/krsview/viewer.h"
 
+#include "apps/common/error_line.h"
 #include "apps/common/json.h"
 #include "apps/common/picture_file.h"
 #include "apps/krsview/show_image.h"
@@ -331,7 +332,7 @@ void ccViewer::list_(std::vector<std::string> const& names)
     if (!folder.error.empty())
       fail_(folder.error);
     else if (folder.files.empty())
-      fail_(name + ": no images in this directory");
+      fail_(cf_errorLine(name, "no images in this directory"));
     for (fs::path const& file : folder.files)
       entries_.push_back({file, cs_Entry::unread});
   }
@@ -358,7 +359,7 @@ bool ccViewer::show_(std::size_t index)
   cs_Entry& entry = entries_[index];
   if (entry.state == cs_Entry::bad)
     return false;
-  auto file = std::make_unique<ccImageFile>(cfReadImageFile(entry.path));
+  auto file = std::make_unique<ccImageFile>(cfReadImageFile(entry.path, trust_()));
   if (!*file) {
     entry.state = cs_Entry::bad;
     fail_(file->error);
@@ -400,7 +401,7 @@ void ccViewer::checkTheRest()
   for (cs_Entry& entry : entries_) {
     if (entry.state != cs_Entry::unread)
       continue;
-    ccImageFile const file = cfReadImageFile(entry.path);
+    ccImageFile const file = cfReadImageFile(entry.path, trust_());
     entry.state = file ? cs_Entry::good : cs_Entry::bad;
     if (!file)
       fail_(file.error);

@@ -50,6 +50,7 @@ private:
   bool show_(std::size_t index);
   bool turnPage_(long by);
   void fail_(std::string const& line);
+  ccImageTrust trust_() const { return options_.large ? ccImageTrust::large : ccImageTrust::bounded; }
   bool key_(unsigned virtualKey);
   bool character_(unsigned c);
   static plat::LResult proc_(HWND, unsigned message, plat::WParam, plat::LParam);

@@ -688,6 +688,56 @@ TEST(KrsviewGallery, scriptsTurnItsPages)
   EXPECT_TRUE(cfReadImageFile(folder.file("p.png")));
 }
 
+TEST(Krsview, anImageThatPromisesFarMoreThanItsFileNeedsToBeAskedFor)
+{
+  TestFolder const folder;
+  auto const half = [](unsigned v) { return Bytes{static_cast<unsigned char>(v), static_cast<unsigned char>(v >> 8)}; };
+  // 16384 x 4200 pels in run lengths that are all left out: 262 MiB of colour.
+  Bytes const file = bytesOf("BM") + Bytes(8) + half(62) + Bytes(2) + Bytes{40, 0, 0, 0} + half(16384) + half(0) + half(4200) +
+                     half(0) + half(1) + half(8) + Bytes{1, 0, 0, 0} + Bytes(12) + half(2) + Bytes(6) +
+                     Bytes{0, 0, 255, 0, 0, 255, 0, 0} + Bytes(8400);
+  std::string const name = folder.file("wide.bmp", file).string();
+
+  Outcome const refused = view(folder, {"--headless", "--info", name});
+  EXPECT_EQ(refused.status, 2);
+  EXPECT_EQ(refused.err, "krsview: " + name + ": unsupported: a picture of 262 MiB from a file of " +
+                             std::to_string(file.size()) + " bytes (--large allows it)\n");
+  Outcome const shown = view(folder, {"--headless", "--info", "--large", name});
+  EXPECT_EQ(shown.status, 0) << shown.err;
+  EXPECT_NE(shown.out.find("\"width\":16384"), std::string::npos) << shown.out;
+}
+
+TEST(Krsview, messagesQuoteNeitherControlCharactersNorMoreThanTwoHundred)
+{
+  TestFolder const folder;
+  std::string const evil = "\x1b[2J\x9b" + std::string(400, 'x');
+  std::vector<std::vector<std::string>> const wrong = {
+      {"--" + evil}, {"--depth", evil}, {"--script", evil}, {"--gallery", "--page", evil}, {"--draw", evil}, {evil}, {"--shot", evil},
+  };
+  for (auto const& arguments : wrong) {
+    Outcome const outcome = view(folder, arguments);
+    EXPECT_NE(outcome.status, 0) << arguments[0];
+    EXPECT_EQ(lines(outcome.err), 1) << outcome.err;
+    EXPECT_EQ(outcome.err.find_first_of("\x1b\x9b"), std::string::npos) << arguments[0];
+    EXPECT_LE(std::count(outcome.err.begin(), outcome.err.end(), 'x'), 205) << arguments[0];  // some are our own words
+  }
+  Outcome const bad = script(folder, evil + "\n", {greyFile(folder, 10, 10)});
+  EXPECT_EQ(bad.status, 4);
+  EXPECT_EQ(bad.err.find_first_of("\x1b\x9b"), std::string::npos);
+  EXPECT_LE(std::count(bad.err.begin(), bad.err.end(), 'x'), 200);
+}
+
+TEST(KrsviewScript, anEndlessLineIsNotUnderstood)
+{
+  TestFolder const folder;
+  std::string const image = greyFile(folder, 10, 10);
+  Outcome const most = script(folder, "#" + std::string(8191, 'x') + "\njump\n", {image});
+  EXPECT_EQ(most.err, "krsview: script line 2 is not understood: jump\n");
+  Outcome const longer = script(folder, "\n#" + std::string(8192, 'x') + "\n", {image});
+  EXPECT_EQ(longer.status, 4);
+  EXPECT_EQ(longer.err, "krsview: script line 2 is longer than 8192 characters\n");
+}
+
 TEST(Krsview, helpAndVersionAnswerOnStandardOutput)
 {
   TestFolder const folder;
