@@ -13,3 +13,5 @@
 #include "ui/core/all.h"
 #include "ui/display/display.h"
 #include "ui/display/image_format.h"
+#include "ui/notify/all.h"
+#include "ui/shapes/all.h"

@@ -1,0 +1,8 @@
+// Declares the classes of this folder.
+#pragma once
+
+class ccUIEventProcessorState;
+class ccUINotification;
+class ccUINotifyListenerTag;
+class ccUINotifyObject;
+class ccUIObjectState;
