@@ -1,6 +1,7 @@
 // Declares the classes of this folder.
 #pragma once
 
+class ccUIDisplayNotifier;
 class ccUIEventProcessorState;
 class ccUINotification;
 class ccUINotifyListenerTag;

@@ -128,7 +128,7 @@ void ccUINotifyObject::endStateChange(State const& before, bool redraw, bool flu
 void ccUINotifyObject::redraw_(cc_NodeRef const& self)
 {
   if (manShape_) {
-    manShape_->showHandles(manShape_->manipulable() && manShape_->selected());
+    manShape_->showHandles(manShape_->wantsHandles());
     if (self.exists())
       manShape_->updateHandles();
   }

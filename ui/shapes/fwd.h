@@ -4,6 +4,8 @@
 class ccUIHandle;
 class ccUIIcon;
 class ccUILabel;
+class ccUILine;
+class ccUILineSeg;
 class ccUIManShape;
 class ccUIPointIcon;
 class ccUIPointShapeBase;

@@ -11,7 +11,7 @@ void ccUIManShape::manipulable(bool on)
 {
   ccLock lock(rootMutex());
   manipulable_ = on;
-  showHandles(on && selected());
+  showHandles(wantsHandles());
 }
 
 void ccUIManShape::select(States state, bool nested)

@@ -17,6 +17,7 @@ public:
 
   bool manipulable() const { return manipulable_; }
   void manipulable(bool);
+  bool wantsHandles() const { return manipulable_ && selected(); }
 
 protected:
   void select(States, bool nested) override;
