@@ -18,14 +18,26 @@ void ccUIManShape::select(States state, bool nested)
 {
   ccLock lock(rootMutex());
   cc_NodeRef const self(this);
+  bool const drawnOver = anyHandleShown_();
   ccUIShapes::select(state, nested);
   if (!self.exists() || !manipulable_)
     return;
   showHandles(true);
-  // The shape was drawn over those that were out already.
-  if (self.exists())
-    for (ccUIObject* kid = backKid(); kid; kid = kid->closerSib())
-      kid->shapes(true)->update(/*withKids=*/true, /*erase=*/false, nullptr, cc_TabletEnums::bothLayers);
+  if (!drawnOver || !self.exists())
+    return;
+  // Handles lie above their shape, which was just drawn over those that were out already.
+  cc_NodeWalk walk;
+  walk.addKidsBackToFront(*this);
+  while (ccUIObject* const kid = walk.next())
+    kid->shapes(true)->update(/*withKids=*/true, /*erase=*/false, nullptr, cc_TabletEnums::bothLayers);
+}
+
+bool ccUIManShape::anyHandleShown_() const
+{
+  for (ccUIObject const* kid = backKid(); kid; kid = kid->closerSib())
+    if (kid->condVisible())
+      return true;
+  return false;
 }
 
 void ccUIManShape::deselect(States state, bool nested)

@@ -25,5 +25,7 @@ protected:
   void geometryChanged();  // what every setter of geometry ends with
 
 private:
+  bool anyHandleShown_() const;
+
   bool manipulable_ = true;
 };
