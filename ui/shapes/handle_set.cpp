@@ -92,6 +92,25 @@ cc_HandledShape::~cc_HandledShape() { beginDestruction(); }
 
 bool cc_HandledShape::isUnlocked_(long) const { return true; }
 
+void cc_HandledShape::locks(unsigned long mask)
+{
+  ccLock lock(rootMutex());
+  locks_ = mask;
+  showHandles(wantsHandles());
+}
+
+void cc_HandledShape::setLocks(unsigned long mask)
+{
+  ccLock lock(rootMutex());
+  locks(locks_ | mask);
+}
+
+void cc_HandledShape::clrLocks(unsigned long mask)
+{
+  ccLock lock(rootMutex());
+  locks(locks_ & ~mask);
+}
+
 void cc_HandledShape::updateHandles()
 {
   ccLock lock(rootMutex());

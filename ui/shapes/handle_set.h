@@ -66,6 +66,13 @@ protected:
   virtual bool isUnlocked_(long index) const;       // all by default
   cc_HandleSet const& handles_() const { return set_; }
 
+  // A set bit withdraws an ability. A family that has locks makes these public.
+  unsigned long locks() const { return locks_; }
+  void locks(unsigned long);
+  void setLocks(unsigned long mask);
+  void clrLocks(unsigned long mask);
+
 private:
   cc_HandleSet set_{*this};
+  unsigned long locks_ = 0;
 };

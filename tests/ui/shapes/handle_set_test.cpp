@@ -21,7 +21,10 @@ public:
   long locked = -1;  // the index of a handle that is withheld
   std::function<void(long)> onPlace, onShow;
 
+  using cc_HandledShape::clrLocks;
   using cc_HandledShape::geometryChanged;
+  using cc_HandledShape::locks;
+  using cc_HandledShape::setLocks;
   using cc_HandledShape::handles_;
 
 protected:
@@ -31,7 +34,7 @@ protected:
   void redim_() override { log.push_back("redim"); }
   long numHandles_() const override { return count; }
   ccUIHandle* makeHandle_(long index) override;
-  bool isUnlocked_(long index) const override { return index != locked; }
+  bool isUnlocked_(long index) const override { return index != locked && (locks() & (1ul << index)) == 0; }
 
 private:
   ccVector<2> at_;
@@ -135,6 +138,28 @@ TEST_F(HandleSet, aLockedHandleIsMadeAndPlacedButNotShown)
   board->locked = 0;
   board->showHandles(true);
   EXPECT_EQ(take(), (HookLog{"place 0", "place 1", "place 2", "hide 0", "show 1"}));
+}
+
+TEST_F(HandleSet, locksWithholdHandlesAtOnceAndGiveThemBack)
+{
+  EXPECT_EQ(board->locks(), 0u);
+  board->setLocks(2);
+  EXPECT_EQ(board->numKids(), 0);  // not selected: none are made
+  board->condSelected(true, false);
+  EXPECT_EQ(cfVisibleHandles(*board), 2);
+  board->setLocks(4);
+  EXPECT_EQ(board->locks(), 6u);
+  EXPECT_EQ(cfVisibleHandles(*board), 1);
+  board->clrLocks(2);
+  EXPECT_EQ(board->locks(), 4u);
+  EXPECT_EQ(cfVisibleHandles(*board), 2);
+  EXPECT_TRUE(cfHandle(*board, 1)->visible());
+  board->locks(0);
+  EXPECT_EQ(cfVisibleHandles(*board), 3);
+  // A shape that is not manipulable shows none, whatever its locks.
+  board->manipulable(false);
+  board->locks(1);
+  EXPECT_EQ(cfVisibleHandles(*board), 0);
 }
 
 TEST_F(HandleSet, aShapeThatIsNotManipulableShowsNoneUntilItIs)
