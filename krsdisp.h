@@ -15,4 +15,5 @@
 #include "ui/core/client_frame.h"
 #include "ui/display/display.h"
 #include "ui/display/image_format.h"
-#include "ui/shapes/frame_sizer.h"
+#include "ui/notify/all.h"
+#include "ui/shapes/all.h"
