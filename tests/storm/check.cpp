@@ -63,7 +63,8 @@ void StormStage::checkTrees_()
     if (!root || !d->parent())
       return fail_("lists", "a display without root");
     checkNode_(*root, root, 0);
-    checkTablet_(*root);
+    if (root->eventProcessor()->gesture() != ccUIEventProcessor::Gesture::dragging)
+      checkTablet_(*root);
     ccUIObject* const owner = root->eventProcessor()->owner();
     if (owner && owner != root && (std::find(nodes_.begin(), nodes_.end(), owner) != nodes_.end()) && owner->root() != root)
       fail_("lists", "the owner of a gesture belongs to another tree");
@@ -109,8 +110,8 @@ void StormStage::checkNode_(ccUIObject& node, ccUIRootObject* root, int state)
   if (node.root() != (isRoot ? nullptr : root) || &node.rootMutex() != &root->mutex())
     return fail_("lists", "root of a node");
   if (ccUIFrame* const frame = node.frame(true))
-    if (frame->ccUITablet::isVisible() != frame->condVisible())
-      return fail_("state", "a frame's tablet is " + std::string(frame->condVisible() ? "hidden" : "shown"));
+    if (!isRoot && frame->ccUITablet::isShown() != visible)
+      return fail_("state", "a frame's tablet is " + std::string(visible ? "hidden" : "shown"));
   long kids = 0;
   ccUIObject* before = nullptr;
   for (ccUIObject* kid = node.backKid(); kid && failure_.empty(); kid = kid->closerSib()) {

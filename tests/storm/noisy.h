@@ -60,11 +60,12 @@ protected:
   }
   void keyboard_(ccKeyboardEvent const& e) override { run_(HookKind::mouse, [&] { Base::keyboard_(e); }); }
 
+  // Hooks of state come second, so that one that throws leaves a state that was taken over.
   template <class Step> void run_(HookKind kind, Step const& step)
   {
     auto const alive = alive_;
     StormStage& stage = stage_;
-    bool const early = early_;
+    bool const early = early_ && kind != HookKind::state;
     if (early)
       stage.hooked(kind, this);
     if (*alive)
@@ -79,6 +80,13 @@ private:
   bool early_;
   std::shared_ptr<bool> alive_ = std::make_shared<bool>(true);
 };
+
+// Of shapes, sketches and outlines. A shape that is drawn directly may lie above shapes that are closer and above see-through
+// frames, until its place is repainted; as all have one colour, their order does not show.
+inline ccColor cfInk()
+{
+  return ccColor::greenColor();
+}
 
 // A panel with a face on each layer on which it is opaque, and an outline where it is on none.
 class StormFrame : public Noisy<ccUIControlFrame> {
@@ -108,7 +116,7 @@ private:
         if (opaque(layer))
           set(whole, faces[face_ % 4], layer);
         else if (layer == imageLayer && !opaque(overlayLayer))
-          outline(whole, faces[face_ % 4], 1, layer);
+          outline(whole, cfInk(), 1, layer);
       }
   }
 
@@ -136,8 +144,7 @@ protected:
   }
 };
 
-// A figure with its upper left corner at pos. A shape that is drawn directly may lie above shapes that are closer, until its
-// place is repainted; so all shapes and sketches of a storm have one colour, and their order does not show.
+// A figure with its upper left corner at pos.
 class StormShape : public Noisy<ccUIShapes> {
 public:
   StormShape(StormStage& stage, bool early, unsigned figure, double x, double y)
@@ -152,7 +159,6 @@ public:
     ccVector<2> const d = v - absPos();
     return d.x() >= 0 && d.x() < side_ && d.y() >= 0 && d.y() < side_;
   }
-  static ccColor ink() { return ccColor::greenColor(); }
   void side(double s) { side_ = s; }
 
 protected:
@@ -170,17 +176,17 @@ private:
     switch (figure_ % 4) {
     case 0: {
       ccPair<long> const a = canvas.scopeCoords(ul), b = canvas.scopeCoords(lr);
-      canvas.set(ccUIRect(a, b - a), ink(), drawLayer());
+      canvas.set(ccUIRect(a, b - a), cfInk(), drawLayer());
       break;
     }
     case 1:
-      canvas.draw(ccLineSeg(ul, lr), ccGraphicProps(ink(), static_cast<long>(figure_ / 4 % 5), ceSolidPen, false), drawLayer());
+      canvas.draw(ccLineSeg(ul, lr), ccGraphicProps(cfInk(), static_cast<long>(figure_ / 4 % 5), ceSolidPen, false), drawLayer());
       break;
     case 2:
-      canvas.draw(ccEllipse(middle, ccVector<2>(side_ / 2, side_ / 3), ccRadian(0.4)), ink(), drawLayer(), figure_ % 8 > 3);
+      canvas.draw(ccEllipse(middle, ccVector<2>(side_ / 2, side_ / 3), ccRadian(0.4)), cfInk(), drawLayer(), figure_ % 8 > 3);
       break;
     default:
-      canvas.draw("Wq", ul, ink(), ccColor::passColor(), ccUIFormat(ccUIFormat::topLeft), drawLayer());
+      canvas.draw("Wq", ul, cfInk(), ccColor::passColor(), ccUIFormat(ccUIFormat::topLeft), drawLayer());
     }
   }
 

@@ -25,9 +25,10 @@ ccXform<2> xformOf(unsigned n)
 }
 
 // Size from a and b, contents from c, offset, part and transform from d.
-template <class T, class Make> ccPelBuffer_const<T> imageOf(Op o, Make const& make)
+template <class T, class Make> ccPelBuffer_const<T> imageOf(StormStage& s, Op o, Make const& make)
 {
-  long const w = o.a % 8 == 0 ? 1 : 1 + o.a % 53, h = o.b % 8 == 0 ? 1 : 1 + o.b % 41;
+  long const least = s.on(tiny) ? 1 : 16;
+  long const w = o.a % 8 == 0 ? least : least + o.a % 53, h = o.b % 8 == 0 ? least : least + o.b % 41;
   ccPelBuffer<T> pels(w, h);
   for (long y = 0; y < h; ++y)
     for (long x = 0; x < w; ++x)
@@ -44,7 +45,7 @@ template <class T, class Make> ccPelBuffer_const<T> imageOf(Op o, Make const& ma
 void image8(StormStage& s, Op o)
 {
   if (NoisyDisplay* const d = s.display(o.e))
-    d->image(imageOf<unsigned char>(o, [](unsigned v) { return static_cast<unsigned char>(v); }), (o.d & 8) != 0);
+    d->image(imageOf<unsigned char>(s, o, [](unsigned v) { return static_cast<unsigned char>(v); }), (o.d & 8) != 0);
 }
 
 void image16(StormStage& s, Op o)
@@ -53,7 +54,7 @@ void image16(StormStage& s, Op o)
   long const bits = widths[o.d / 16 % 5];
   if (NoisyDisplay* const d = s.display(o.e))
     d->image(imageOf<unsigned short>(
-                 o, [&](unsigned v) { return static_cast<unsigned short>((v * 977u) & ((1u << bits) - 1u)); }),
+                 s, o, [&](unsigned v) { return static_cast<unsigned short>((v * 977u) & ((1u << bits) - 1u)); }),
              bits);
 }
 
@@ -63,9 +64,9 @@ void imageRgb(StormStage& s, Op o)
   if (!d)
     return;
   if (d->displayFormat() == ccDisplay::format16)
-    d->image(imageOf<ccPackedRGB16Pel>(o, [](unsigned v) { return ccPackedRGB16Pel(static_cast<std::uint16_t>(v * 2477u)); }));
+    d->image(imageOf<ccPackedRGB16Pel>(s, o, [](unsigned v) { return ccPackedRGB16Pel(static_cast<std::uint16_t>(v * 2477u)); }));
   else
-    d->image(imageOf<ccPackedRGB32Pel>(o, [](unsigned v) { return ccPackedRGB32Pel((v * 0x10305u) & 0xFFFFFFu); }));
+    d->image(imageOf<ccPackedRGB32Pel>(s, o, [](unsigned v) { return ccPackedRGB32Pel((v * 0x10305u) & 0xFFFFFFu); }));
 }
 
 void imageUnbound(StormStage& s, Op o)
@@ -87,6 +88,8 @@ void zoom(StormStage& s, Op o)
   NoisyDisplay* const d = s.display(o.e);
   if (!d)
     return;
+  if (!s.on(fractions))
+    return d->mag(1 + o.b % 9);
   switch (o.a % 5) {
   case 0:
     d->magExact(exact[o.b % 8]);
@@ -128,7 +131,7 @@ void panLimits(StormStage& s, Op o)
 void mode(StormStage& s, Op o)
 {
   if (NoisyDisplay* const d = s.display(o.e))
-    d->mouseMode(static_cast<ccDisplay::MouseMode>(o.a % 4));
+    d->mouseMode(static_cast<ccDisplay::MouseMode>(o.a % (s.on(fractions) ? 4 : 3)));
 }
 
 void grid(StormStage& s, Op o)
@@ -184,11 +187,11 @@ ccUISketch sketchOf(Op o)
   auto const layer = o.b % 2 ? ccUITablet::imageLayer : ccUITablet::overlayLayer;
   double const x = o.c % 30, y = o.d % 20;
   if (o.b & 2)
-    recorder.draw(ccLineSeg(ccPoint(x, y), ccPoint(y + 7, x)), StormShape::ink(), layer);
+    recorder.draw(ccLineSeg(ccPoint(x, y), ccPoint(y + 7, x)), cfInk(), layer);
   if (o.b & 4)
-    recorder.set(ccUIRect(o.c % 20, o.d % 15, 3 + o.c % 9, 2 + o.d % 7), StormShape::ink(), layer);
+    recorder.set(ccUIRect(o.c % 20, o.d % 15, 3 + o.c % 9, 2 + o.d % 7), cfInk(), layer);
   if (o.b & 8)
-    recorder.draw(ccEllipse(ccPoint(x, y), ccVector<2>(6, 4), ccRadian(0)), StormShape::ink(), layer, true);
+    recorder.draw(ccEllipse(ccPoint(x, y), ccVector<2>(6, 4), ccRadian(0)), cfInk(), layer, true);
   return recorder.sketch();
 }
 

@@ -94,11 +94,21 @@ void reparentFrame(StormStage& s, Op o)
   for (ccUIObject const* up = home; up; up = up->parent())
     if (up == f)
       return;
-  if (f && home)
+  if (!f || !home)
+    return;
+  bool const shownBefore = f->parent() && f->parent()->visible();
+  if (s.on(hiddenParents) || (shownBefore && home->visible()))
     f->setParent(*home, rectOf(o));
 }
 
-void deleteNode(StormStage& s, Op o) { delete s.node(o.a); }
+// A display counts as a node where its own hook deletes it.
+void deleteNode(StormStage& s, Op o)
+{
+  ccUIObject* const n = s.node(o.a);
+  if (dynamic_cast<NoisyDisplay*>(n) && !s.on(s.painting() ? paintDeaths : deaths))
+    return;
+  delete n;
+}
 
 ccUIShapesFrame* shapesHome(StormStage& s, Op o)
 {
@@ -182,20 +192,21 @@ HookKind kindOf(unsigned n, bool paints)
 }
 
 // What the hook does: b an operation's byte, the rest its values; 255 among these is the hook's own node.
-void planOp(StormStage& s, Op o, bool paints)
+StormOp actOf(Op o) { return {o.b, static_cast<std::uint8_t>(o.c % 3 == 0 ? 255 : o.c), o.d, o.e, o.c, o.d}; }
+
+StormOp deletionOf(Op o)
 {
-  StormOp const act{o.b, static_cast<std::uint8_t>(o.c % 3 == 0 ? 255 : o.c), o.d, o.e, o.c, o.d};
-  s.planHook(kindOf(o.a, paints), 1 + o.a / 8 % 4u, act);
+  static std::uint8_t const row = [] {
+    auto const& rows = cfStormRows();
+    std::uint8_t i = 0;
+    while (rows[i].run != deleteNode)
+      ++i;
+    return i;
+  }();
+  return {row, static_cast<std::uint8_t>(o.b % 2 ? 255 : o.c), 0, 0, 0, 0};
 }
 
-void planNode(StormStage& s, Op o, bool paints)
-{
-  auto const& rows = cfStormRows();
-  for (std::size_t i = 0; i < rows.size(); ++i)
-    if (rows[i].run == deleteNode)
-      return s.planHook(kindOf(o.a, paints), 1 + o.a / 8 % 4u,
-                        {static_cast<std::uint8_t>(i), static_cast<std::uint8_t>(o.b % 2 ? 255 : o.c), 0, 0, 0, 0});
-}
+void plan(StormStage& s, Op o, bool paints) { s.planHook(kindOf(o.a, paints), 1 + o.a / 8 % 4u, cfRow(o).does(o)); }
 
 }  // namespace
 
@@ -217,10 +228,10 @@ void cfAddTreeOps(std::vector<StormRow>& rows)
 void cfAddHookOps(std::vector<StormRow>& rows)
 {
   rows.insert(rows.end(), {
-      {"hookDoes", hooks, outermost, 10, [](StormStage& s, Op o) { planOp(s, o, false); }},
-      {"hookDeletes", hooks, outermost, 4, [](StormStage& s, Op o) { planNode(s, o, false); }},
-      {"paintDoes", paintHooks, outermost, 4, [](StormStage& s, Op o) { planOp(s, o, true); }},
-      {"paintDeletes", paintHooks, outermost, 3, [](StormStage& s, Op o) { planNode(s, o, true); }},
+      {"hookDoes", hooks, outermost, 10, [](StormStage& s, Op o) { plan(s, o, false); }, actOf},
+      {"hookDeletes", hooks, outermost, 4, [](StormStage& s, Op o) { plan(s, o, false); }, deletionOf},
+      {"paintDoes", paintHooks, outermost, 4, [](StormStage& s, Op o) { plan(s, o, true); }, actOf},
+      {"paintDeletes", paintHooks, outermost, 3, [](StormStage& s, Op o) { plan(s, o, true); }, deletionOf},
       {"hookThrows", throws, outermost, 4,
        [](StormStage& s, Op o) { s.planThrow(kindOf(o.a, false), 1 + o.a / 8 % 4u, o.b); }},
       {"paintThrows", paintThrows, outermost, 3,

@@ -54,6 +54,13 @@ void destroyWindow(StormStage& s, Op o)
     windowSystem().destroy(w);
 }
 
+// What a display's surface doesn't reach, as the screen is smaller than the window, is painted with the next message.
+void coverMargins(StormStage& s, HWND w)
+{
+  if (w && !s.on(margins) && windowSystem().isWindow(w))
+    windowSystem().invalidate(w, nullptr, false);
+}
+
 // A display goes to another window, which stands alone unless sharing is on.
 void replace(StormStage& s, Op o)
 {
@@ -66,6 +73,7 @@ void replace(StormStage& s, Op o)
       if (other != d && other->window() == w && !s.on(StormGroup::shared))
         return;
   d->window(w);
+  coverMargins(s, w);
 }
 
 void makeDisplay(StormStage& s, Op o)
@@ -76,6 +84,7 @@ void makeDisplay(StormStage& s, Op o)
       if (other->window() == w && !s.on(StormGroup::shared))
         return;
   s.makeDisplay(w);
+  coverMargins(s, w);
 }
 
 void deleteDisplay(StormStage& s, Op o) { delete s.display(o.e); }
@@ -125,6 +134,8 @@ void failAndDo(StormStage& s, Op o)
 
 void touch(StormStage& s, unsigned mods)
 {
+  if (s.nested() && !s.on(nestedInput))
+    return;
   HWND const w = s.window(0);
   plat::Point const at = w ? windowSystem().clientToScreen(w, {0, 0}) : plat::Point{};
   plat::testing::pointer({at.x + static_cast<plat::i32>(s.pointerX), at.y + static_cast<plat::i32>(s.pointerY)}, s.buttons, mods);
@@ -157,6 +168,8 @@ void dragOp(StormStage& s, Op o)
 
 void otherInput(StormStage& s, Op o)
 {
+  if (s.nested() && !s.on(nestedInput))
+    return;
   switch (o.a % 5) {
   case 0:
     return plat::testing::wheel({o.b % 60, o.c % 40}, o.d % 2 ? 120 : -120, 0);
@@ -178,9 +191,9 @@ void otherInput(StormStage& s, Op o)
 
 void postedCommand(StormStage& s, Op o)
 {
-  static unsigned const ids[] = {40502, 40503, 40504, 40505, 40506, 40507, 40510, 40511};
+  static unsigned const ids[] = {40502, 40503, 40504, 40510, 40511, 40507, 40505, 40506};
   if (HWND const w = s.window(o.e))
-    windowSystem().postMessage(w, 273, ids[o.a % 8], 0);
+    windowSystem().postMessage(w, 273, ids[o.a % (s.on(fractions) ? 8 : 6)], 0);
 }
 
 }  // namespace

@@ -16,7 +16,9 @@ struct Switch {
 };
 constexpr Switch kSwitches[] = {
     {StormGroup::images, "images", true},
+    {StormGroup::tiny, "tiny", true},
     {StormGroup::views, "views", true},
+    {StormGroup::fractions, "fractions", true},
     {StormGroup::modes, "modes", true},
     {StormGroup::maps, "maps", true},
     {StormGroup::windows, "windows", true},
@@ -31,11 +33,14 @@ constexpr Switch kSwitches[] = {
     {StormGroup::keying, "keying", true},
     {StormGroup::yuv, "yuv", true},
     {StormGroup::frames, "frames", true},
+    {StormGroup::hiddenParents, "hiddenParents", true},
     {StormGroup::shapes, "shapes", true},
     {StormGroup::joins, "joins", true},
     {StormGroup::sketches, "sketches", true},
     {StormGroup::sizer, "sizer", true},
     {StormGroup::input, "input", true},
+    {StormGroup::nestedInput, "nestedInput", true},
+    {StormGroup::margins, "margins", true},
     {StormGroup::reading, "reading", true},
     {StormGroup::hooks, "hooks", true},
     {StormGroup::paintHooks, "paintHooks", true},
@@ -135,7 +140,8 @@ std::string cfLine(StormOp const& op)
 {
   char text[80];
   std::snprintf(text, sizeof text, "%-20s %3u %3u %3u %3u %3u", cfRow(op).name, op.a, op.b, op.c, op.d, op.e);
-  return text;
+  auto const does = cfRow(op).does;
+  return does ? std::string(text) + "  -> " + cfLine(does(op)) : text;
 }
 
 std::string cfLines(StormScript const& script)

@@ -19,8 +19,8 @@ using StormScript = std::vector<StormOp>;
 
 // What may be switched on and off as a whole.
 enum class StormGroup : std::uint8_t {
-  images, views, modes, maps, windows, binding, displays, shared, screens, depths, lost, failing, overlay, keying, yuv,
-  frames, shapes, joins, sketches, sizer, input, reading, hooks, paintHooks, deaths, paintDeaths, throws, paintThrows, memory,
+  images, tiny, views, fractions, modes, maps, windows, binding, displays, shared, screens, depths, lost, failing, overlay, keying, yuv,
+  frames, hiddenParents, shapes, joins, sketches, sizer, input, nestedInput, margins, reading, hooks, paintHooks, deaths, paintDeaths, throws, paintThrows, memory,
   count
 };
 inline constexpr std::size_t kStormGroups = static_cast<std::size_t>(StormGroup::count);
@@ -38,6 +38,7 @@ struct StormRow {
   StormPlace place;
   int weight;
   void (*run)(StormStage&, StormOp const&);
+  StormOp (*does)(StormOp const&) = nullptr;  // what is planned for a hook
 };
 std::vector<StormRow> const& cfStormRows();
 inline StormRow const& cfRow(StormOp const& op)

@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <chrono>
 #include <csignal>
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <new>
@@ -55,6 +56,7 @@ StormResult cfRunAside(StormScript const& script, StormSwitches const& switches,
   if (memory == MAP_FAILED)
     return {false, "child: no memory to share", 0, {}};
   Slate& slate = *new (memory) Slate;
+  std::fflush(nullptr);
   pid_t const child = fork();
   if (child == 0) {
     alarm(seconds);

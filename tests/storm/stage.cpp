@@ -331,14 +331,18 @@ void StormStage::lowerLocks_()
       d->root()->lockScreenUpdatesPop(ccUITablet::bothLayers);
 }
 
-// The device works again. An application would draw anew what failed.
+// The device works again. An application would draw anew what failed, and bind anew what has no surface.
 void StormStage::endTrouble_()
 {
   mendDevice();
   quiet_ = true;
   for (NoisyDisplay* const d : displays_)
     if (d && d->window()) {
-      ccLock lock(d->rootMutex());
+      if (d->imageScope().size().x() == 0 || d->imageScope().isNull()) {
+        HWND const w = d->window();
+        d->window(nullptr);
+        d->window(w);
+      }
       d->restore(nullptr);
       d->root()->fullDraw(ccUITablet::bothLayers);
       d->root()->globalUpdate();

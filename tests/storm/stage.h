@@ -55,7 +55,8 @@ public:
   void planMemory(unsigned nth) { memory_ = nth; }
   bool roomForNodes() const { return nodes_.size() < kMaxNodes; }
   void rare(unsigned n) { lookEvery_ = n; }
-  ccUIObject* self() const { return self_; }
+  bool nested() const { return depth_ > 0; }  // inside a hook
+  bool painting() const { return painting_ > 0; }
   void screen(plat::Size, int depth);
   plat::Size screenSize() const { return screenSize_; }
   int screenDepth() const { return screenDepth_; }
