@@ -107,6 +107,8 @@ void deleteNode(StormStage& s, Op o)
   ccUIObject* const n = s.node(o.a);
   if (dynamic_cast<NoisyDisplay*>(n) && !s.on(s.painting() ? paintDeaths : deaths))
     return;
+  if (s.painting() && !s.on(paintDeletes))
+    return;
   delete n;
 }
 

@@ -21,9 +21,9 @@ void resizeWindow(StormStage& s, Op o)
 
 void showWindow(StormStage& s, Op o)
 {
-  static int const hows[] = {0, 5, 4, 6, 9, 5, 9, 5};
+  static int const hows[] = {0, 5, 4, 6, 9, 5, 9, 5, 5, 9, 5, 5, 4, 9, 5, 5};
   if (HWND const w = s.window(o.e))
-    windowSystem().place(w, nullptr, hows[o.a % 8]);
+    windowSystem().place(w, nullptr, hows[o.a % 16]);
 }
 
 void exposeWindow(StormStage& s, Op o)
@@ -65,7 +65,7 @@ void coverMargins(StormStage& s, HWND w)
 void replace(StormStage& s, Op o)
 {
   NoisyDisplay* const d = s.display(o.e);
-  HWND const w = o.a % 4 == 0 ? nullptr : s.window(o.b);
+  HWND const w = o.a % 16 == 0 ? nullptr : s.window(o.b);
   if (!d)
     return;
   for (unsigned i = 0; i < StormStage::kDisplays && w; ++i)
@@ -78,7 +78,7 @@ void replace(StormStage& s, Op o)
 
 void makeDisplay(StormStage& s, Op o)
 {
-  HWND const w = o.a % 5 == 0 ? nullptr : s.window(o.b);
+  HWND const w = o.a % 16 == 0 ? nullptr : s.window(o.b);
   for (unsigned i = 0; i < StormStage::kDisplays && w; ++i)
     if (NoisyDisplay const* const other = s.display(i))
       if (other->window() == w && !s.on(StormGroup::shared))
@@ -205,10 +205,10 @@ void cfAddWindowOps(std::vector<StormRow>& rows)
       {"show", windows, notWhilePainting, 6, showWindow},
       {"expose", windows, anywhere, 4, exposeWindow},
       {"bars", windows, notWhilePainting, 3, bars},
-      {"makeWindow", binding, notWhilePainting, 4, makeWindow},
-      {"destroyWindow", binding, outermost, 2, destroyWindow},
-      {"replace", binding, outermost, 5, replace},
-      {"makeDisplay", displays, notWhilePainting, 5, makeDisplay},
+      {"makeWindow", binding, notWhilePainting, 8, makeWindow},
+      {"destroyWindow", binding, outermost, 1, destroyWindow},
+      {"replace", binding, outermost, 8, replace},
+      {"makeDisplay", displays, notWhilePainting, 8, makeDisplay},
       {"deleteDisplay", displays, outermost, 2, deleteDisplay},
       {"share", StormGroup::shared, notWhilePainting, 2, sharedOp},
       {"screen", screens, outermost, 4, screenOp},

@@ -44,6 +44,7 @@ constexpr Switch kSwitches[] = {
     {StormGroup::reading, "reading", true},
     {StormGroup::hooks, "hooks", true},
     {StormGroup::paintHooks, "paintHooks", true},
+    {StormGroup::paintDeletes, "paintDeletes", true},
     {StormGroup::deaths, "deaths", true},
     {StormGroup::paintDeaths, "paintDeaths", true},
     {StormGroup::throws, "throws", true},
