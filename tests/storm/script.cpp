@@ -50,6 +50,7 @@ constexpr Switch kSwitches[] = {
     {StormGroup::throws, "throws", true},
     {StormGroup::paintThrows, "paintThrows", true},
     {StormGroup::memory, "memory", true},
+    {StormGroup::lockOrder, "lockOrder", true},
 };
 static_assert(std::size(kSwitches) == kStormGroups);
 

@@ -26,7 +26,7 @@ namespace {
 // What the child leaves behind, however it ends.
 struct Slate {
   bool finished = false, ok = true;
-  char failure[1000] = {};
+  char failure[6000] = {};
   StormStats stats;
 };
 

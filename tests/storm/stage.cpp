@@ -6,7 +6,32 @@
 
 #include <algorithm>
 
+#if __has_include("foundation/lock_check.h")
+#include "foundation/lock_check.h"
+#define KRS_STORM_WATCHES_LOCKS 1
+#else
+#define KRS_STORM_WATCHES_LOCKS 0
+#endif
+
 namespace {
+
+std::string& lockFault()
+{
+  static std::string text;
+  return text;
+}
+
+// Locks out of order fail the step in which they were wanted.
+void watchLocks()
+{
+#if KRS_STORM_WATCHES_LOCKS
+  lockFault().clear();
+  cc_LockCheck::handler([](char const* text) {
+    if (lockFault().empty())
+      lockFault() = text;
+  });
+#endif
+}
 
 constexpr plat::Size kFirstScreen{200, 150};
 constexpr int kFirstDepth = 32;
@@ -67,6 +92,7 @@ NoisyDisplay::~NoisyDisplay() { stage_.dies(this); }
 StormStage::StormStage(StormSwitches const& switches, StormStats& stats) : switches_(switches), stats_(stats)
 {
   startPlatform();
+  watchLocks();
   mendDevice();
   plat::testing::overlays(0, {});
   screen(kFirstScreen, kFirstDepth);
@@ -280,6 +306,8 @@ bool StormStage::step(StormOp const& op)
   if (trouble_)
     endTrouble_();
   check_();
+  if (!lockFault().empty() && on(StormGroup::lockOrder))
+    fail_("order", lockFault());
   ++stepNumber_;
   return failure_.empty();
 }
