@@ -215,6 +215,8 @@ void sketch(StormStage& s, Op o)
 
 void overlayOp(StormStage& s, Op o)
 {
+  if (s.nested() && !s.on(overlayInHooks))
+    return;
   if (NoisyDisplay* const d = s.display(o.e))
     d->enableOverlay(o.a % 2 ? ccDisplay::overlayOn : ccDisplay::overlayOff);
 }

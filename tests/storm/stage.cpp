@@ -28,7 +28,7 @@ void watchLocks()
   lockFault().clear();
   cc_LockCheck::handler([](char const* text) {
     if (lockFault().empty())
-      lockFault() = text;
+      lockFault() = std::string(text).substr(0, 4000);
   });
 #endif
 }
