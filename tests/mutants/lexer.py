@@ -88,12 +88,12 @@ class Source:
                 words = {t.text for t in header}
                 is_function = any(t.text == ')' for t in header) and not self._is_value(header)
                 if is_function and not (words & {'namespace', 'extern'}):
-                    self._name_function(header, i, self.partner[i])
-                    i = self.partner[i] + 1
+                    closing = self.partner[i]
                     # A constructor's list of fields may use braces: the body is then still to come.
-                    if i < len(self.tokens) and self.tokens[i].text in (',', '{'):
-                        continue
-                    begin = i
+                    if closing + 1 == len(self.tokens) or self.tokens[closing + 1].text not in (',', '{'):
+                        self._name_function(header, i, closing)
+                        begin = closing + 1
+                    i = closing + 1
                     continue
                 if not words & CLASS_WORDS or 'enum' in words:
                     i = self.partner[i] + 1  # values of an array, or of an enumeration
@@ -148,6 +148,8 @@ class Source:
         words = []
         for token in self.headers[function]:
             if token.text == '(':
+                while len(words) > 2 and words[-2] == '::':
+                    del words[-3:-1]  # the class that the function belongs to
                 return [w for w in words[:-1] if w not in ('static', 'inline', 'constexpr', 'virtual', 'explicit', 'const')]
             words.append(token.text)
         return []

@@ -134,7 +134,7 @@ def main():
     parser.add_argument('count', type=int, help='how many changes to try that compile')
     parser.add_argument('seed', type=int, nargs='?', default=1)
     parser.add_argument('--jobs', type=int, default=1, help='test programs side by side')
-    parser.add_argument('--reach', type=int, default=30, help='headers that more objects than this include are left alone')
+    parser.add_argument('--reach', type=int, default=10, help='headers that more objects than this include are left alone')
     parser.add_argument('--only', action='append', metavar='PATH', help='only sources whose name begins so')
     parser.add_argument('--folder', default=ROOT / 'build' / 'mutants', help='where the copy is built')
     options = parser.parse_args()
