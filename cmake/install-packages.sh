@@ -6,7 +6,8 @@ for group in "$@"; do
   case "$group" in
   build) packages="$packages g++ cmake ninja-build ccache pkg-config libpng-dev libtiff-dev libjpeg-dev libfreetype-dev
          libagg-dev libsdl2-dev libx11-dev" ;;
-  test) packages="$packages clang libclang-rt-14-dev libgtest-dev xvfb xauth xdotool libxfixes-dev libfltk1.3-dev" ;;
+  test) packages="$packages clang libclang-rt-14-dev lld libgtest-dev python3 xvfb xauth xdotool libxfixes-dev
+         libfltk1.3-dev" ;;
   bench) packages="$packages libopencv-core-dev libopencv-imgproc-dev libopencv-highgui-dev qt6-base-dev libcairo2-dev
          libpixman-1-dev libyuv-dev libswscale-dev libvncserver-dev libxext-dev fonts-dejavu-core xvfb xauth" ;;
   *) echo "install-packages.sh: unknown group $group" >&2; exit 2 ;;

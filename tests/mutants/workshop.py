@@ -1,0 +1,198 @@
+"""A copy of the sources with a build of its own, in which changes are compiled and tested."""
+import json
+import os
+import resource
+import signal
+import subprocess
+import time
+from concurrent.futures import ThreadPoolExecutor, FIRST_COMPLETED, wait
+from pathlib import Path
+
+LIBRARY = ['foundation', 'geometry', 'acquisition', 'platform', 'canvas', 'ui', 'backend']
+# What the programs of each folder of tests run through. A change elsewhere cannot make them fail.
+FLOORS = {
+    'support': ['foundation', 'geometry', 'canvas'],
+    'foundation': ['foundation'],
+    'geometry': ['foundation', 'geometry'],
+    'acquisition': ['foundation', 'acquisition'],
+    'platform': ['foundation', 'platform'],
+    'canvas': ['foundation', 'geometry', 'canvas'],
+    'ui': ['foundation', 'geometry', 'acquisition', 'canvas', 'ui'],
+    'backend/scope': ['foundation', 'geometry', 'platform', 'canvas', 'backend/scope'],
+    'backend/win32': LIBRARY,
+    'apps': LIBRARY,
+}
+# Left out: what reads no more than the sources, and what builds the library anew.
+LEFT_OUT = {'test_house', 'package_test', 'test_mutants'}
+# These wait for a virtual X server. They serve the sources that speak to one, and what they say is asked for twice.
+NEEDS_SCREEN = {'test_platform_sdl', 'test_krsview_window'}
+SCREEN_SOURCES = 'platform/portable/sdl/'
+MEMORY_LIMIT = 8 << 30  # bytes; a change must not take the machine down
+
+
+class Workshop:
+    def __init__(self, root, folder):
+        self.root = Path(root)
+        self.folder = Path(folder)
+        self.source = self.folder / 'src'
+        self.build = self.source / 'build' / 'dev'
+        self.temporary = self.folder / 'tmp'
+        self.temporary.mkdir(parents=True, exist_ok=True)
+        self.programs = []
+
+    def bring_sources(self):
+        """Copies what the working tree holds, and touches only files that differ."""
+        listed = subprocess.run(['git', 'ls-files', '-co', '--exclude-standard', '-z'], cwd=self.root, check=True,
+                                stdout=subprocess.PIPE).stdout.decode().split('\0')
+        wanted = {name for name in listed if name and (self.root / name).is_file()}
+        for name in sorted(wanted):
+            content = (self.root / name).read_bytes()
+            to = self.source / name
+            if not to.is_file() or to.read_bytes() != content:
+                to.parent.mkdir(parents=True, exist_ok=True)
+                to.write_bytes(content)
+                to.chmod((self.root / name).stat().st_mode)
+        for path in list(self.source.rglob('*')):
+            name = path.relative_to(self.source).as_posix()
+            if path.is_file() and not name.startswith('build/') and name not in wanted:
+                path.unlink()
+        return wanted
+
+    def prepare(self):
+        """Builds everything and reads what there is to run. Raises CalledProcessError with what the compiler said."""
+        subprocess.run(['cmake', '--preset', 'dev', '-DKRS_TESTS=ON', '-DKRS_ONE_LIBRARY=ON', '--log-level=WARNING',
+                        '-DCMAKE_SHARED_LINKER_FLAGS=' + ('-fuse-ld=lld' if _has('ld.lld') else '')],
+                       cwd=self.source, check=True, stdout=subprocess.DEVNULL)
+        subprocess.run(['ninja', '-C', str(self.build)], check=True, stdout=subprocess.DEVNULL)
+        shown = subprocess.run(['ctest', '--show-only=json-v1'], cwd=self.build, check=True, stdout=subprocess.PIPE).stdout
+        self.programs = [Program(test, self) for test in json.loads(shown)['tests'] if test['name'] not in LEFT_OUT]
+        self._read_dependants()
+
+    def _read_dependants(self):
+        """How many objects each source is compiled into."""
+        shown = subprocess.run(['ninja', '-C', str(self.build), '-t', 'deps'], check=True, stdout=subprocess.PIPE)
+        self.dependants = {}
+        prefix = os.path.realpath(self.source) + '/'
+        for line in shown.stdout.decode().split('\n'):
+            if line.startswith('    '):
+                path = os.path.realpath(self.build / line.strip())
+                if path.startswith(prefix):
+                    name = path[len(prefix):]
+                    self.dependants[name] = self.dependants.get(name, 0) + 1
+
+    def compiles(self):
+        """Builds what the changed source asks for, and tells whether it could be built."""
+        done = subprocess.run(['ninja', '-C', str(self.build), '-j1'], stdout=subprocess.PIPE, stderr=subprocess.STDOUT)
+        self.said = done.stdout.decode(errors='replace')
+        return done.returncode == 0
+
+    def measure(self, times):
+        """Runs programs that are newer than their measured time. They must pass."""
+        for program in self.programs:
+            built = program.built()
+            known = times.get(program.name)
+            if known and known['built'] == built:
+                program.seconds, program.work = known['seconds'], known['work']
+                continue
+            began = time.monotonic()
+            before = resource.getrusage(resource.RUSAGE_CHILDREN)
+            if program.run(600) != 'passed':
+                raise SystemExit(program.name + ' fails without any change; nothing was tried. Run ' + program.command[0])
+            after = resource.getrusage(resource.RUSAGE_CHILDREN)
+            program.seconds = time.monotonic() - began
+            program.work = after.ru_utime + after.ru_stime - before.ru_utime - before.ru_stime
+            times[program.name] = {'built': built, 'seconds': round(program.seconds, 3), 'work': round(program.work, 3)}
+
+    def order(self, path):
+        """The programs that a change of this source may make fail, nearest and then cheapest first."""
+        fits = [p for p in self.programs
+                if any(path.startswith(floor + '/') for floor in p.floors) and
+                (p.name not in NEEDS_SCREEN or path.startswith(SCREEN_SOURCES))]
+        return sorted(fits, key=lambda p: (p.name in NEEDS_SCREEN, -_common(p.folder, path), p.work))
+
+    def killer(self, path, jobs=1):
+        """The name of the program that fails, or nothing."""
+        queue = self.order(path)
+        if jobs == 1:
+            return next((p.name + ' ' + what for p in queue if (what := p.verdict()) != 'passed'), None)
+        with ThreadPoolExecutor(jobs) as pool:
+            running, found = {}, None
+            while (queue or running) and not found:
+                while queue and len(running) < jobs:
+                    program = queue.pop(0)
+                    running[pool.submit(program.verdict)] = program
+                for one in wait(running, return_when=FIRST_COMPLETED).done:
+                    program = running.pop(one)
+                    if one.result() != 'passed':
+                        found = found or program.name + ' ' + one.result()
+            for program in running.values():
+                program.stop()
+            return found
+
+
+class Program:
+    """A test program, as ctest would run it."""
+
+    def __init__(self, test, workshop):
+        properties = {p['name']: p['value'] for p in test.get('properties', [])}
+        self.name = test['name']
+        self.command = test['command']
+        self.where = properties.get('WORKING_DIRECTORY', str(workshop.build))
+        self.environment = dict(os.environ, TMPDIR=str(workshop.temporary))
+        self.environment.update(pair.split('=', 1) for pair in properties.get('ENVIRONMENT', []))
+        inside = os.path.relpath(os.path.dirname(self.command[0]), workshop.build / 'tests').replace(os.sep, '/')
+        self.folder = inside
+        # A folder that is not known is taken to run through everything.
+        near = [name for name in FLOORS if inside == name or inside.startswith(name + '/')]
+        self.floors = FLOORS[max(near, key=len)] if near else LIBRARY
+        self.seconds = 0.0  # by the clock; a busy machine makes them more
+        self.work = 0.0  # seconds of the processor
+        self.process = None
+        self.is_gtest = '--gtest_brief=1' in self.command
+
+    def built(self):
+        return os.path.getmtime(self.command[0])
+
+    def verdict(self):
+        """passed, failed, crashed or hung. A program with a screen may fail by chance, so it has to do so twice."""
+        limit = 5 * self.seconds + 5
+        what = self.run(limit, 5 * self.work + 5)
+        return self.run(limit, 5 * self.work + 5) if what != 'passed' and self.name in NEEDS_SCREEN else what
+
+    def run(self, limit, work=3600):
+        command = self.command + (['--gtest_fail_fast'] if self.is_gtest else [])
+        self.process = subprocess.Popen(command, cwd=self.where, env=self.environment, stdin=subprocess.DEVNULL,
+                                        stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, start_new_session=True,
+                                        preexec_fn=lambda: _set_limits(int(work)))
+        try:
+            status = self.process.wait(limit)
+        except subprocess.TimeoutExpired:
+            status = None
+        self.stop()
+        if status is None or status in (-signal.SIGXCPU, -signal.SIGKILL):
+            return 'hung'
+        return 'passed' if status == 0 else 'failed' if status > 0 else 'crashed'
+
+    def stop(self):
+        """Ends the program and whatever it has started."""
+        if self.process:
+            try:
+                os.killpg(self.process.pid, signal.SIGKILL)
+            except ProcessLookupError:
+                pass
+            self.process.wait()
+
+
+def _set_limits(work):
+    resource.setrlimit(resource.RLIMIT_CPU, (work, work))
+    resource.setrlimit(resource.RLIMIT_CORE, (0, 0))
+    resource.setrlimit(resource.RLIMIT_AS, (MEMORY_LIMIT, MEMORY_LIMIT))
+
+
+def _has(program):
+    return any(os.access(os.path.join(folder, program), os.X_OK) for folder in os.environ['PATH'].split(':'))
+
+
+def _common(folder, path):
+    """How many folders two places share."""
+    return len(os.path.commonpath([folder + '/', path]).split('/')) if os.path.commonpath([folder, path]) else 0
