@@ -124,13 +124,20 @@ public:
   }
 
 private:
-  Glyph const& load(u8 character, bool grey) override
+  Glyph const& load(u8 character, bool grey) noexcept override
   {
     std::lock_guard const guard(library().mutex);
     auto& place = glyphs_[grey ? 1 : 0][character];
-    if (!place.load())
-      place.store(std::make_unique<Glyph>(make(character, grey)).release(), std::memory_order_release);
-    return *place.load();
+    for (int attempt = 0; attempt < 2 && !place.load(); ++attempt) {
+      try {
+        place.store(std::make_unique<Glyph>(make(character, grey)).release(), std::memory_order_release);
+      } catch (...) {
+        // Once more, then the glyph stays away: half a line may be painted by now.
+      }
+    }
+    static Glyph const none;
+    Glyph const* const loaded = place.load();
+    return loaded ? *loaded : none;
   }
   Glyph make(u8 character, bool grey);
   void takeRuns(Glyph&, FT_Bitmap const&);
@@ -214,6 +221,7 @@ std::shared_ptr<FontFace> fontFace(FontDesc const& desc)
   Library& all = library();
   std::vector<std::shared_ptr<FontFace>> dropped;  // die after the lock
   std::lock_guard const guard(all.mutex);
+  dropped.reserve(all.faces.size() + 1);
   std::shared_ptr<FontFace>& face = all.faces[{desc.family, desc.bold, desc.italic, desc.fixedPitch, height}];
   if (!face) {
     face = std::make_shared<FreeTypeFace>(desc, height);
