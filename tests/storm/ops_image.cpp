@@ -42,9 +42,20 @@ template <class T, class Make> ccPelBuffer_const<T> imageOf(StormStage& s, Op o,
   return pels;
 }
 
+// The display that gets an image; without one of any size and type while there is an overlay, as long as typeChanges is off.
+NoisyDisplay* receiver(StormStage& s, Op o)
+{
+  NoisyDisplay* const d = s.display(o.e);
+  if (!d || s.on(typeChanges) || d->enableOverlay() != ccDisplay::overlayOn)
+    return d;
+  for (int i = 0; i < 4 && s.display(o.e) == d && d->hasImage(); ++i)
+    d->removeImage();
+  return s.display(o.e) == d ? d : nullptr;
+}
+
 void image8(StormStage& s, Op o)
 {
-  if (NoisyDisplay* const d = s.display(o.e))
+  if (NoisyDisplay* const d = receiver(s, o))
     d->image(imageOf<unsigned char>(s, o, [](unsigned v) { return static_cast<unsigned char>(v); }), (o.d & 8) != 0);
 }
 
@@ -52,7 +63,7 @@ void image16(StormStage& s, Op o)
 {
   static long const widths[] = {8, 10, 12, 14, 16};
   long const bits = widths[o.d / 16 % 5];
-  if (NoisyDisplay* const d = s.display(o.e))
+  if (NoisyDisplay* const d = receiver(s, o))
     d->image(imageOf<unsigned short>(
                  s, o, [&](unsigned v) { return static_cast<unsigned short>((v * 977u) & ((1u << bits) - 1u)); }),
              bits);
@@ -60,7 +71,7 @@ void image16(StormStage& s, Op o)
 
 void imageRgb(StormStage& s, Op o)
 {
-  NoisyDisplay* const d = s.display(o.e);
+  NoisyDisplay* const d = receiver(s, o);
   if (!d)
     return;
   if (d->displayFormat() == ccDisplay::format16)

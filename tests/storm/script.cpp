@@ -17,6 +17,7 @@ struct Switch {
 constexpr Switch kSwitches[] = {
     {StormGroup::images, "images", true},
     {StormGroup::tiny, "tiny", false},
+    {StormGroup::typeChanges, "typeChanges", false},
     {StormGroup::views, "views", true},
     {StormGroup::fractions, "fractions", false},
     {StormGroup::modes, "modes", true},

@@ -19,7 +19,7 @@ using StormScript = std::vector<StormOp>;
 
 // What may be switched on and off as a whole.
 enum class StormGroup : std::uint8_t {
-  images, tiny, views, fractions, modes, maps, windows, binding, displays, shared, screens, depths, lost, failing, overlay, overlayInHooks, keying, yuv,
+  images, tiny, typeChanges, views, fractions, modes, maps, windows, binding, displays, shared, screens, depths, lost, failing, overlay, overlayInHooks, keying, yuv,
   frames, hiddenParents, shapes, joins, sketches, sizer, input, nestedInput, margins, reading, hooks, paintHooks, paintDeletes, deaths, paintDeaths, throws, paintThrows, memory, lockOrder, threadDisplays,
   count
 };
