@@ -186,13 +186,14 @@ void ccUIScope::pelScale(ccPelBuffer_const<T> const& image, ccPelBuffer<T>& out,
   std::int64_t const firstX = xs.first - offset.x();
   if (scratch.scale != scale || scratch.first != firstX || scratch.count != xs.count ||
       scratch.sourceWidth != source.width() || scratch.bilinear != bilinear) {
+    scratch.count = 0;  // memory may fail, and then nothing here is of use
+    scratch.columns.resize(static_cast<std::size_t>(xs.count));
+    scratch.weights.resize(bilinear ? static_cast<std::size_t>(xs.count) : 0);
     scratch.scale = scale;
     scratch.first = firstX;
     scratch.count = xs.count;
     scratch.sourceWidth = source.width();
     scratch.bilinear = bilinear;
-    scratch.columns.resize(static_cast<std::size_t>(xs.count));
-    scratch.weights.resize(bilinear ? static_cast<std::size_t>(xs.count) : 0);
     for (long x = 0; x < xs.count; ++x) {
       std::size_t const i = static_cast<std::size_t>(x);
       if (bilinear) {

@@ -401,10 +401,11 @@ void ccUITablet::lockScreenUpdatesPush(bool on, Layers l)
 
 void ccUITablet::lockScreenUpdatesPop(Layers l)
 {
-  if (cc_TabletTop* top = top_())
-    for (int layer = 0; layer < 2; ++layer)
-      if (cf_hasLayer(l, layer))
-        top->lockPop(layer);
+  cc_TabletTop* const top = top_();
+  cc_TabletTop::cc_Hold const hold(top);
+  for (int layer = 0; top && layer < 2; ++layer)
+    if (cf_hasLayer(l, layer))
+      top->lockPop(layer);
 }
 
 bool ccUITablet::anyChanged(Layers l) const

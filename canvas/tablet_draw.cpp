@@ -179,7 +179,9 @@ void ccUITablet::erase(ccUIRect const& r, Layers l)
   if (!top)
     return;
   bool const inOwnRedraw = top->isPainting(*this);
-  for (int layer = 0; layer < 2; ++layer) {
+  cc_TabletTop::cc_Hold const hold(top);
+  cc_Watch const self(*this);  // a repaint may end it
+  for (int layer = 0; layer < 2 && self.isIn(top); ++layer) {
     if (!cf_hasLayer(l, layer))
       continue;
     if (inOwnRedraw)

@@ -469,8 +469,9 @@ void cc_TabletTop::update(Layers l)
 
 void cc_TabletTop::update(ccUIRect const& area, Layers l, bool now)
 {
+  cc_Hold const hold(this);
   bool const asMark = !now || busy_ > 0;
-  for (int layer = 0; layer < 2; ++layer) {
+  for (int layer = 0; layer < 2 && !isDead(); ++layer) {
     if (!cf_hasLayer(l, layer))
       continue;
     if (asMark) {
@@ -544,26 +545,29 @@ void ccUITablet::update(ccUIRect const& area, Layers l, bool now)
 
 void ccUITablet::dragStart(Layers l)
 {
-  if (cc_TabletTop* top = top_())
-    for (int layer = 0; layer < 2; ++layer)
-      if (cf_hasLayer(l, layer))
-        top->dragStart(layer);
+  cc_TabletTop* const top = top_();
+  cc_TabletTop::cc_Hold const hold(top);
+  for (int layer = 0; top && layer < 2; ++layer)
+    if (cf_hasLayer(l, layer))
+      top->dragStart(layer);
 }
 
 void ccUITablet::dragErase(Layers l)
 {
-  if (cc_TabletTop* top = top_())
-    for (int layer = 0; layer < 2; ++layer)
-      if (cf_hasLayer(l, layer))
-        top->dragErase(layer);
+  cc_TabletTop* const top = top_();
+  cc_TabletTop::cc_Hold const hold(top);
+  for (int layer = 0; top && layer < 2; ++layer)
+    if (cf_hasLayer(l, layer))
+      top->dragErase(layer);
 }
 
 void ccUITablet::dragAnimate(bool on, Layers l)
 {
-  if (cc_TabletTop* top = top_())
-    for (int layer = 0; layer < 2; ++layer)
-      if (cf_hasLayer(l, layer))
-        top->dragAnimate(layer, on);
+  cc_TabletTop* const top = top_();
+  cc_TabletTop::cc_Hold const hold(top);
+  for (int layer = 0; top && layer < 2; ++layer)
+    if (cf_hasLayer(l, layer))
+      top->dragAnimate(layer, on);
 }
 
 void ccUITablet::dragDel(ccPair<long> const& offset)
@@ -574,8 +578,9 @@ void ccUITablet::dragDel(ccPair<long> const& offset)
 
 void ccUITablet::dragStop(Layers l)
 {
-  if (cc_TabletTop* top = top_())
-    for (int layer = 0; layer < 2; ++layer)
-      if (cf_hasLayer(l, layer))
-        top->dragStop(layer);
+  cc_TabletTop* const top = top_();
+  cc_TabletTop::cc_Hold const hold(top);
+  for (int layer = 0; top && layer < 2; ++layer)
+    if (cf_hasLayer(l, layer))
+      top->dragStop(layer);
 }

@@ -178,6 +178,7 @@ struct Stage {
     };
     tree.image.keepLog(false);
     tree.overlay.keepLog(false);
+    tree.top.update(ccUIRect::inf, kBoth, false);  // a tablet is born visible, and unmarked
     tree.top.update(kBoth);
   }
 };
@@ -193,7 +194,11 @@ std::vector<Operation> cf_operations()
           {"front and back", [](Stage& s) { s.a.front(); s.c.back(); s.a.back(); }},
           {"moves", [](Stage& s) { s.a.moveAbs({4, 5}); s.b.size({3, 3}); s.c.moveRel({1, -2}); }},
           {"setParent", [](Stage& s) { s.c.setParent(s.a, ccUIRect(1, 1, 5, 5)); }},
-          {"new kid", [](Stage& s) { s.made.push_back(std::make_unique<TestTablet>(s.a, ccUIRect(0, 0, 2, 2))); }},
+          {"new kid", [](Stage& s) {
+             s.made.push_back(std::make_unique<TestTablet>(s.a, ccUIRect(0, 0, 2, 2)));
+             s.made.back()->visible(false);
+             s.made.back()->visible(true);
+           }},
           {"redraw", [](Stage& s) { s.a.redraw(kBoth); }},
           {"fullDraw", [](Stage& s) { s.tree.top.fullDraw(kBoth); }},
           {"update", [](Stage& s) { s.tree.top.update(ccUIRect(0, 0, 30, 20), kBoth, false); s.tree.top.update(kBoth); }},

@@ -11,6 +11,10 @@ namespace {
 using Layers = ccUITablet::Layers;
 constexpr Layers bothInOrder[] = {ccUITablet::imageLayer, ccUITablet::overlayLayer};
 
+// Shapes of this thread that are being drawn. What is erased meanwhile is wiped by the next update, as nothing can be erased
+// in the middle of a drawing.
+thread_local int drawing = 0;
+
 bool cf_carries(Layers asked, Layers layer) { return asked == layer || asked == ccUITablet::bothLayers; }
 
 }  // namespace
@@ -99,6 +103,8 @@ void ccUIShapes::drawLook_(ccUITablet& canvas)
 {
   drawnProps_ = getGraphicProps();
   drawnProps_.penColor(getColor());
+  ++drawing;
+  cc_AtEnd const lower([] { --drawing; });
   draw_(canvas, getColor(), drawNormal);
 }
 
@@ -164,10 +170,12 @@ void ccUIShapes::eraseSelf_(ccUITablet& canvas, Layers layer)
   for (Layers i : bothInOrder) {
     if (!cf_carries(layer, i))
       continue;
-    ccUIRect const r = drawnRects_[i] & canvas.activeScope(i);
+    ccUIRect const r = drawing > 0 ? drawnRects_[i] : drawnRects_[i] & canvas.activeScope(i);
     if (r.isNull())
       continue;
-    if (!canvas.opaque(i))
+    if (drawing > 0)
+      canvas.update(r + canvas.screenOrigin(), i, /*now=*/false);
+    else if (!canvas.opaque(i))
       canvas.erase(r, layer);
     else
       canvas.update(r + canvas.screenOrigin(), i, /*now=*/true);

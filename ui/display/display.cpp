@@ -191,6 +191,11 @@ void ccDisplay::drawImage()
   if (!hasImage())
     set(ccColor::dkGreyColor(), imageLayer);
   else {
+    // An image that is reduced to less than a pel may draw nothing, so nothing may stay open for it.
+    ccPair<long> const size = imageSize();
+    if (scaleMode_ == scaleDown && (cfTruncToLong(static_cast<double>(size.x()) * scaleExact_.x()) == 0 ||
+                                    cfTruncToLong(static_cast<double>(size.y()) * scaleExact_.y()) == 0))
+      setComplement(ccUIRect(), ccColor::dkGreyColor(), imageLayer);
     if (image8_.isBound())
       draw(image8_, origin, /*masked=*/false, 0, mapPels_, imageLayer);
     else if (image16_.isBound())
@@ -208,12 +213,7 @@ void ccDisplay::drawImage()
       shown = ccPair<long>(shown.x() / reduction.x() * reduction.x(), shown.y() / reduction.y() * reduction.y());
     }
     ccPair<long> const lr = scopeCoords(ccPoint(shown));
-    // An image that is reduced to less than a pel draws nothing, so nothing may stay open for it.
-    ccPair<long> const size = imageSize();
-    bool const vanishes = scaleMode_ == scaleDown &&
-                          (cfTruncToLong(static_cast<double>(size.x()) * scaleExact_.x()) == 0 ||
-                           cfTruncToLong(static_cast<double>(size.y()) * scaleExact_.y()) == 0);
-    setComplement(vanishes ? ccUIRect() : ccUIRect(ul, lr - ul), ccColor::dkGreyColor(), imageLayer);
+    setComplement(ccUIRect(ul, lr - ul), ccColor::dkGreyColor(), imageLayer);
   }
   opaque(imageLayer, true);
   drawGrids_();

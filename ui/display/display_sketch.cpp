@@ -21,6 +21,11 @@ void ccDisplay::drawSketch(ccUISketch const& sketch, CoordinateSystem cs)
   ccLock lock(rootMutex());
   if (ccUIShapesFrame* const frame = shapesFrame(cs)) {
     ccUISketch const drawn(sketch);  // it may be the frame's own
+    cc_DisplayHold const self(*this);
+    cc_OnThrow const lift([&] {
+      if (self.stands())
+        frame->drawClipRect(ccRect(), bothLayers);
+    });
     frame->sketch_ += drawn;
     frame->drawDirect(drawn);
   }
@@ -37,7 +42,6 @@ void ccDisplay::drawSketch(ccUISketch const& sketch, CoordinateSystem cs, ccRect
   end.drawClipRect(ccRect(), bothLayers);
   ccUISketch const drawn(sketch);
   cc_ScreenLock const screen(this);
-  cc_DisplayHold const self(*this);
   // All three or none are stored; and the clip is lifted even if drawing fails between.
   ccUISketch all;
   all += begin.sketch_;
@@ -49,16 +53,18 @@ void ccDisplay::drawSketch(ccUISketch const& sketch, CoordinateSystem cs, ccRect
 void ccDisplay::drawSketchFast(ccUISketch const& sketch, CoordinateSystem cs)
 {
   ccLock lock(rootMutex());
-  if (ccUIShapesFrame* const frame = shapesFrame(cs))
+  if (ccUIShapesFrame* const frame = shapesFrame(cs)) {
+    cc_DisplayHold const self(*this);
     frame->drawDirect(sketch);
+  }
 }
 
 void ccDisplay::eraseSketch(CoordinateSystem cs)
 {
   ccLock lock(rootMutex());
   cc_ScreenLock const screen(this);
+  cc_DisplayHold const self(*this);
   if (ccUIShapesFrame* const frame = shapesFrame(cs)) {
-    cc_DisplayHold const self(*this);
     frame->sketch_.erase();
     frame->redraw(bothLayers);
     if (!self.stands())

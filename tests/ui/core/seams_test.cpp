@@ -261,7 +261,7 @@ TEST(Seams, aShapeMayDeleteItselfOrAnotherInItsDrawing)
       };
       switch (how) {
       case 0: p.settle(); break;
-      case 1: shapes[1]->color(ccColor::redColor()); break;
+      case 1: shapes[1]->color(ccColor::cyanColor()); break;  // it lies above closer ones now, in the same colour
       case 2: shapes[0]->pos(ccVector<2>(5, 5)); break;
       default: p.frame->update(ccUIRect(6, 4, 4, 4), ccUITablet::imageLayer, true); break;
       }
