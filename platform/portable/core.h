@@ -217,6 +217,7 @@ private:
 
   void openGlass(HWND);  // video window and backing of a top-level window
   void renewBacking(HWND);
+  void makeBacking(HWND);
   void present(Backing&);
   void presentAll(bool whole);
   void presentOrWake(Backing&);

@@ -45,6 +45,18 @@ void Core::openGlass(HWND handle)
 // and its lock was ours, nobody writes into it any more.
 void Core::renewBacking(HWND handle)
 {
+  try {
+    makeBacking(handle);
+  } catch (std::bad_alloc const&) {
+    // The window shows nothing until there is memory again; each round tries.
+    Lock lock(mutex_);
+    if (Window* const w = tree_.find(handle))
+      w->glassDue = true;
+  }
+}
+
+void Core::makeBacking(HWND handle)
+{
   std::shared_ptr<Backing> old;
   VideoWindow* video;
   Size size;
@@ -79,6 +91,8 @@ void Core::renewBacking(HWND handle)
       return;
     w->backing = fresh;
     tree_.changed();
+    if (std::exchange(w->glassDue, false))
+      tree_.invalidateTree(*w, {0, 0, size.w, size.h});
   }
   present(*fresh);
 }
@@ -166,16 +180,18 @@ bool Core::paintVisible(HWND handle, void* context, PaintBody body, Rect const& 
 // Topmost windows first, parents before kids, each once a round.
 bool Core::stepPaint()
 {
-  HWND next = {}, bars = {};
+  HWND next = {}, bars = {}, glass = {};
   {
     Lock lock(mutex_);
     auto const look = [&](auto const& self, std::vector<Window*> const& list) -> void {
       for (Window* w : list) {
-        if (next || bars)
+        if (next || bars || glass)
           return;
         if (!w->has(visibleStyle) || w->has(minimizedStyle))
           continue;
-        if (w->barsDue)
+        if (w->glassDue && w->paintRound != round_)
+          glass = w->handle;
+        else if (w->barsDue)
           bars = w->handle;
         else if (!w->update.empty() && w->paintRound != round_)
           next = w->handle;
@@ -184,8 +200,12 @@ bool Core::stepPaint()
       }
     };
     look(look, tree_.tops());
-    if (Window* const w = tree_.find(next))
+    if (Window* const w = tree_.find(glass ? glass : next))
       w->paintRound = round_;
+  }
+  if (glass) {
+    renewBacking(glass);
+    return true;
   }
   if (bars)
     paintBars(bars);

@@ -48,6 +48,7 @@ struct Window {
   bool eraseDue = false;  // and a 20 before it
   ScrollBar bars[2];    // horizontal, vertical
   bool barsDue = false;  // they await painting
+  bool glassDue = false;  // there was no memory for the backing
   bool topmost = false;  // stays in front of its siblings
   bool dying = false;
   bool attached = false;  // the real window is someone else's

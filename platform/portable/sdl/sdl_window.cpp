@@ -3,8 +3,11 @@
 #include "platform/portable/blit.h"
 #include "platform/portable/region.h"
 #include "platform/portable/sdl/sdl_video.h"
+#include "platform/window.h"
 
 #include <algorithm>
+#include <cstdio>
+#include <string>
 #include <utility>
 
 #include <SDL.h>
@@ -58,6 +61,7 @@ SdlWindow::SdlWindow(SdlVideo& video, HWND handle, SDL_Window* window, Maker mak
 SdlWindow::~SdlWindow()
 {
   video_.remove(*this);
+  foreign_ = nullptr;
   if (child_)
     return;  // which destroys its SDL window itself
   if (SDL_Window* const w = window()) {
@@ -157,11 +161,42 @@ PelBlock SdlWindow::lend(Size size, int depth)
   return blockOf(*s);
 }
 
+// Where SDL knows no surface for the screen's format. Says so once where there is no other way either.
+bool SdlWindow::foreign()
+{
+  if (!std::exchange(askedForeign_, true)) {
+    std::string const reason = SDL_GetError();
+    foreign_ = makeX11Pels(window());
+    if (!foreign_) {
+      std::string const text = "The pels of a window cannot be shown on this screen (" + reason +
+                               "). Screens of 15, 16, 24 and 32 bits can.\n";
+      std::fputs(text.c_str(), stderr);
+      debugText(text);
+    }
+  }
+  return foreign_ != nullptr;
+}
+
+void SdlWindow::copyForeign(PelBlock const& backing, Rect const& wanted)
+{
+  picture_.resize(static_cast<std::size_t>(backing.width) * static_cast<std::size_t>(backing.height));
+  PelBlock const rgb{reinterpret_cast<u8*>(picture_.data()), backing.width, backing.height, backing.width * 4, 32};
+  Rect const r = intersect(wanted, extent(backing));
+  if (r.empty())
+    return;
+  convertRect(rgb, backing, r);
+  foreign_->copy(rgb, r);
+}
+
 void SdlWindow::copy(PelBlock const& backing, std::span<Rect const> rects)
 {
   SDL_Surface* const s = surface();
-  if (!s)
+  if (!s) {
+    if (window() && foreign())
+      for (Rect const& r : rects)
+        copyForeign(backing, r);
     return;
+  }
   Rect const common = intersect(extent(backing), {0, 0, s->w, s->h});
   if (whole_)
     return copyRect(backing, *s, common);
@@ -196,6 +231,8 @@ void SdlWindow::send(std::span<Rect const> rects)
   SDL_Window* const w = window();
   if (!w)
     return;
+  if (foreign_)
+    return foreign_->send(rects);
   if (std::exchange(whole_, false) && !lent_) {
     SDL_UpdateWindowSurface(w);
     return;

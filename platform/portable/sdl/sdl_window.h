@@ -3,6 +3,7 @@
 #pragma once
 
 #include "platform/portable/sdl/x11_child.h"
+#include "platform/portable/sdl/x11_pels.h"
 #include "platform/portable/video.h"
 
 #include <vector>
@@ -47,6 +48,8 @@ public:
 
 private:
   SDL_Surface* surface();
+  bool foreign();
+  void copyForeign(PelBlock const& backing, Rect const&);
   void copyRect(PelBlock const& backing, SDL_Surface&, Rect const&);
 
   SdlVideo& video_;
@@ -59,6 +62,9 @@ private:
   bool whole_ = false;  // the surface is new and must be shown as a whole
   std::vector<SDL_Rect> rects_;
   std::vector<u32> row_;
+  Ptr<ForeignPels> foreign_;  // where SDL has no surface for the screen
+  bool askedForeign_ = false;
+  std::vector<u32> picture_;  // what is handed to them
 };
 
 }  // namespace plat::portable

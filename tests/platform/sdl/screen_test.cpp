@@ -42,6 +42,16 @@ protected:
   SmallDepth() : SdlTest("x11", 1) {}
 };
 
+// A screen of 8 bits with a palette, and one of 30, for which SDL has no surface.
+class PaletteScreen : public SdlTest {
+protected:
+  PaletteScreen() : SdlTest("x11", 2) {}
+};
+class DeepScreen : public SdlTest {
+protected:
+  DeepScreen() : SdlTest("x11", 3) {}
+};
+
 // Windows with an alpha channel.
 class AlphaScreen : public SdlTest {
 protected:
@@ -77,6 +87,40 @@ TEST_F(OnScreen, aFullBufferAndSingleRectanglesBothArrive)
   fill(window, {239, 179, 240, 180}, 0xFFFFFF);
   EXPECT_EQ(xserver::grab({339, 239, 340, 240})[0], 0xF8FCF8u);
   EXPECT_TRUE(screenShows(window));
+}
+
+TEST_F(PaletteScreen, pelsOfEightBitsAreLevelsOfThreeThreeAndTwoBits)
+{
+  HWND const window = top({20, 30, 120, 90});
+  settle();
+  fill(window, {0, 0, 50, 60}, 0x0000FF);     // COLORREF: red
+  fill(window, {50, 0, 100, 60}, 0x66CC33);  // red 33 is level 1 of 7, green CC level 6 of 7, blue 66 level 1 of 3
+  drain();
+
+  std::vector<u32> seen;
+  ASSERT_TRUE(comes([&] {
+    seen = xserver::colorsOf(id(window), xserver::grabWindow(id(window), {48, 10, 52, 11}, 2), 2);
+    return seen == std::vector<u32>{0xFF0000, 0xFF0000, 0x24DB55, 0x24DB55};
+  })) << std::hex << seen[0] << ' ' << seen[3];
+}
+
+TEST_F(DeepScreen, pelsOfThirtyBitsHaveTheirUpperBitsOnceMoreBelow)
+{
+  HWND const window = top({20, 30, 120, 90});
+  settle();
+  fill(window, {0, 0, 50, 60}, 0x0000FF);
+  fill(window, {50, 0, 100, 60}, 0x4080C1);  // blue 40, green 80, red C1
+  drain();
+
+  // Ten bits each, red uppermost: FF is 3FF; C1 is 11000001 11, 80 is 10000000 10, 40 is 01000000 01.
+  constexpr u32 red = 0x3FFu << 20, mixed = 0x307u << 20 | 0x202u << 10 | 0x101u;
+  std::vector<u32> seen;
+  ASSERT_TRUE(comes([&] {
+    seen = xserver::grabWindow(id(window), {48, 10, 52, 11}, 3);
+    for (u32& pel : seen)
+      pel &= 0x3FFFFFFF;
+    return seen == std::vector<u32>{red, red, mixed, mixed};
+  })) << std::hex << seen[0] << ' ' << seen[3];
 }
 
 TEST_F(OnScreen, theTitleIsTheWindows)

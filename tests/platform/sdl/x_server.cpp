@@ -1,5 +1,6 @@
 #include "tests/platform/sdl/x_server.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <stdexcept>
@@ -26,7 +27,7 @@ struct Server {
   void stop();
 };
 
-Server servers[2] = {Server("1024x768x24"), Server("800x600x16")};
+Server servers[4] = {Server("1024x768x24"), Server("800x600x16"), Server("400x300x8"), Server("400x300x30")};
 Display*& display = servers[0].display;
 bool failed = false;  // the last request
 
@@ -75,12 +76,12 @@ void Server::stop()
 
 }  // namespace
 
-bool start() { return servers[0].start() && servers[1].start(); }
+bool start() { return std::all_of(std::begin(servers), std::end(servers), [](Server& s) { return s.start(); }); }
 
 void stop()
 {
-  servers[0].stop();
-  servers[1].stop();
+  for (Server& server : servers)
+    server.stop();
 }
 
 std::string name(int server) { return servers[server].name; }
@@ -99,6 +100,21 @@ std::vector<plat::u32> grabWindow(Id window, plat::Rect const& r, int server)
       pels.push_back(static_cast<plat::u32>(XGetPixel(image, x, y)));
   XDestroyImage(image);
   return pels;
+}
+
+std::vector<plat::u32> colorsOf(Id window, std::vector<plat::u32> const& pels, int server)
+{
+  Display* const from = servers[server].display;
+  XWindowAttributes attributes;
+  XGetWindowAttributes(from, window, &attributes);
+  std::vector<plat::u32> colors;
+  for (plat::u32 const pel : pels) {
+    XColor color{};
+    color.pixel = pel;
+    XQueryColor(from, attributes.colormap, &color);
+    colors.push_back(plat::u32(color.red >> 8) << 16 | plat::u32(color.green >> 8) << 8 | plat::u32(color.blue >> 8));
+  }
+  return colors;
 }
 
 std::vector<plat::u32> grab(plat::Rect const& r)

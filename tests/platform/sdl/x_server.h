@@ -1,6 +1,6 @@
 // Virtual X servers of the test program's own, and second connections to them as witnesses: what the screen shows, other
-// windows on it, and hands on mouse and keyboard. Server 0 has 1024 x 768 pels of 24 bits, server 1 800 x 600 of 16; what
-// names no server means the first.
+// windows on it, and hands on mouse and keyboard. Server 0 has 1024 x 768 pels of 24 bits, server 1 800 x 600 of 16; servers
+// 2 and 3 have 400 x 300 of 8 and of 30. What names no server means the first.
 #pragma once
 
 #include "platform/types.h"
@@ -33,6 +33,7 @@ void focusWindow(Id);
 void askToClose(Id);
 std::string title(Id);
 bool isWindow(Id);
+std::vector<plat::u32> colorsOf(Id, std::vector<plat::u32> const& pels, int server);  // by the window's colour map
 Id visual32();  // the number of a visual with an alpha channel
 
 // Runs xdotool with these arguments and waits for it.
