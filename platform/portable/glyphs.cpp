@@ -217,7 +217,7 @@ void FreeTypeFace::takeCoverage(Glyph& glyph, FT_Bitmap const& bitmap)
 
 std::shared_ptr<FontFace> fontFace(FontDesc const& desc)
 {
-  i32 const height = std::clamp(desc.height < -highest ? highest : desc.height < 0 ? -desc.height : desc.height, 1, highest);
+  i32 const height = std::clamp(desc.height < 0 ? -std::max(desc.height, -highest) : desc.height, 1, highest);
   Library& all = library();
   std::vector<std::shared_ptr<FontFace>> dropped;  // die after the lock
   std::lock_guard const guard(all.mutex);

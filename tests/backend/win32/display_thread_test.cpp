@@ -106,6 +106,18 @@ TEST(DisplayThreads, displaysOnOneWindowDieInAnyOrder)
   }
 }
 
+TEST(DisplayThreads, allDisplaysOfAWindowThatGoesLeaveIt)
+{
+  WindowDriver driver(200, 150);
+  ccWin32Display second(driver.window()), third(driver.window());
+
+  plat::platform().windows.destroy(driver.window());
+
+  EXPECT_EQ(driver.display().window(), nullptr);
+  EXPECT_EQ(second.window(), nullptr);
+  EXPECT_EQ(third.window(), nullptr);
+}
+
 TEST(DisplayThreads, aDisplayGivesItsWindowBackThoughTheApplicationStandsAboveIt)
 {
   WindowDriver driver(200, 150);
