@@ -3,6 +3,8 @@
 #include "geometry/bounds.h"
 #include "geometry/gen_rect.h"
 
+#include <map>
+
 namespace {
 
 // A box of all zeros belongs to a shape without points or to the point (0,0).
@@ -13,18 +15,46 @@ bool cf_hasPoints(ccShape const& shape, ccRect const& box)
 
 constexpr int kMaxLevels = 1000;  // each takes a part of the stack
 
-// Whether the shape can hang levels below the top without holding the top itself.
-bool cf_canHang(ccShape const& shape, ccShape const& top, int levels)
-{
-  auto const* tree = dynamic_cast<ccShapeTree const*>(&shape);
-  if (!tree)
-    return true;
-  return tree != &top && levels < kMaxLevels &&
-         std::all_of(tree->shapes().begin(), tree->shapes().end(),
-                     [&](auto const& child) { return cf_canHang(*child, top, levels + 1); });
-}
-
 }  // namespace
+
+// Recursion over trees takes a part of the stack for each level, so the levels are counted from the top, when a tree is hung
+// into another one that may hang in others. Shared trees are walked once for each level at which they come to hang.
+class cc_TreeLevels {
+public:
+  explicit cc_TreeLevels(ccShapeTree const& top) : top_(top) {}
+
+  // Throws where the shape can't hang in the top.
+  void check(ccShape const& shape)
+  {
+    auto const* const tree = dynamic_cast<ccShapeTree const*>(&shape);
+    if (!tree)
+      return;
+    visit_(*tree, top_.above_ + 1);
+  }
+  // Checked before.
+  void hang() const
+  {
+    for (auto const& [tree, level] : levels_)
+      if (tree->above_ < level)
+        tree->above_ = level;
+  }
+
+private:
+  void visit_(ccShapeTree const& tree, int level)
+  {
+    cf_require(&tree != &top_ && level < kMaxLevels, "tree that holds itself or is too deep");
+    int& known = levels_[&tree];
+    if (known >= level)
+      return;
+    known = level;
+    for (auto const& child : tree.shapes())
+      if (auto const* const kid = dynamic_cast<ccShapeTree const*>(child.get()))
+        visit_(*kid, level + 1);
+  }
+
+  ccShapeTree const& top_;
+  std::map<ccShapeTree const*, int> levels_;
+};
 
 ccShapeTree::ccShapeTree(std::vector<ccPtrHandle_const<ccShape>> shapes)
 {
@@ -37,8 +67,21 @@ void ccShapeTree::addShape(ccPtrHandle_const<ccShape> const& shape)
 {
   if (!shape)
     cf_throwBadPointer();
-  cf_require(cf_canHang(*shape, *this, 1), "tree that holds itself or is too deep");
+  cc_TreeLevels levels(*this);
+  levels.check(*shape);
   shapes_.push_back(shape);
+  levels.hang();
+}
+
+ccShapeTree& ccShapeTree::operator=(ccShapeTree const& other)
+{
+  cc_TreeLevels levels(*this);
+  for (auto const& shape : other.shapes_)
+    levels.check(*shape);
+  std::vector<ccPtrHandle_const<ccShape>> shapes = other.shapes_;
+  shapes_.swap(shapes);
+  levels.hang();
+  return *this;
 }
 
 ccShapeTree ccShapeTree::map(ccXform<2> const& x) const

@@ -3,14 +3,18 @@
 
 #include "geometry/shape.h"
 
+#include <atomic>
 #include <vector>
 
 class ccShapeTree : public ccShape {
 public:
   ccShapeTree() = default;
+  ccShapeTree(ccShapeTree const& other) : ccShape(other), shapes_(other.shapes_) {}
+  ccShapeTree& operator=(ccShapeTree const&);  // throws as addShape does, and changes nothing then
   explicit ccShapeTree(std::vector<ccPtrHandle_const<ccShape>> shapes);  // a null handle throws ccBadPointer
 
-  // null: ccBadPointer. A tree that holds this one, or of more than 1000 levels: ccShapesError::BadParams.
+  // null: ccBadPointer. A tree that holds this one, or one with which a tree gets more than 1000 levels, the trees that hold
+  // this one counted: ccShapesError::BadParams.
   void addShape(ccPtrHandle_const<ccShape> const&);
   std::vector<ccPtrHandle_const<ccShape>> const& shapes() const { return shapes_; }
   long size() const { return static_cast<long>(shapes_.size()); }
@@ -29,7 +33,9 @@ protected:
   ccPtrHandle_const<ccShape> map_(ccXform<2> const&) const override;
 
 private:
+  friend class cc_TreeLevels;
   std::vector<ccPtrHandle_const<ccShape>> shapes_;
+  mutable std::atomic<int> above_{0};  // the most levels that were ever above this tree
 };
 
 // Moves shapes without reshaping them: each leaf of a tree, or a shape that is none, is shifted as the map shifts the centre

@@ -125,3 +125,52 @@ TEST(GenShape, canBeHeldAndTellsItsBox)
   EXPECT_EQ(shape->encloseRect().lr(), V(4, 6));
   EXPECT_EQ(graphic->encloseRect().lr(), V(12, 14));
 }
+
+// A tree may be hung before its own children are: the levels count from the top all the same.
+TEST(ShapeTree, isNotGrownTooDeepFromBelow)
+{
+  ccPtrHandle<ccShapeTree> const top(new ccShapeTree);
+  ccPtrHandle<ccShapeTree> last = top;
+  long hung = 0;
+  for (; hung < 3000; ++hung) {
+    ccPtrHandle<ccShapeTree> const next(new ccShapeTree);
+    try {
+      last->addShape(next);
+    } catch (ccShapesError::BadParams const&) {
+      break;
+    }
+    last = next;
+  }
+  EXPECT_EQ(hung, 999) << "a thousand levels with the top";
+  EXPECT_EQ(last->size(), 0) << "what is refused changes nothing";
+  last->addShape(new ccCircle(V(3, 4), 1));
+  EXPECT_EQ(top->distanceToPoint(V(3, 9)), 4);
+  EXPECT_EQ(top->encloseRect().ul(), V(2, 3));
+}
+
+TEST(ShapeTree, isNotAssignedIntoItself)
+{
+  ccPtrHandle<ccShapeTree> const inner(new ccShapeTree({new ccCircle(V(0, 0), 1)}));
+  ccPtrHandle<ccShapeTree> const outer(new ccShapeTree({inner}));
+  ccShapeTree const holder({outer});
+  EXPECT_THROW(*inner = holder, ccShapesError::BadParams);
+  EXPECT_EQ(inner->size(), 1);
+  EXPECT_EQ(outer->distanceToPoint(V(5, 0)), 4);
+  *outer = *inner;
+  EXPECT_EQ(outer->distanceToPoint(V(5, 0)), 4);
+  EXPECT_EQ(treeOf(holder.shapes()[0]).shapes()[0], inner->shapes()[0]);
+}
+
+TEST(ShapeTree, aTreeSharedManyTimesIsHungAtOnce)
+{
+  ccPtrHandle<ccShapeTree> below(new ccShapeTree);
+  for (int i = 0; i < 60; ++i) {
+    ccPtrHandle<ccShapeTree> const above(new ccShapeTree);
+    above->addShape(below);
+    above->addShape(below);  // 2^60 ways lead down
+    below = above;
+  }
+  EXPECT_EQ(below->size(), 2);
+  EXPECT_THROW(ccPtrHandle<ccShapeTree>(const_cast<ccShapeTree*>(&treeOf(below->shapes()[0])))->addShape(below),
+               ccShapesError::BadParams);
+}
