@@ -8,7 +8,11 @@
 
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
 #define KRS_SANITIZED 1
-#include <sanitizer/allocator_interface.h>
+// Not every compiler brings the header that declares them.
+extern "C" {
+int __sanitizer_install_malloc_and_free_hooks(void (*)(void const volatile*, std::size_t), void (*)(void const volatile*));
+std::size_t __sanitizer_get_allocated_size(void const volatile*);
+}
 #endif
 
 namespace {
@@ -36,7 +40,7 @@ void onMalloc(void const volatile*, std::size_t size) { grow(size); }
 void onFree(void const volatile* p)
 {
   if (p)
-    shrink(__sanitizer_get_allocated_size(const_cast<void const*>(p)));
+    shrink(__sanitizer_get_allocated_size(p));
 }
 int const installed = __sanitizer_install_malloc_and_free_hooks(onMalloc, onFree);
 
