@@ -9,27 +9,25 @@ import time
 from concurrent.futures import ThreadPoolExecutor, FIRST_COMPLETED, wait
 from pathlib import Path
 
-LIBRARY = ['foundation', 'geometry', 'acquisition', 'platform', 'canvas', 'ui', 'backend']
-# What the programs of each folder of tests run through. A change elsewhere cannot make them fail.
-FLOORS = {
-    'support': ['foundation', 'geometry', 'canvas'],
-    'foundation': ['foundation'],
-    'geometry': ['foundation', 'geometry'],
-    'acquisition': ['foundation', 'acquisition'],
-    'platform': ['foundation', 'platform'],
-    'canvas': ['foundation', 'geometry', 'canvas'],
-    'ui': ['foundation', 'geometry', 'acquisition', 'canvas', 'ui'],
-    'backend/scope': ['foundation', 'geometry', 'platform', 'canvas', 'backend/scope'],
-    'backend/win32': LIBRARY,
-    'apps': LIBRARY,
-}
 # Left out: what reads no more than the sources, and what builds the library anew.
 LEFT_OUT = {'test_house', 'package_test', 'test_mutants'}
+# Tests that stand in no folder of the library run through these folders; those of any other name, through all.
+SUPPORT = ['foundation', 'geometry', 'canvas']
 # These wait for a virtual X server. They serve the sources that speak to one, and what they say is asked for twice.
 NEEDS_SCREEN = {'test_platform_sdl', 'test_krsview_window'}
 SCREEN_SOURCES = 'platform/portable/sdl/'
 SLOW_TEST = 0.2  # seconds; slower tests run when all quick ones have passed
 MEMORY_LIMIT = 8 << 30  # bytes; a change must not take the machine down
+
+
+def read_folders(root):
+    """The library's folders, each with those that it may include, from the list that the build is made by."""
+    reach = {}
+    for line in (Path(root) / 'cmake' / 'folders.txt').read_text().split('\n'):
+        if line and not line.startswith('#'):
+            name, _, *included = line.split()
+            reach[name] = {name}.union(*(reach[one] for one in included))
+    return reach
 
 
 class Workshop:
@@ -41,6 +39,7 @@ class Workshop:
         self.temporary = self.folder / 'tmp'
         self.temporary.mkdir(parents=True, exist_ok=True)
         self.programs = []
+        self.folders = read_folders(root)
 
     def bring_sources(self):
         """Copies what the working tree holds, and touches only files that differ."""
@@ -150,9 +149,8 @@ class Program:
         self.environment.update(pair.split('=', 1) for pair in properties.get('ENVIRONMENT', []))
         inside = os.path.relpath(os.path.dirname(self.command[0]), workshop.build / 'tests').replace(os.sep, '/')
         self.folder = inside
-        # A folder that is not known is taken to run through everything.
-        near = [name for name in FLOORS if inside == name or inside.startswith(name + '/')]
-        self.floors = FLOORS[max(near, key=len)] if near else LIBRARY
+        near = [name for name in workshop.folders if inside == name or inside.startswith(name + '/')]
+        self.floors = SUPPORT if inside == 'support' else workshop.folders[max(near, key=len)] if near else workshop.folders
         self.seconds = 0.0  # by the clock; a busy machine makes them more
         self.work = 0.0  # seconds of the processor
         self.process = None
