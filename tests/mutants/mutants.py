@@ -10,11 +10,10 @@ from pathlib import Path
 
 from lexer import Source
 from operators import draw
-from workshop import LIBRARY, Workshop
+from workshop import Workshop
 
 HERE = Path(__file__).resolve().parent
 ROOT = HERE.parent.parent
-FOLDERS = [name for name in LIBRARY if name != 'platform'] + ['platform/portable']
 
 
 def equivalents(path=HERE / 'equivalent.txt'):
@@ -43,7 +42,7 @@ def sources_to_change(workshop, wanted, reach, only):
     """The library's sources that are compiled here, and headers that few enough objects include."""
     sources = []
     for name in sorted(wanted):
-        if name.endswith(('.cpp', '.h')) and any(name.startswith(folder + '/') for folder in FOLDERS):
+        if name.endswith(('.cpp', '.h')) and any(name.startswith(folder + '/') for folder in workshop.folders):
             if 1 <= workshop.dependants.get(name, 0) <= reach and (not only or name.startswith(tuple(only))):
                 sources.append(Source(name, (workshop.source / name).read_text()))
     return sources
@@ -111,11 +110,11 @@ def show(number, entry):
         print(f"       - {entry['before']}\n       + {entry['after']}", flush=True)
 
 
-def report(entries, listed, seconds):
+def report(folders, entries, listed, seconds):
     counted = [e for e in entries if e['result'] in ('killed', 'survived')]
     survivors = [e for e in counted if e['result'] == 'survived']
     print(f'\n{"folder":22}{"killed":>8}{"survived":>10}{"not compiled":>14}{"changes nothing":>17}{"seconds":>9}')
-    for folder in FOLDERS + ['']:
+    for folder in [*folders, '']:
         mine = [e for e in entries if e['file'].startswith(folder)]
         number = lambda result: sum(e['result'] == result for e in mine)
         equal = sum(m.path.startswith(folder) for m in listed)
@@ -149,7 +148,7 @@ def main():
     workshop.measure(times)
     times_file.write_text(json.dumps(times, indent=1))
 
-    is_library = lambda name: name.startswith(tuple(folder + '/' for folder in LIBRARY))
+    is_library = lambda name: name.startswith(tuple(folder + '/' for folder in workshop.folders))
     log = Log(workshop.folder / 'log.jsonl', digest(workshop, filter(is_library, wanted)),
               digest(workshop, (n for n in wanted if n.startswith('tests/') and not n.startswith('tests/mutants/'))))
     known_equal = equivalents()
@@ -166,7 +165,7 @@ def main():
             show(tried + (entry['result'] != 'not compiled'), entry)
         entries.append(entry)
         tried += entry['result'] != 'not compiled'
-    return report(entries, listed, time.monotonic() - began)
+    return report(workshop.folders, entries, listed, time.monotonic() - began)
 
 
 if __name__ == '__main__':

@@ -1,4 +1,5 @@
 """A copy of the sources with a build of its own, in which changes are compiled and tested."""
+import copy
 import json
 import os
 import resource
@@ -8,26 +9,25 @@ import time
 from concurrent.futures import ThreadPoolExecutor, FIRST_COMPLETED, wait
 from pathlib import Path
 
-LIBRARY = ['foundation', 'geometry', 'acquisition', 'platform', 'canvas', 'ui', 'backend']
-# What the programs of each folder of tests run through. A change elsewhere cannot make them fail.
-FLOORS = {
-    'support': ['foundation', 'geometry', 'canvas'],
-    'foundation': ['foundation'],
-    'geometry': ['foundation', 'geometry'],
-    'acquisition': ['foundation', 'acquisition'],
-    'platform': ['foundation', 'platform'],
-    'canvas': ['foundation', 'geometry', 'canvas'],
-    'ui': ['foundation', 'geometry', 'acquisition', 'canvas', 'ui'],
-    'backend/scope': ['foundation', 'geometry', 'platform', 'canvas', 'backend/scope'],
-    'backend/win32': LIBRARY,
-    'apps': LIBRARY,
-}
 # Left out: what reads no more than the sources, and what builds the library anew.
 LEFT_OUT = {'test_house', 'package_test', 'test_mutants'}
+# Tests that stand in no folder of the library run through these folders; those of any other name, through all.
+SUPPORT = ['foundation', 'geometry', 'canvas']
 # These wait for a virtual X server. They serve the sources that speak to one, and what they say is asked for twice.
 NEEDS_SCREEN = {'test_platform_sdl', 'test_krsview_window'}
 SCREEN_SOURCES = 'platform/portable/sdl/'
+SLOW_TEST = 0.2  # seconds; slower tests run when all quick ones have passed
 MEMORY_LIMIT = 8 << 30  # bytes; a change must not take the machine down
+
+
+def read_folders(root):
+    """The library's folders, each with those that it may include, from the list that the build is made by."""
+    reach = {}
+    for line in (Path(root) / 'cmake' / 'folders.txt').read_text().split('\n'):
+        if line and not line.startswith('#'):
+            name, _, *included = line.split()
+            reach[name] = {name}.union(*(reach[one] for one in included))
+    return reach
 
 
 class Workshop:
@@ -39,6 +39,7 @@ class Workshop:
         self.temporary = self.folder / 'tmp'
         self.temporary.mkdir(parents=True, exist_ok=True)
         self.programs = []
+        self.folders = read_folders(root)
 
     def bring_sources(self):
         """Copies what the working tree holds, and touches only files that differ."""
@@ -87,28 +88,34 @@ class Workshop:
         return done.returncode == 0
 
     def measure(self, times):
-        """Runs programs that are newer than their measured time. They must pass."""
+        """Runs programs that are newer than their measured time, which must pass, and parts the slow tests from the quick."""
         for program in self.programs:
-            built = program.built()
-            known = times.get(program.name)
-            if known and known['built'] == built:
-                program.seconds, program.work = known['seconds'], known['work']
-                continue
-            began = time.monotonic()
-            before = resource.getrusage(resource.RUSAGE_CHILDREN)
-            if program.run(600) != 'passed':
-                raise SystemExit(program.name + ' fails without any change; nothing was tried. Run ' + program.command[0])
-            after = resource.getrusage(resource.RUSAGE_CHILDREN)
-            program.seconds = time.monotonic() - began
-            program.work = after.ru_utime + after.ru_stime - before.ru_utime - before.ru_stime
-            times[program.name] = {'built': built, 'seconds': round(program.seconds, 3), 'work': round(program.work, 3)}
+            if times.get(program.name, {}).get('built') != program.built():
+                times[program.name] = self._measured(program)
+        self.programs = [part for program in self.programs for part in program.parts(times[program.name])]
+
+    def _measured(self, program):
+        began = time.monotonic()
+        before = resource.getrusage(resource.RUSAGE_CHILDREN)
+        told = self.temporary / 'tests.json'
+        if program.run(600, extra=['--gtest_output=json:' + str(told)] if program.is_gtest else []) != 'passed':
+            raise SystemExit(program.name + ' fails without any change; nothing was tried. Run ' + program.command[0])
+        after = resource.getrusage(resource.RUSAGE_CHILDREN)
+        slow = {}
+        if program.is_gtest:
+            for suite in json.loads(told.read_text())['testsuites']:
+                for test in suite['testsuite']:
+                    if float(test['time'].rstrip('s')) > SLOW_TEST:
+                        slow[suite['name'] + '.' + test['name']] = float(test['time'].rstrip('s'))
+        return {'built': program.built(), 'seconds': round(time.monotonic() - began, 3), 'slow': slow,
+                'work': round(after.ru_utime + after.ru_stime - before.ru_utime - before.ru_stime, 3)}
 
     def order(self, path):
         """The programs that a change of this source may make fail, nearest and then cheapest first."""
         fits = [p for p in self.programs
                 if any(path.startswith(floor + '/') for floor in p.floors) and
                 (p.name not in NEEDS_SCREEN or path.startswith(SCREEN_SOURCES))]
-        return sorted(fits, key=lambda p: (p.name in NEEDS_SCREEN, -_common(p.folder, path), p.work))
+        return sorted(fits, key=lambda p: (p.name in NEEDS_SCREEN, p.is_slow, -_common(p.folder, path), p.work))
 
     def killer(self, path, jobs=1):
         """The name of the program that fails, or nothing."""
@@ -142,16 +149,33 @@ class Program:
         self.environment.update(pair.split('=', 1) for pair in properties.get('ENVIRONMENT', []))
         inside = os.path.relpath(os.path.dirname(self.command[0]), workshop.build / 'tests').replace(os.sep, '/')
         self.folder = inside
-        # A folder that is not known is taken to run through everything.
-        near = [name for name in FLOORS if inside == name or inside.startswith(name + '/')]
-        self.floors = FLOORS[max(near, key=len)] if near else LIBRARY
+        near = [name for name in workshop.folders if inside == name or inside.startswith(name + '/')]
+        self.floors = SUPPORT if inside == 'support' else workshop.folders[max(near, key=len)] if near else workshop.folders
         self.seconds = 0.0  # by the clock; a busy machine makes them more
         self.work = 0.0  # seconds of the processor
         self.process = None
+        self.tests = []  # a filter of tests
+        self.is_slow = False
         self.is_gtest = '--gtest_brief=1' in self.command
 
     def built(self):
         return os.path.getmtime(self.command[0])
+
+    def parts(self, times):
+        """This program, or its quick tests and its slow ones as two."""
+        self.seconds, self.work = times['seconds'], times['work']
+        slow = sum(times['slow'].values())
+        if slow < 2 * SLOW_TEST or self.name in NEEDS_SCREEN:
+            return [self]
+        parts = copy.copy(self), copy.copy(self)
+        names = ':'.join(times['slow'])
+        for part, is_slow in zip(parts, (False, True)):
+            part.is_slow = is_slow
+            part.tests = ['--gtest_filter=' + ('' if is_slow else '-') + names]
+            part.seconds = slow if is_slow else max(self.seconds - slow, 0)
+            # The processor's part of the time is taken to be the same in both.
+            part.work = self.work * part.seconds / self.seconds
+        return list(parts)
 
     def verdict(self):
         """passed, failed, crashed or hung. A program with a screen may fail by chance, so it has to do so twice."""
@@ -159,8 +183,8 @@ class Program:
         what = self.run(limit, 5 * self.work + 5)
         return self.run(limit, 5 * self.work + 5) if what != 'passed' and self.name in NEEDS_SCREEN else what
 
-    def run(self, limit, work=3600):
-        command = self.command + (['--gtest_fail_fast'] if self.is_gtest else [])
+    def run(self, limit, work=3600, extra=()):
+        command = self.command + (['--gtest_fail_fast'] if self.is_gtest else []) + self.tests + list(extra)
         self.process = subprocess.Popen(command, cwd=self.where, env=self.environment, stdin=subprocess.DEVNULL,
                                         stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, start_new_session=True,
                                         preexec_fn=lambda: _set_limits(int(work)))
