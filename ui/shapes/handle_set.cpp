@@ -17,6 +17,8 @@ ccUIHandle* cc_HandleSet::operator[](long i) const
   return i >= 0 && i < size() ? handles_[static_cast<std::size_t>(i)] : nullptr;
 }
 
+ccUIObject* cc_HandleSet::node_(long i) const { return (*this)[i]; }
+
 void cc_HandleSet::resize_(long count)
 {
   cc_NodeRef const shape(&shape_);
@@ -41,15 +43,6 @@ void cc_HandleSet::update()
   for (long i = 0; shape.exists() && i < size(); ++i)
     if (ccUIHandle* const handle = (*this)[i])
       handle->update();
-}
-
-// The layer comes first: a handle on a layer that is not asked for would not be drawn at all.
-void cc_HandleSet::show_(ccUIHandle* handle, bool on)
-{
-  if (!handle)
-    return;
-  handle->drawLayer(shape_.drawLayer());
-  handle->condVisible(on);
 }
 
 void cc_HandleSet::free_(std::size_t i)

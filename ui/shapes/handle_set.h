@@ -33,7 +33,8 @@ public:
   {
     cc_NodeRef const shape(&shape_);
     for (long i = 0; shape.exists() && i < size(); ++i)
-      show_((*this)[i], shown(i));
+      if (ccUIObject* const handle = node_(i))
+        handle->condVisible(shown(i));
   }
   void free();
   void takeFrom(cc_HandleSet& other);  // frees its own; the other, of the same shape, is left without places
@@ -42,7 +43,7 @@ private:
   friend class ccUIHandle;
   void resize_(long count);
   void put_(long i, ccUIHandle*);
-  void show_(ccUIHandle*, bool);
+  ccUIObject* node_(long i) const;
   void free_(std::size_t i);
   void forget_(ccUIHandle const*);
 

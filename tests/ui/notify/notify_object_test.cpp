@@ -171,6 +171,24 @@ TEST(NotifyFlush, bringsTheChangeToTheScreenBeforeListenersHearOfIt)
   ccUINotifyObject::removeListener(tag);
 }
 
+TEST(NotifyFlush, showsWhateverWaitsForTheScreenIfItIsAskedTo)
+{
+  MemoryScope scope({80, 60});
+  TestRoot root(&scope, nullptr);
+  HookLog log;
+  SpyShapesFrame frame(log, "frame", root.groundPlane(), ccUIRect(0, 0, 80, 60));
+  cfOn(frame);
+  TellingBox box(&frame);
+  root.globalUpdate();
+  scope.clearLog();
+  root.update(ccUIRect(5, 5, 10, 10), ccUITablet::imageLayer, /*now=*/false);
+
+  box.endStateChange(State(), /*redraw=*/false, /*flush=*/false);
+  EXPECT_EQ(scope.presentations(), 0);
+  box.endStateChange(State(), /*redraw=*/false, /*flush=*/true);
+  EXPECT_EQ(scope.presentations(), 1);
+}
+
 TEST_F(NotifyObject, theHookRunsBetweenSnapshotAndPost)
 {
   listen(heard);

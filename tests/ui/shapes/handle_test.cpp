@@ -153,6 +153,18 @@ TEST(HandleColor, aColourOfAnyIndexIsShown)
     }
 }
 
+// The colour that needs a place of its own in the map leaves none behind for a picture that the client brings.
+TEST(HandleColor, aPictureOfTheClientKeepsItsColours)
+{
+  HandleColor const black(ccColor::blackColor());
+  TestDisplay test(60, 40);
+  StillHandle handle(test.displayFrame());
+  handle.pos(ccVector<2>(25, 18));
+  handle.setIcon(ccUITablet::makeIcon("/111/", {249, 1}));
+  handle.condVisible(true);
+  EXPECT_EQ(cfPlaces(test.scope(), ccRGB(128, 0, 0)).size(), 3u);
+}
+
 TEST(Handle, standsBelowTheOthersWhenItIsPickedAndCanBeClickedAndDragged)
 {
   StillHandle handle(nullptr);
@@ -189,6 +201,11 @@ TEST(Handle, drawsOnTheLayerOfItsShape)
   EXPECT_EQ(cfPlaces(test.overlayScope(), kMagenta).size(), 98u);
   EXPECT_TRUE(cfPlaces(test.scope(), kMagenta).empty());
   EXPECT_EQ(cfHandle(seg, 0)->drawLayer(), ccUITablet::overlayLayer);
+
+  // And follows it to another one.
+  seg.drawLayer(ccUITablet::imageLayer);
+  seg.update(/*withKids=*/true, /*erase=*/true, nullptr, ccUITablet::bothLayers);
+  EXPECT_EQ(cfPlaces(test.scope(), kMagenta).size(), 98u);
 }
 
 TEST(HandleDrag, theDraggedPointGoesThroughWholePelsOfTheScreen)

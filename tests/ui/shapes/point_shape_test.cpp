@@ -51,7 +51,7 @@ TEST(PointShape, aNewPlaceIsAnnounced)
   TestDisplay test(60, 40);
   PlainPoint point(test.displayFrame());
   point.pos(ccVector<2>(1, 2));
-  EXPECT_GE(point.redims, 1);
+  EXPECT_EQ(point.redims, 2);  // by the step that stores it, and by whoever moved it
   EXPECT_EQ(point.pos(), ccVector<2>(1, 2));
 }
 
@@ -96,6 +96,29 @@ TEST(Picture, isDrawnWithItsOriginOnItsPlace)
   for (auto const& [x, y] : red)
     moved.insert({x - 1, y - 2});
   EXPECT_EQ(cfPlaces(test.scope(), ccRGB(255, 0, 0)), moved);
+}
+
+// Of a picture that is zoomed the origin counts its own pels, of one that is not those of the screen.
+TEST(Picture, itsOriginIsZoomedWithIt)
+{
+  TestDisplay test(90, 70);
+  test->image(cfDark(60, 50), true);
+  test->mag(4);
+  unsigned char const red = 249;
+  ccUIRLEBuffer picture(test.imageFrame());
+  picture.rleBuffer(ccRLEBuffer::fromPels(&red, 1, 1, 1));
+  picture.origin(ccPoint(1, 2));
+  picture.pos(ccVector<2>(30, 25));
+  picture.condVisible(true);
+  test.update();
+  auto const [x, y] = *cfPlaces(test.scope(), ccRGB(255, 0, 0)).begin();
+  EXPECT_EQ(ccPair<long>(x, y), test.imageFrame()->screenCoords(ccPoint(29, 23)));
+  EXPECT_EQ(cfPlaces(test.scope(), ccRGB(255, 0, 0)).size(), 16u);
+
+  picture.dontScale(true);
+  test.update();
+  ccPair<long> const at = test.imageFrame()->screenCoords(ccPoint(30, 25)) - ccPair<long>(1, 2);
+  EXPECT_EQ(cfPlaces(test.scope(), ccRGB(255, 0, 0)), (Places{{at.x(), at.y()}}));
 }
 
 TEST(Picture, isNotTouchedOnItsSeeThroughPels)
