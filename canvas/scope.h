@@ -150,6 +150,13 @@ protected:
   long xCoord(ccPoint const& p) const { return nearPel_(p.x() - static_cast<double>(offset_.x())); }
   long yCoord(ccPoint const& p) const { return nearPel_(p.y() - static_cast<double>(offset_.y())); }
   void setSize_(ccPair<long> const& size) { size_ = size; }
+  // Where a scope stands and draws on from. Whoever lets others draw through it in mid-drawing puts it back.
+  struct cs_Place {
+    ccPair<long> offset, current;
+    bool nowhere = false;
+  };
+  cs_Place place_() const { return cs_Place{offset_, current_, nowhere_}; }
+  void place_(cs_Place const& p) { offset_ = p.offset, current_ = p.current, nowhere_ = p.nowhere; }
   // out(x, y) = source(floorT((x - offset.x) / scale), floorT((y - offset.y) / scale)), indices clamped to the source, for
   // the part of the scaled image inside clip, which stays as it is. The image coordinates of out are those of clip. An empty
   // part leaves out unbound. Both axes use the one factor. The pels of out hold until the next call unless a view of them is

@@ -2,6 +2,8 @@
 
 #include "foundation/exception_impl.h"
 
+#include <new>
+
 KRS_DEFINE_EXCEPTION_FAMILY(cc_CacheMap::Errors, ccExceptionWithString)
 KRS_DEFINE_EXCEPTION(cc_CacheMap::InvalidColorMap, cc_CacheMap::Errors, 0x10004514)
 
@@ -73,13 +75,24 @@ void cc_CacheMap::set(std::vector<unsigned char> const& indexes)
 void cc_CacheMap::set(std::vector<ccRGB> const& colors, bool resetIndexMap)
 {
   checkColors_(colors.size());
-  colors_ = colors;
+  // What may fail comes before anything changes.
+  std::vector<ccRGB> next(colors);
+  std::vector<unsigned char> indexes(resetIndexMap ? defaultIndexes() : std::vector<unsigned char>());
+  colors_.swap(next);
   if (resetIndexMap)
-    indexes_ = defaultIndexes();
-  rebuild(direct15_, default15_, colors_, pel15);
-  rebuild(direct16_, default16_, colors_, pel16);
-  rebuild(direct24_, default24_, colors_, pel24);
-  rebuild(direct32_, default32_, colors_, pel32);
+    indexes_.swap(indexes);
+  try {
+    rebuild(direct15_, default15_, colors_, pel15);
+    rebuild(direct16_, default16_, colors_, pel16);
+    rebuild(direct24_, default24_, colors_, pel24);
+    rebuild(direct32_, default32_, colors_, pel32);
+  } catch (std::bad_alloc const&) {
+    // Tables are made anew when they are asked for.
+    direct15_.clear(), default15_.clear();
+    direct16_.clear(), default16_.clear();
+    direct24_.clear(), default24_.clear();
+    direct32_.clear(), default32_.clear();
+  }
 }
 
 template <class Pel, class Convert>

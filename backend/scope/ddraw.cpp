@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <new>
 
 namespace {
 
@@ -27,6 +28,16 @@ struct cs_RectArgument {
   plat::Rect const* get() const { return given ? &rect : nullptr; }
 };
 
+// What the machine does for want of memory is an answer too: nothing of this layer throws.
+template <class Call> long answered(Call&& call)
+{
+  try {
+    return call();
+  } catch (std::bad_alloc const&) {
+    return ceDDOutOfMemory;
+  }
+}
+
 }  // namespace
 
 // --- ccDirectDrawObject
@@ -43,7 +54,9 @@ long ccDirectDrawObject::create(ccDirectDraw* ddraw)
 {
   if (created())
     return ceDDAlreadyCreated;
-  long const result = create_(ddraw);
+  if (ddraw && !ddraw->makeRoom_())
+    return ceDDOutOfMemory;
+  long const result = answered([&] { return create_(ddraw); });
   if (result != ceDDOk)
     return result;
   if (former_ && former_ != ddraw)
@@ -110,7 +123,7 @@ long ccDirectDrawPalette::setPalette(plat::PaletteEntry const* entries, std::uin
 {
   if (!palette_)
     return ceDDInvalidObject;
-  return palette_->set(start, std::span<plat::PaletteEntry const>(entries, count));
+  return answered([&] { return palette_->set(start, std::span<plat::PaletteEntry const>(entries, count)); });
 }
 
 // --- ccDirectDrawSurface
@@ -146,6 +159,11 @@ void ccDirectDrawSurface::release_()
   desc_.surface(nullptr);
 }
 
+ccUIRect ccDirectDrawSurface::bounds() const
+{
+  return created() ? ccUIRect(0, 0, static_cast<long>(desc_.width()), static_cast<long>(desc_.height())) : ccUIRect();
+}
+
 long ccDirectDrawSurface::recreate()
 {
   release();
@@ -153,7 +171,24 @@ long ccDirectDrawSurface::recreate()
   return create(formerDirectDraw());
 }
 
-long ccDirectDrawSurface::restore() { return surface_ ? surface_->restore() : ceDDInvalidObject; }
+// The screen that comes back may be of another mode, and the description tells of it.
+long ccDirectDrawSurface::restore()
+{
+  if (!surface_)
+    return ceDDInvalidObject;
+  long const result = surface_->restore();
+  if (result == ceDDOk)
+    describe_();
+  return result;
+}
+
+void ccDirectDrawSurface::describe_()
+{
+  void* const locked = desc_.surface();
+  static_cast<void>(surface_->describe(desc_.record()));
+  desc_.surface(locked);
+}
+
 bool ccDirectDrawSurface::isLost() const { return surface_ && surface_->isLost() == ceDDSurfaceLost; }
 
 long ccDirectDrawSurface::lock(RECT const* r) { return lock_(cs_RectArgument(r).get()); }
@@ -166,7 +201,7 @@ long ccDirectDrawSurface::lock_(plat::Rect const* rect)
   if (desc_.surface())
     return ceDDSurfaceBusy;
   constexpr std::uint32_t wait = 1;
-  long const result = surface_->lock(rect, desc_.record(), wait);
+  long const result = answered([&] { return surface_->lock(rect, desc_.record(), wait); });
   if (result != ceDDOk)
     desc_.surface(nullptr);
   lastLock_ = desc_.surface();
@@ -191,7 +226,7 @@ long ccDirectDrawSurface::getDC(HDC* dc)
 {
   if (!surface_ || !dc)
     return ceDDInvalidObject;
-  long const result = surface_->getDC(*dc);
+  long const result = answered([&] { return surface_->getDC(*dc); });
   if (result != ceDDOk) {
     // The failed state stays in force until a release, be it of nothing.
     surface_->releaseDC(nullptr);
@@ -225,7 +260,7 @@ long ccDirectDrawSurface::blt_(ccDirectDrawSurface const* source, plat::Rect con
 {
   if (!surface_ || !source || !source->surface_)
     return ceDDInvalidObject;
-  return surface_->blt(destRect, source->surface_.get(), sourceRect, flags, 0);
+  return answered([&] { return surface_->blt(destRect, source->surface_.get(), sourceRect, flags, 0); });
 }
 
 long ccDirectDrawSurface::bltColorFill(RECT const* r, std::uint32_t value, std::uint32_t flags)
@@ -240,7 +275,9 @@ long ccDirectDrawSurface::bltColorFill(ccUIRect const& r, std::uint32_t value, s
 
 long ccDirectDrawSurface::fill_(plat::Rect const* rect, std::uint32_t value, std::uint32_t flags)
 {
-  return surface_ ? surface_->blt(rect, nullptr, nullptr, flags | ceBltColorFill, value) : ceDDInvalidObject;
+  if (!surface_)
+    return ceDDInvalidObject;
+  return answered([&] { return surface_->blt(rect, nullptr, nullptr, flags | ceBltColorFill, value); });
 }
 
 long ccDirectDrawSurface::bltStatus(std::uint32_t flags) { return surface_ ? surface_->bltStatus(flags) : ceDDInvalidObject; }
@@ -257,7 +294,7 @@ long ccDirectDrawSurface::attach(ccDirectDrawClipper* clipper)
 {
   if (!surface_ || (clipper && !clipper->created()))
     return ceDDInvalidObject;
-  long const result = surface_->setClipper(clipper ? clipper->clipper() : nullptr);
+  long const result = answered([&] { return surface_->setClipper(clipper ? clipper->clipper() : nullptr); });
   if (result == ceDDOk)
     clipper_ = clipper;
   return result;
@@ -267,7 +304,7 @@ long ccDirectDrawSurface::attach(ccDirectDrawPalette* palette)
 {
   if (!surface_ || (palette && !palette->created()))
     return ceDDInvalidObject;
-  long const result = surface_->setPalette(palette ? palette->palette() : nullptr);
+  long const result = answered([&] { return surface_->setPalette(palette ? palette->palette() : nullptr); });
   if (result == ceDDOk)
     palette_ = palette;
   return result;
@@ -327,10 +364,9 @@ long ccDirectDrawSurface::updateOverlay_(ccDirectDrawSurface& overlay, plat::Rec
 {
   if (!surface_ || !overlay.surface_)
     return ceDDInvalidObject;
-  long const result = overlay.surface_->updateOverlay(sourceRect, surface_.get(), destRect, flags);
-  void* const locked = overlay.desc_.surface();
-  static_cast<void>(overlay.surface_->describe(overlay.desc_.record()));
-  overlay.desc_.surface(locked);
+  long const result =
+      answered([&] { return overlay.surface_->updateOverlay(sourceRect, surface_.get(), destRect, flags); });
+  overlay.describe_();
   return result;
 }
 
@@ -347,11 +383,20 @@ long ccDirectDraw::create(HWND window)
 {
   if (created())
     return ceDDAlreadyCreated;
-  long result = plat::openDevice(window, device_);
+  long const result = answered([&] { return create_(window); });
   if (result != ceDDOk) {
+    static_cast<void>(release());
     device_.reset();
-    return result;
+    window_ = nullptr;
   }
+  return result;
+}
+
+long ccDirectDraw::create_(HWND window)
+{
+  long result = plat::openDevice(window, device_);
+  if (result != ceDDOk)
+    return result;
   constexpr std::uint32_t normal = 8;
   window_ = window;
   result = device_->cooperativeLevel(window, normal);
@@ -363,10 +408,8 @@ long ccDirectDraw::create(HWND window)
     primary_.description(desc);
     result = primary_.create(this);
   }
-  if (result != ceDDOk) {
-    release();
+  if (result != ceDDOk)
     return result;
-  }
   std::vector<plat::u32> codes;
   static_cast<void>(device_->fourCCs(codes));
   fourCCs_.assign(codes.begin(), codes.end());
@@ -386,6 +429,17 @@ long ccDirectDraw::release()
   return ceDDOk;
 }
 
+bool ccDirectDraw::makeRoom_() noexcept
+{
+  try {
+    if (objects_.size() == objects_.capacity())
+      objects_.reserve(objects_.size() * 2 + 8);
+    return true;
+  } catch (std::bad_alloc const&) {
+    return false;
+  }
+}
+
 void ccDirectDraw::remember_(ccDirectDrawObject* object)
 {
   if (std::find(objects_.begin(), objects_.end(), object) == objects_.end())
@@ -402,7 +456,7 @@ long ccDirectDraw::caps(ccDirectDrawCaps& hardware, ccDirectDrawCaps& emulation)
   if (!device_)
     return ceDDInvalidObject;
   plat::DeviceCaps hard, soft;
-  long const result = device_->caps(hard, soft);
+  long const result = answered([&] { return device_->caps(hard, soft); });
   hardware = ccDirectDrawCaps(hard);
   emulation = ccDirectDrawCaps(soft);
   return result;
@@ -425,8 +479,12 @@ long ccDirectDraw::displayFormat(ccDirectDrawSurfaceDesc& out) const
 {
   if (!primary_.created())
     return ceDDInvalidObject;
-  out = primary_.description();
-  return ceDDOk;
+  // The device is asked: the description tells of the mode in which the surface was made.
+  ccDirectDrawSurfaceDesc present;
+  long const result = primary_.surface()->describe(present.record());
+  if (result == ceDDOk)
+    out = present;
+  return result;
 }
 
 bool ccDirectDraw::supportsFourCC(std::uint32_t code) const

@@ -17,6 +17,7 @@ class ccDirectDraw;
 
 // Result codes that are used by name.
 constexpr long ceDDOk = 0;
+constexpr long ceDDOutOfMemory = plat::result(0x8007000E);
 constexpr long ceDDInvalidParam = plat::result(0x80070057);
 constexpr long ceDDNotInitialized = plat::result(0x800401F0);
 constexpr long ceDDInvalidObject = plat::result(0x88760082);
@@ -232,6 +233,7 @@ public:
   ccDirectDrawSurfaceDesc const& createDescription() const { return createDesc_; }
 
   bool created() const override { return surface_ != nullptr; }
+  ccUIRect bounds() const;  // null while there is none
   [[nodiscard]] long recreate();  // by the first description, on the former owner
   [[nodiscard]] long restore();
   bool isLost() const;
@@ -265,6 +267,7 @@ protected:
 
 private:
   long lock_(plat::Rect const*);
+  void describe_();
   long blt_(ccDirectDrawSurface const*, plat::Rect const*, plat::Rect const*, std::uint32_t flags);
   long fill_(plat::Rect const*, std::uint32_t value, std::uint32_t flags);
   long updateOverlay_(ccDirectDrawSurface&, plat::Rect const*, plat::Rect const*, std::uint32_t flags);
@@ -304,6 +307,8 @@ public:
 
 private:
   friend class ccDirectDrawObject;
+  long create_(HWND);
+  bool makeRoom_() noexcept;  // for one more object
   void remember_(ccDirectDrawObject*);
   void forget_(ccDirectDrawObject*);
 

@@ -7,6 +7,7 @@
 #include "platform/window.h"
 
 #include <algorithm>
+#include <mutex>
 #include <sstream>
 
 ccWin32UIScope::ccWin32UIScope(HWND window, ccPair<long> const& size, bool overlayPlane, ccWin32Display* display)
@@ -22,7 +23,6 @@ ccWin32UIScope::ccWin32UIScope(ccWin32UIScope const& parent, ccUIRect const& rec
     : ccUIScope(ccPair<long>()), overlayPlane_(parent.overlayPlane_), display_(parent.display_)
 {
   if (overlayPlane_) {
-    partnerCombined_ = parent.root_().partnerCombined_;
     colorKey_ = parent.root_().colorKey_;
   } else {
     converter_ = std::make_unique<ccImageConverter>();
@@ -36,8 +36,8 @@ ccWin32UIScope::ccWin32UIScope(ccWin32UIScope const& parent, ccUIRect const& rec
 ccWin32UIScope::~ccWin32UIScope()
 {
   setPartner_(nullptr);
-  for (ccWin32UIScope* other : std::vector<ccWin32UIScope*>(partnerOf_))
-    other->setPartner_(nullptr);
+  while (!partnerOf_.empty())
+    partnerOf_.back()->setPartner_(nullptr);
   leaveRoot_();
   for (ccWin32UIScope* kid : kids_) {
     kid->parent_ = nullptr;
@@ -47,6 +47,36 @@ ccWin32UIScope::~ccWin32UIScope()
   releaseDevice_();
   if (palette_)
     plat::platform().objects.deletePalette(palette_);
+}
+
+// Callers of a redraw are still inside the scope. They are under the mutex of its root, and none is left when the next scope goes
+// outside of a redraw.
+void ccWin32UIScope::retire(ccWin32UIScope* scope) noexcept
+{
+  static std::mutex guard;
+  static ccWin32UIScope* waiting = nullptr;
+  if (!scope)
+    return;
+  scope->display_ = nullptr;
+  scope->redraw_ = nullptr;
+  static_cast<void>(scope->destroy());
+  bool const inside = scope->redrawing_;
+  if (!inside)
+    delete scope;
+  std::lock_guard const hold(guard);
+  for (ccWin32UIScope** at = &waiting; *at;) {
+    ccWin32UIScope* const one = *at;
+    if (one->redrawing_) {
+      at = &one->retired_;
+      continue;
+    }
+    *at = one->retired_;
+    delete one;
+  }
+  if (!inside)
+    return;
+  scope->retired_ = waiting;
+  waiting = scope;
 }
 
 void ccWin32UIScope::setRect_(ccUIRect const& r)
@@ -74,16 +104,21 @@ long ccWin32UIScope::create(HWND window, ccPair<long> size, long depth)
   ccPair<long> const clamped = clampToScreen_(size);
   setRect_(ccUIRect(ccPair<long>(), clamped));
   result = resize(clamped, depth);
-  incomplete_ = false;  // the caller is told
-  if (result != ceDDOk)
-    return result;
-  result = clipper_.create(&ddraw_);
-  if (result == ceDDOk)
-    result = clipper_.window(window);
-  if (result == ceDDOk)
-    result = ddraw_.primary().attach(&clipper_);
+  long const clipped = attachClipper_();
+  incomplete_ = clipped != ceDDOk;
   readFormat_();
   deviceGone_ = false;
+  return result != ceDDOk ? result : clipped;
+}
+
+// Without it nothing is seen of what is presented.
+long ccWin32UIScope::attachClipper_()
+{
+  long result = clipper_.created() ? ceDDOk : clipper_.create(&ddraw_);
+  if (result == ceDDOk)
+    result = clipper_.window(window_);
+  if (result == ceDDOk)
+    result = ddraw_.primary().attach(&clipper_);
   return result;
 }
 
@@ -115,7 +150,7 @@ void ccWin32UIScope::releaseDevice_()
 // The pel value test is as it stands: it asks for system memory, not for a palette mode.
 void ccWin32UIScope::attachPalette_()
 {
-  if (!ddraw_.primary().description().surfaceCaps().systemMemory())
+  if (!screen_().surfaceCaps().systemMemory())
     return;
   if (ddPalette_.create(&ddraw_) != ceDDOk)
     return;
@@ -123,9 +158,16 @@ void ccWin32UIScope::attachPalette_()
   static_cast<void>(setDirectDrawPalette_());
 }
 
+// The screen as it is now.
+ccDirectDrawSurfaceDesc ccWin32UIScope::screen_() const
+{
+  ccDirectDrawSurfaceDesc present;
+  return ddraw_.displayFormat(present) == ceDDOk ? present : ddraw_.primary().description();
+}
+
 ccPair<long> ccWin32UIScope::clampToScreen_(ccPair<long> size) const
 {
-  ccDirectDrawSurfaceDesc const& screen = ddraw_.primary().description();
+  ccDirectDrawSurfaceDesc const screen = screen_();
   return ccPair<long>(std::min(size.x(), static_cast<long>(screen.width())),
                       std::min(size.y(), static_cast<long>(screen.height())));
 }
@@ -136,16 +178,12 @@ long ccWin32UIScope::depthCode_(ccDirectDrawPixelFormat const& format)
   return format.bitCount() == 16 && format.gBitMask() == green555 ? 15 : static_cast<long>(format.bitCount());
 }
 
-long ccWin32UIScope::screenDepth_() const { return depthCode_(ddraw_.primary().description().pixelFormat()); }
+long ccWin32UIScope::screenDepth_() const { return depthCode_(screen_().pixelFormat()); }
 
 void ccWin32UIScope::readFormat_()
 {
-  if (!drawing_.created())
-    return;
-  ccDirectDrawSurfaceDesc const& desc = drawing_.description();
-  pitch_ = desc.pitch();
-  depth_ = depthCode_(desc.pixelFormat());
-  bytesPerPel_ = static_cast<long>(desc.pixelFormat().bitCount() / 8);
+  if (drawing_.created())
+    depth_ = depthCode_(drawing_.description().pixelFormat());
 }
 
 long ccWin32UIScope::restoreAll(std::string* report)
@@ -235,15 +273,13 @@ long ccWin32UIScope::drawSurface(ccWin32UIScope* other)
 
 void ccWin32UIScope::setPartner_(ccWin32UIScope* other)
 {
-  if (partnerScope_) {
-    std::vector<ccWin32UIScope*>& users = partnerScope_->partnerOf_;
-    users.erase(std::remove(users.begin(), users.end(), this), users.end());
-  }
-  partnerScope_ = other;
-  partner_ = other ? &other->drawing_ : nullptr;
-  partnerCombined_ = other && !overlayPlane_ ? &other->combined_ : nullptr;
+  if (other == partnerScope_)
+    return;
   if (other)
     other->partnerOf_.push_back(this);
+  if (partnerScope_)
+    std::erase(partnerScope_->partnerOf_, this);
+  partnerScope_ = other;
 }
 
 void ccWin32UIScope::window(ccUIScope const& parent, ccUIRect const& rect)
@@ -268,11 +304,8 @@ void ccWin32UIScope::window(ccUIScope const& parent, ccUIRect const& rect)
 
 void ccWin32UIScope::setParent_(ccWin32UIScope& root)
 {
-  parent_ = &root;
   root.kids_.push_back(this);
-  pitch_ = root.pitch_;
-  depth_ = root.depth_;
-  bytesPerPel_ = root.bytesPerPel_;
+  parent_ = &root;
 }
 
 void ccWin32UIScope::leaveRoot_()
@@ -285,9 +318,6 @@ void ccWin32UIScope::leaveRoot_()
     parent_->phaseUser_ = nullptr;
   parent_ = nullptr;
   method_ = kNoPhase;
-  drawDC_ = nullptr;
-  locked_ = nullptr;
-  bltTarget_ = nullptr;
 }
 
 ccUIScope* ccWin32UIScope::createChildScope(ccUIRect const& rect, bool subset)
@@ -305,7 +335,11 @@ ccUIScope* ccWin32UIScope::createChildScope(ccUIRect const& rect, bool subset)
 bool ccWin32UIScope::isNull() const { return rect_.isNull(); }
 ccPair<long> ccWin32UIScope::size() const { return rect_.sz(); }
 
-void ccWin32UIScope::scroll(ccPair<long> const& offset) { root_().scroll_ = offset; }
+void ccWin32UIScope::scroll(ccPair<long> const& offset)
+{
+  long const far = ccUIRect::kFar;
+  root_().scroll_ = ccPair<long>(std::clamp(offset.x(), -far, far), std::clamp(offset.y(), -far, far));
+}
 
 void ccWin32UIScope::redrawCallBack(void (*redraw)(void*), void* argument)
 {
@@ -347,11 +381,12 @@ long ccWin32UIScope::setDirectDrawPalette_()
     return ceDDInvalidObject;
   constexpr std::uint32_t first = 10, count = 236;
   constexpr unsigned char noCollapse = 4;
-  std::vector<plat::PaletteEntry> entries = plat::platform().objects.entries(palette_);
-  entries.resize(256);
-  for (std::uint32_t i = 0; i < 256; ++i)
-    entries[i].flags = i >= first && i < first + count ? noCollapse : 0;
-  return ddPalette_.setPalette(entries.data() + first, first, count);
+  plat::PaletteEntry entries[count] = {};
+  for (std::uint32_t i = 0; i < count; ++i) {
+    static_cast<void>(plat::platform().objects.entry(palette_, first + i, entries[i]));
+    entries[i].flags = noCollapse;
+  }
+  return ddPalette_.setPalette(entries, first, count);
 }
 
 // --- The client's device context

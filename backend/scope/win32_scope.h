@@ -64,6 +64,8 @@ public:
   ccWin32UIScope(ccWin32UIScope const&) = delete;
   ccWin32UIScope& operator=(ccWin32UIScope const&) = delete;
   ~ccWin32UIScope() override;
+  // Deletes a root scope, at once or, where its redraw has led here, once that has ended.
+  static void retire(ccWin32UIScope*) noexcept;
 
   // Surfaces. Depth -1 is the screen's; sizes are clamped to the screen. Results are those of ddraw.h.
   long create(HWND, ccPair<long> size, long depth);
@@ -99,7 +101,7 @@ public:
   bool waitForVerticalBlank() const { return root_().waitForVerticalBlank_; }
   void redrawCallBack(void (*redraw)(void*), void* argument);
   long desktopDepth() const;  // a depth code: 8, 15, 16, 24, 32
-  long depth() const { return depth_; }
+  long depth() const { return root_().depth_; }
   std::vector<HFONT> const& fontTable() const { return fonts_; }
   void fontTable(std::vector<HFONT> const& fonts) { fonts_ = fonts; }
   ccUIRect scopeRect() const { return rect_; }  // in the root's surface
@@ -172,6 +174,8 @@ public:
   ccUIRect textRect(std::string const&, ccPoint const&, ccUIFormat const&, ccUIRect& clipped) override;
 
   using ccUIScope::sample;
+  void sample(ccRLEBuffer const&, ccPoint const&, ccPair<double> const& scale, std::vector<unsigned char> const& map,
+              bool transparent, unsigned char key) override;
   void sample(ccPelBuffer_const<ccPackedRGB32Pel> const&, ccPoint const&, ccPair<double> const& scale, bool transparent,
               std::uint32_t key) override;
   void sample(ccPelBuffer_const<ccPackedRGB16Pel> const&, ccPoint const&, ccPair<double> const& scale, bool transparent,
@@ -181,6 +185,8 @@ public:
   void sample(ccPelBuffer_const<unsigned char> const&, ccPoint const&, ccPair<double> const& scale, bool transparent,
               unsigned char key, bool mapped) override;
   using ccUIScope::expand;
+  void expand(ccRLEBuffer const&, ccPoint const&, ccPair<double> const& scale, std::vector<unsigned char> const& map,
+              bool transparent, unsigned char key) override;
   void expand(ccPelBuffer_const<ccPackedRGB32Pel> const&, ccPoint const&, ccPair<double> const& scale, bool transparent,
               std::uint32_t key, InterpolationModes) override;
   void expand(ccPelBuffer_const<ccPackedRGB16Pel> const&, ccPoint const&, ccPair<double> const& scale, bool transparent,
@@ -218,8 +224,22 @@ private:
   enum ChromaFlags : std::uint32_t {
     kChroma = 1, kYuvWanted = 2, kOverlay = 4, kOverlayUYVY = 8, kOverlayYUY2 = 16, kOverlayUnusable = 32,
   };
-  struct cs_Clip;   // what of an image lies inside the scope
-  struct cs_Scale;  // where a scaled image goes
+  // What a running phase draws on. Taken from the surface after the phase has started, so nothing of it is older than that.
+  struct cs_Target {
+    ccDirectDrawSurface* surface = nullptr;
+    HDC dc = nullptr;
+    plat::Painter* painter = nullptr;  // of dc, in a painting phase
+    unsigned char* pels = nullptr;     // in a direct phase: the upper left pel
+    long pitch = 0;                    // bytes from row to row
+    long depth = 0;
+    long bytesPerPel = 0;
+    ccUIRect bounds;  // what lies on the surface
+  };
+  class cc_Call;     // around a drawing operation
+  class cc_Phase;    // opens a phase, and closes it
+  struct cs_Clip;    // what of an image lies inside the scope
+  struct cs_Scale;   // where a scaled image goes
+  struct cs_Standing;  // what a redraw in mid-drawing may have changed
   struct cs_ColumnIndex {
     double scale = 0;
     std::int64_t first = 0;
@@ -250,12 +270,21 @@ private:
   void ddColorKey_();
   std::uint32_t pelOfChromaKey_();
   long applyChromaKey_();
+  long keySurfaces_();
   void overlayPlaneColorKey_();
   long setDirectDrawPalette_();
   void readFormat_();
   void abandonPhase_();
   ccDirectDrawSurface* displayedSurface_();
-  ccUIRect ownRect_() const { return ccUIRect(ccPair<long>(), rect_.sz()); }
+  ccUIRect ownRect_() const;
+  ccDirectDrawSurfaceDesc screen_() const;
+  ccDirectDrawSurface* partnerSurface_() { return partnerScope_ ? &partnerScope_->drawing_ : nullptr; }
+  ccDirectDrawSurface* combineTarget_();
+  bool isUsed_(ccDirectDrawSurface const&) const;
+  bool isMissing_() const;
+  void releaseUnused_();
+  long attachClipper_();
+  void shrinkDirty_();
   void setRect_(ccUIRect const&);
   void setParent_(ccWin32UIScope& root);
   void setPartner_(ccWin32UIScope*);
@@ -271,11 +300,19 @@ private:
   void report_(ccUIRect const&, bool opaque);
   bool drawsToBackup_() const { return dragActive_ && !dragAnimate_ && backup_.created(); }
   bool copyToBackup_();
-  void setUpPhase_();
+  void setUpPainter_();
+  cs_Target target_() const;
+  bool takeTarget_(DrawMethod, ccDirectDrawSurface&);
   bool startRoot_(DrawMethod);
   bool startChild_(DrawMethod);
   bool surfacesLost_() const;
   bool restoreLostSurfaces_();
+  bool rebuildSurfaces_();
+  bool partnerReady_();
+  void callRedraw_();
+  template <class Draw> void quietly_(Draw&&);
+  cs_Standing standing_();
+  void stand_(cs_Standing const&);
   bool present_(ccDirectDrawSurface& from, ccUIRect const& source, ccUIRect const& dest);
   bool combine_(ccDirectDrawSurface& below, ccDirectDrawSurface& above, ccDirectDrawSurface& target,
                 ccUIRect const& source, ccUIRect const& dest);
@@ -284,18 +321,17 @@ private:
   void convertToYuv_();
   void updateHardwareOverlay_(ccUIRect const& client);
   bool attachScreen_();
-  plat::Painter* painter_();
 
   // Pels. T is the source pel; key is a pel of that type.
-  template <class T> cs_Clip clip_(ccPair<long> size, ccPair<long> pos) const;
+  template <class T> cs_Clip clip_(ccPair<long> size, ccPair<long> pos, ccUIRect const& bounds) const;
   template <class T>
   void drawFamily_(ccPelBuffer_const<T> const&, ccPoint const&, bool transparent, T key, bool mapped);
   template <class T>
-  void writePels_(ccPelBuffer_const<T> const&, ccPair<long> pos, bool transparent, T key, bool mapped);
-  template <class T, class Write> void writePhase_(cs_Clip const&, Write&&);
-  template <class T, class Body> void withLookup_(bool raw, bool mapped, Body&&);
+  bool writePels_(ccPelBuffer_const<T> const&, ccPair<long> pos, bool transparent, T key, bool mapped, long unless = 0);
+  template <class T, class Place, class Write> bool writePhase_(Place&&, Write&&);
+  template <class T, class Body> void withLookup_(long depth, bool raw, bool mapped, Body&&);
   template <class T> ccDirectDrawSurface* cacheImage_(ccPelBuffer_const<T>&, bool mapped);
-  bool blitCache_(ccDirectDrawSurface&, cs_Clip const&, bool transparent, std::uint32_t key);
+  bool blitCache_(ccDirectDrawSurface& to, ccDirectDrawSurface& cached, cs_Clip const&, bool transparent, std::uint32_t key);
   template <class T>
   void expandFamily_(ccPelBuffer_const<T> const&, ccPoint const&, ccPair<double> const& scale, bool transparent, T key,
                      bool mapped, InterpolationModes);
@@ -307,10 +343,12 @@ private:
                    InterpolationModes);
   template <class T>
   void drawScaledCache_(ccDirectDrawSurface&, cs_Scale const&, bool transparent, T key, bool mapped, InterpolationModes);
-  template <class T> bool canFuse_(InterpolationModes, double scale) const;
+  template <class T>
+  bool drawFused_(ccPelBuffer_const<T> const&, cs_Scale const&, bool transparent, T key, bool mapped);
+  cs_Scale scaled_(ccPair<long> size, ccPoint const&, ccPair<double> const& scale) const;
+  ccUIRect painted_(cs_Scale const&, ccPair<long> size) const;
   std::int32_t const* columns_(double scale, std::int64_t first, long count, long sourceWidth);
   template <class T> void displayedImage_(ccPelBuffer<T>&, cs_GetDisplayedImageInfo*, cc_TabletEnums::Layers);
-  cc_CacheMap& pelTable_();
   ccUIRect clipToDisplay_(ccUIRect const& rootRect) const;
 
   // Lines, figures and text. Rectangles are in pels of the scope.
@@ -328,8 +366,8 @@ private:
   std::uint32_t fillPelOf_(ccColor const&) const;
   COLORREF bgrColor_(ccColor const&) const;
   unsigned char paletteIndex_(ccColor const&) const;
-  void colorFill_(ccUIRect const& rect, std::uint32_t value);
-  void writeRuns_(ccRLEBuffer const&, cs_Clip const&, std::vector<unsigned char> const& map, bool transparent,
+  void colorFill_(cc_Phase&, ccUIRect const& rect, std::uint32_t value);
+  void writeRuns_(cs_Target const&, ccRLEBuffer const&, cs_Clip const&, std::vector<unsigned char> const& map, bool transparent,
                   unsigned char key);
 
   // Fields of every scope.
@@ -340,15 +378,8 @@ private:
   ccUIRect rect_;  // in the root's surface
   std::vector<HFONT> fonts_;
   ccDirectDrawColorKey colorKey_;
-  long pitch_ = 0;  // bytes from row to row of the target
-  long depth_ = 0;
-  long bytesPerPel_ = 0;
-  bool optimize_ = false;
   DrawMethod method_ = kNoPhase;
-  HDC drawDC_ = nullptr;
-  plat::Painter* phasePainter_ = nullptr;  // of drawDC_, at a root
-  unsigned char* locked_ = nullptr;  // this scope's upper left pel
-  ccDirectDrawSurface* bltTarget_ = nullptr;
+  cc_Call* call_ = nullptr;  // the innermost that runs
 
   // Fields of a root.
   HWND window_ = nullptr;
@@ -357,19 +388,23 @@ private:
   ccDirectDrawSurface drawing_, backup_, cache_, graphics_, combined_;
   ccDirectDrawClipper clipper_;
   ccDirectDrawPalette ddPalette_;
-  ccDirectDrawSurface* phaseSurface_ = nullptr;     // the target of the running phase
-  ccWin32UIScope const* phaseUser_ = nullptr;       // who set up origin, clip and pointer last
-  ccDirectDrawSurface* partner_ = nullptr;          // drawing surface of the scope of the other layer
-  ccDirectDrawSurface* partnerCombined_ = nullptr;  // and its combined surface, while this isn't the overlay plane
-  ccWin32UIScope* partnerScope_ = nullptr;
-  std::vector<ccWin32UIScope*> partnerOf_;          // whose partner this is
+  long depth_ = 0;                             // of the drawing surface
+  bool optimize_ = false;
+  cs_Target phase_;                            // of the running phase
+  ccWin32UIScope const* phaseUser_ = nullptr;  // who set up origin and clip last
+  ccWin32UIScope* partnerScope_ = nullptr;     // of the other layer
+  std::vector<ccWin32UIScope*> partnerOf_;     // whose partner this is
   long wantedDepth_ = -1;                           // as create was asked
   bool waitForVerticalBlank_ = false;
   bool dragActive_ = false;
   bool dragAnimate_ = false;
   bool restoring_ = false;
-  bool incomplete_ = false;   // a surface could not be made, or not be released, and must be made anew
-  bool deviceGone_ = false;   // the device itself could not be made again
+  bool redrawing_ = false;
+  ccWin32UIScope* retired_ = nullptr;  // the next of those that wait to be deleted
+  bool redrawDue_ = false;   // a redraw has failed, or a drawing for want of memory
+  bool incomplete_ = false;  // a surface could not be given back, or lacks its clipper, and must be made anew
+  bool deviceGone_ = false;  // the device itself could not be made again
+  long redraws_ = 0;
   HDC clientDC_ = nullptr;  // handed out by getDC
   COLORREF chromaKey_ = 0;
   std::uint32_t chromaFlags_ = 0;

@@ -153,7 +153,7 @@ void ccWin32UIScope::displayedImage_(ccPelBuffer<T>& out, cs_GetDisplayedImageIn
   if (info) {
     info->drawingSurface = &root.drawing_;
     if (info->overlayRequested)
-      info->partnerSurface = root.partner_;
+      info->partnerSurface = root.partnerSurface_();
   }
   if (!out.isBound())
     return;
@@ -162,19 +162,24 @@ void ccWin32UIScope::displayedImage_(ccPelBuffer<T>& out, cs_GetDisplayedImageIn
   if (root.partnerScope_)
     root.partnerScope_->stopDrawPhase();
 
-  ccDirectDrawSurface* const surface = layer == cc_TabletEnums::imageLayer     ? &root.drawing_
-                                       : layer == cc_TabletEnums::overlayLayer ? root.partner_
-                                                                               : root.displayedSurface_();
+  // Asked anew after each update, which may restore surfaces and call anything.
+  auto const wanted = [&root, layer] {
+    return layer == cc_TabletEnums::imageLayer     ? &root.drawing_
+           : layer == cc_TabletEnums::overlayLayer ? root.partnerSurface_()
+                                                   : root.displayedSurface_();
+  };
   out.mutating();
+  ccDirectDrawSurface* surface = wanted();
   cs_Source source;
-  if (surface) {
-    constexpr int retries = 4;
-    for (int attempt = 0; attempt <= retries && !source.pels; ++attempt) {
-      if (attempt > 0)
-        root.updateScreen();
-      bool const locked = surface->lock() == ceDDOk;
+  constexpr int retries = 4;
+  for (int attempt = 0; surface && attempt <= retries && !source.pels; ++attempt) {
+    if (attempt > 0) {
+      root.updateScreen();
+      surface = wanted();
+    }
+    if (surface && surface->lock() == ceDDOk) {
       source = readSource(*surface);
-      source.pels = locked ? surface->description().surface() : nullptr;
+      source.pels = surface->description().surface();
     }
   }
   std::vector<ccRGB> const* const table = info && info->imageTableValid ? &info->imageTable : nullptr;
@@ -184,15 +189,16 @@ void ccWin32UIScope::displayedImage_(ccPelBuffer<T>& out, cs_GetDisplayedImageIn
   static_cast<void>(surface->unlock());
 
   if constexpr (!std::is_same_v<T, unsigned char>) {
-    if (!info || !info->overlayRequested || (info->overlayMode != 1 && info->overlayMode != 2) || !root.partner_)
+    if (!info || !info->overlayRequested || (info->overlayMode != 1 && info->overlayMode != 2))
       return;
-    if (root.partner_->lock() != ceDDOk)
+    ccDirectDrawSurface* const partner = root.partnerSurface_();
+    if (!partner || partner->lock() != ceDDOk)
       return;
-    cs_Source overlay = readSource(*root.partner_);
-    overlay.pels = root.partner_->description().surface();
+    cs_Source overlay = readSource(*partner);
+    overlay.pels = partner->description().surface();
     if (overlay.pels)
       overlayStage(overlay, *info, out);
-    static_cast<void>(root.partner_->unlock());
+    static_cast<void>(partner->unlock());
   }
 }
 

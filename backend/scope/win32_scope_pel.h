@@ -1,7 +1,7 @@
 // Geometry of drawing an image, shared by the source files of the scope.
 #pragma once
 
-#include "backend/scope/win32_scope.h"
+#include "backend/scope/win32_scope_phase.h"
 
 // What of an image lies inside the scope: from (sx, sy) of the image to (dx, dy) of the scope, w by h pels. r is the drawn
 // rectangle in the scope, null when nothing is.
@@ -14,6 +14,8 @@ struct ccWin32UIScope::cs_Clip {
 // the scope the visible part goes.
 struct ccWin32UIScope::cs_Scale {
   double factor = 1;
+  bool visible = false;
+  ccVector<2> exact;  // where its corner would lie, in root pels
   ccPair<long> origin;
   ccPair<long> dest;
   ccPair<long> spanStart;  // expand: the source pels that can be seen

@@ -1,6 +1,5 @@
-// The draw phase around every operation, what changed, the way to the screen, the drag's backup surface, and the recovery of
-// lost surfaces.
-#include "backend/scope/win32_scope.h"
+// The draw phase around every operation, what changed, the way to the screen, and the drag's backup surface.
+#include "backend/scope/win32_scope_phase.h"
 
 #include "canvas/image_converter.h"
 #include "foundation/rounding.h"
@@ -22,6 +21,73 @@ plat::Rect toRect(ccUIRect const& r)
 
 // --- Draw phase
 
+ccWin32UIScope::cs_Standing ccWin32UIScope::standing_() { return cs_Standing{parent_, rect_, place_()}; }
+
+void ccWin32UIScope::stand_(cs_Standing const& s)
+{
+  place_(s.place);
+  if (parent_)
+    setRect_(s.rect);
+}
+
+// A call that a redraw makes on a scope in the midst of another is one of its own.
+ccWin32UIScope::cc_Call::cc_Call(ccWin32UIScope& scope)
+    : scope_(scope), outer_(scope.call_),
+      whole_(outer_ && outer_->whole_->redraws_ == scope.root_().redraws_ ? outer_->whole_ : this)
+{
+  if (whole_ != this)
+    return;
+  called_ = scope.standing_();
+  redraws_ = scope.root_().redraws_;
+  scope.call_ = this;
+}
+
+ccWin32UIScope::cc_Call::~cc_Call()
+{
+  if (whole_ != this)
+    return;
+  scope_.call_ = outer_;
+  if (moved_)
+    scope_.stand_(after_);
+}
+
+bool ccWin32UIScope::cc_Call::settle()
+{
+  if (whole_ != this)
+    return whole_->settle();
+  if (scope_.parent_ != called_.parent || scope_.root_().redraws_ == redraws_)
+    return false;
+  redraws_ = scope_.root_().redraws_;
+  after_ = scope_.standing_();
+  moved_ = true;
+  scope_.stand_(called_);
+  return true;
+}
+
+ccWin32UIScope::cc_Phase::cc_Phase(ccWin32UIScope& scope, DrawMethod method) : call_(scope), scope_(scope)
+{
+  static_cast<void>(restart(method));
+}
+
+ccWin32UIScope::cc_Phase::~cc_Phase()
+{
+  if (leftOpen_)
+    return;
+  scope_.win32DrawStop();
+  call_.settle();
+}
+
+bool ccWin32UIScope::cc_Phase::restart(DrawMethod method)
+{
+  ccWin32UIScope const* const parent = scope_.parent_;
+  started_ = scope_.win32DrawStart(method) && scope_.parent_ == parent;
+  if (call_.settle() && started_)
+    scope_.setUpPainter_();
+  if (started_)
+    target_ = scope_.target_();
+  return started_;
+}
+
 bool ccWin32UIScope::win32DrawStart(DrawMethod method) { return parent_ ? startChild_(method) : startRoot_(method); }
 
 bool ccWin32UIScope::startRoot_(DrawMethod method)
@@ -29,9 +95,9 @@ bool ccWin32UIScope::startRoot_(DrawMethod method)
   ccWin32UIScope* const active = display_ ? displayActiveLockedScope_(display_) : nullptr;
   if (active && active != this)
     active->win32DrawStop_();
-  if (method != kNoPhase && method_ == method && (!display_ || active == this)) {
+  if (method != kNoPhase && method_ == method && (!display_ || displayActiveLockedScope_(display_) == this)) {
     if (phaseUser_ != this)
-      setUpPhase_();
+      setUpPainter_();
     return true;
   }
   if (method_ != kNoPhase)
@@ -58,7 +124,7 @@ bool ccWin32UIScope::win32DrawStart_(DrawMethod method)
     if (rect_.isNull() || !parent_->win32DrawStart(method))
       return false;
     method_ = method;
-    setUpPhase_();
+    setUpPainter_();
     return true;
   }
   if (rect_.isNull() || (surfacesLost_() && !restoreLostSurfaces_()) || !ddraw_.created())
@@ -67,52 +133,72 @@ bool ccWin32UIScope::win32DrawStart_(DrawMethod method)
   // Without a backup surface nobody could take an animated picture away again.
   if (dragActive_ && dragAnimate_ && !backup_.created())
     return false;
-  ccDirectDrawSurface& target = drawsToBackup_() ? backup_ : drawing_;
-  bool started = false;
-  if (method == kBlit) {
-    started = target.created();
-  } else if (method == kPaint) {
-    started = target.getDC(&drawDC_) == ceDDOk && drawDC_;
-    phasePainter_ = started ? plat::painter(drawDC_) : nullptr;
-  } else if (method == kDirect) {
-    started = target.lock() == ceDDOk && target.description().surface();
-    if (started) {
-      locked_ = target.description().surface();
-      pitch_ = target.description().pitch();
-    }
-  }
-  if (!started)
+  if (!takeTarget_(method, drawsToBackup_() ? backup_ : drawing_))
     return false;
   method_ = method;
-  phaseSurface_ = &target;
-  setUpPhase_();
+  setUpPainter_();
   if (method != kBlit && display_)
     displayActiveLockedScope_(display_, this);
   return true;
 }
 
-void ccWin32UIScope::setUpPhase_()
+// Everything that a drawing goes by is read from the surface here, and nowhere else.
+bool ccWin32UIScope::takeTarget_(DrawMethod method, ccDirectDrawSurface& surface)
 {
-  ccWin32UIScope& root = root_();
-  if (method_ == kBlit)
-    bltTarget_ = root.phaseSurface_;
-  if (parent_) {
-    depth_ = root.depth_;
-    bytesPerPel_ = root.bytesPerPel_;
-    pitch_ = root.pitch_;
-    drawDC_ = root.drawDC_;
-    if (method_ == kDirect)
-      locked_ = root.locked_ + rect_.top() * pitch_ + rect_.left() * bytesPerPel_;
+  cs_Target t;
+  t.surface = &surface;
+  if (method == kBlit) {
+    if (!surface.created())
+      return false;
+  } else if (method == kPaint) {
+    long const result = surface.getDC(&t.dc);
+    redrawDue_ |= result == ceDDOutOfMemory;
+    if (result != ceDDOk || !t.dc)
+      return false;
+    t.painter = plat::painter(t.dc);
+  } else if (method != kDirect || surface.lock() != ceDDOk || !surface.description().surface()) {
+    return false;
   }
-  root.phaseUser_ = this;
-  if (plat::Painter* painter = painter_()) {
-    painter->viewportOrigin(plat::Point{static_cast<plat::i32>(rect_.left()), static_cast<plat::i32>(rect_.top())});
-    plat::Rect const clip = toRect(clipToDisplay_(rect_));
-    painter->clip(parent_ ? &clip : nullptr);
-  }
+  ccDirectDrawSurfaceDesc const& desc = surface.description();
+  t.pels = method == kDirect ? desc.surface() : nullptr;
+  t.pitch = desc.pitch();
+  t.depth = depthCode_(desc.pixelFormat());
+  t.bytesPerPel = static_cast<long>(desc.pixelFormat().bitCount() / 8);
+  t.bounds = rect_ & ccUIRect(0, 0, static_cast<long>(desc.width()), static_cast<long>(desc.height()));
+  phase_ = t;
+  depth_ = t.depth;
+  return true;
 }
 
-plat::Painter* ccWin32UIScope::painter_() { return method_ == kPaint && drawDC_ ? root_().phasePainter_ : nullptr; }
+// Of the root's running phase, what this scope draws on.
+ccWin32UIScope::cs_Target ccWin32UIScope::target_() const
+{
+  cs_Target t = root_().phase_;
+  t.bounds &= rect_;
+  if (t.pels && !t.bounds.isNull())
+    t.pels += rect_.top() * t.pitch + rect_.left() * t.bytesPerPel;
+  t.bounds = t.bounds.isNull() ? ccUIRect() : t.bounds - rect_.ul();
+  return t;
+}
+
+void ccWin32UIScope::setUpPainter_()
+{
+  ccWin32UIScope& root = root_();
+  root.phaseUser_ = this;
+  plat::Painter* const painter = root.phase_.painter;
+  if (!painter)
+    return;
+  painter->viewportOrigin(plat::Point{static_cast<plat::i32>(rect_.left()), static_cast<plat::i32>(rect_.top())});
+  plat::Rect const clip = toRect(clipToDisplay_(rect_));
+  painter->clip(parent_ ? &clip : nullptr);
+}
+
+// What of the scope lies on its root's surface as that is now.
+ccUIRect ccWin32UIScope::ownRect_() const
+{
+  ccUIRect const cut = rect_ & root_().rect_;
+  return cut.isNull() ? ccUIRect() : cut - rect_.ul();
+}
 
 ccUIRect ccWin32UIScope::clipToDisplay_(ccUIRect const& rootRect) const
 {
@@ -135,9 +221,6 @@ void ccWin32UIScope::stopDrawPhase()
 void ccWin32UIScope::win32DrawStop_()
 {
   if (parent_) {
-    drawDC_ = nullptr;
-    locked_ = nullptr;
-    bltTarget_ = nullptr;
     method_ = kNoPhase;
     if (!parent_->optimize_)
       parent_->win32DrawStop_();
@@ -153,19 +236,15 @@ void ccWin32UIScope::abandonPhase_()
   if (parent_ || method_ == kNoPhase)
     return;
   long result = ceDDOk;
-  if (method_ == kPaint && drawDC_)
-    result = phaseSurface_->releaseDC(drawDC_);
-  if (method_ == kDirect && locked_)
-    result = phaseSurface_->unlock();
+  if (method_ == kPaint)
+    result = phase_.surface->releaseDC(phase_.dc);
+  if (method_ == kDirect)
+    result = phase_.surface->unlock();
   if (result != ceDDOk)
     incomplete_ = true;  // a surface that stays locked is as good as lost
   if (method_ != kBlit && display_ && displayActiveLockedScope_(display_) == this)
     displayActiveLockedScope_(display_, nullptr);
-  drawDC_ = nullptr;
-  phasePainter_ = nullptr;
-  locked_ = nullptr;
-  bltTarget_ = nullptr;
-  phaseSurface_ = nullptr;
+  phase_ = cs_Target();
   phaseUser_ = nullptr;
   method_ = kNoPhase;
 }
@@ -233,6 +312,8 @@ void ccWin32UIScope::updateScreen()
     return parent_->updateScreen();
   if (surfacesLost_() && !restoreLostSurfaces_())
     return;
+  if (redrawDue_ && !screenLock_.top())
+    callRedraw_();
   if (invalid_.isNull() || !ddraw_.created())
     return;
   if (dragActive_ && !backupDirty_.isNull() && !mergeBackup_(backupDirty_))
@@ -268,32 +349,68 @@ bool ccWin32UIScope::updateByMode_(ccUIRect const& client, ccUIRect const& sourc
     updateHardwareOverlay_(client);
     return false;
   }
-  if (!partner_)
+  if (!partnerScope_)
     return present_(drawing_, source, dest);
-  if (overlayPlane_)
-    return combine_(*partner_, drawing_, combined_, source, dest);
-  return combine_(drawing_, *partner_, *partnerCombined_, source, dest);
+  if (!partnerReady_())
+    return false;
+  ccDirectDrawSurface* const target = combineTarget_();
+  if (!target)
+    return present_(drawing_, source, dest);
+  return overlayPlane_ ? combine_(partnerScope_->drawing_, drawing_, *target, source, dest)
+                       : combine_(drawing_, partnerScope_->drawing_, *target, source, dest);
 }
 
+// The surface that both layers are put together on; null when neither of them is an overlay plane.
+ccDirectDrawSurface* ccWin32UIScope::combineTarget_()
+{
+  if (overlayPlane_)
+    return &combined_;
+  return partnerScope_ && partnerScope_->overlayPlane_ ? &partnerScope_->combined_ : nullptr;
+}
+
+// The other layer's surfaces are whole, and of one format with ours.
+bool ccWin32UIScope::partnerReady_()
+{
+  ccWin32UIScope& other = *partnerScope_;
+  if (other.surfacesLost_() && !other.restoreLostSurfaces_())
+    return false;
+  auto const differs = [this, &other] {
+    ccDirectDrawSurface const* const target = combineTarget_();
+    long const depth = depthCode_(drawing_.description().pixelFormat());
+    return depth != depthCode_(other.drawing_.description().pixelFormat()) ||
+           (target && target->created() && depth != depthCode_(target->description().pixelFormat()));
+  };
+  if (!differs())
+    return true;
+  // The screen has changed under one of them.
+  return !restoring_ && rebuildSurfaces_() && other.rebuildSurfaces_() && !differs();
+}
+
+// Each blit is cut by what its surfaces hold, as the layers are sized one after the other.
 bool ccWin32UIScope::combine_(ccDirectDrawSurface& below, ccDirectDrawSurface& above, ccDirectDrawSurface& target,
                               ccUIRect const& source, ccUIRect const& dest)
 {
-  return target.blt(&below, source, source, ceBltWait) == ceDDOk &&
-         target.blt(&above, source, source, ceBltWait | ceBltKeySource) == ceDDOk && present_(target, source, dest);
+  if (!target.created() || !below.created() || !above.created())
+    return false;
+  ccUIRect const all = source & target.bounds();
+  ccUIRect const under = all & below.bounds(), over = all & above.bounds();
+  if (!under.isNull() && target.blt(&below, under, under, ceBltWait) != ceDDOk)
+    return false;
+  if (!over.isNull() && target.blt(&above, over, over, ceBltWait | ceBltKeySource) != ceDDOk)
+    return false;
+  return all.isNull() || present_(target, all, all + (dest.ul() - source.ul()));
 }
 
 bool ccWin32UIScope::present_(ccDirectDrawSurface& from, ccUIRect const& source, ccUIRect const& dest)
 {
   constexpr std::uint32_t blockBegin = 1;
-  cePriority former = cePriorityNormal;
-  if (waitForVerticalBlank_) {
-    former = cfGetThreadPriority();
-    cfSetThreadPriority(cePriorityTimeCritical);
-    static_cast<void>(ddraw_.WaitForVerticalBlank(blockBegin));
-  }
+  if (!waitForVerticalBlank_)
+    return ddraw_.primary().blt(&from, source, dest, ceBltWait) == ceDDOk;
+  cePriority const former = cfGetThreadPriority();
+  cfSetThreadPriority(cePriorityTimeCritical);
+  static_cast<void>(ddraw_.WaitForVerticalBlank(blockBegin));
   long const result = ddraw_.primary().blt(&from, source, dest, ceBltWait);
-  if (waitForVerticalBlank_)
-    cfSetThreadPriority(former);
+  cfSetThreadPriority(former);
   return result == ceDDOk;
 }
 
@@ -364,8 +481,7 @@ void ccWin32UIScope::updateHardwareOverlay_(ccUIRect const& client)
     return;
   chromaFlags_ |= kOverlayUnusable;
   static_cast<void>(resize(rect_.sz(), -1));
-  if (redraw_)
-    redraw_(redrawArgument_);
+  callRedraw_();
 }
 
 // --- Drag
@@ -414,11 +530,8 @@ void ccWin32UIScope::dragErase()
 
 void ccWin32UIScope::dragStop()
 {
-  if (parent_) {
-    parent_->dragStop();
-    pitch_ = parent_->pitch_;
-    return;
-  }
+  if (parent_)
+    return parent_->dragStop();
   stopDrawPhase();
   dragActive_ = false;
   if (backup_.created()) {
@@ -430,8 +543,6 @@ void ccWin32UIScope::dragStop()
     static_cast<void>(backup_.release());
   }
   backupDirty_ = eraseFailed_ = ccUIRect();
-  if (drawing_.created())
-    pitch_ = drawing_.description().pitch();
   invalidateScreen(dragDirty_);
   dragDirty_ = ccUIRect();
   updateScreen();
@@ -443,69 +554,4 @@ void ccWin32UIScope::dragAnimate(bool on)
   if (root.dragActive_ && root.dragAnimate_ != on)
     root.stopDrawPhase();  // it draws to the other surface
   root.dragAnimate_ = on;
-}
-
-// --- Lost surfaces
-
-bool ccWin32UIScope::surfacesLost_() const
-{
-  if (parent_)
-    return parent_->surfacesLost_();
-  return deviceGone_ || incomplete_ || ddraw_.primary().isLost() || drawing_.isLost() || cache_.isLost() ||
-         backup_.isLost() || graphics_.isLost() || combined_.isLost();
-}
-
-bool ccWin32UIScope::attachScreen_()
-{
-  if (ddraw_.primary().restore() == ceDDOk || ddraw_.primary().recreate() == ceDDOk)
-    return true;
-  return restoreAll(nullptr) == ceDDOk;
-}
-
-bool ccWin32UIScope::restoreLostSurfaces_()
-{
-  if (restoring_)
-    return false;
-  if (deviceGone_) {
-    if (restoreAll(nullptr) != ceDDOk)
-      return false;
-  } else if (!ddraw_.created()) {
-    return false;
-  } else if (!surfacesLost_()) {
-    return true;
-  }
-  if (ddraw_.testCooperativeLevel() == ceDDExclusiveMode)
-    return false;
-  struct cs_Restoring {
-    bool& flag;
-    explicit cs_Restoring(bool& f) : flag(f) { flag = true; }
-    ~cs_Restoring() { flag = false; }
-  };
-  {
-    cs_Restoring const restoring(restoring_);
-    abandonPhase_();
-    if (!attachScreen_())
-      return false;
-    static_cast<void>(ddraw_.primary().attach(&clipper_));
-    if (ddPalette_.created())
-      static_cast<void>(ddPalette_.release());
-    attachPalette_();
-    static_cast<void>(resize(rect_.sz(), wantedDepth_));
-    if (!chromaKeyingEnabled() && overlayPlane_)
-      static_cast<void>(drawing_.bltColorFill(rect_, colorKey_.low(), ceBltWait));
-    if (dragActive_)
-      static_cast<void>(backup_.recreate());
-    cachedRoot_ = 0;
-    cachedHandle_ = nullptr;
-    if (cache_.created())
-      static_cast<void>(cache_.release());
-    if (surfacesLost_())
-      return false;
-    readFormat_();
-  }
-  if (redraw_)
-    redraw_(redrawArgument_);
-  if (dragActive_)
-    static_cast<void>(copyToBackup_());
-  return !surfacesLost_();
 }

@@ -67,8 +67,8 @@ COLORREF ccWin32UIScope::bgrColor_(ccColor const& color) const
   if ((color.flags() & ccColor::kRGB) != 0)
     return static_cast<COLORREF>(color.bgr());
   ccWin32UIScope const& root = root_();
-  if (depth_ == 8) {
-    HPALETTE const palette = palette_ ? palette_ : root.palette_;
+  if (root.depth_ == 8) {
+    HPALETTE const palette = root.palette_;
     plat::PaletteEntry e{};
     if (palette && plat::platform().objects.entry(palette, color.index(), e))
       return static_cast<COLORREF>(e.r | e.g << 8 | e.b << 16);
@@ -86,7 +86,7 @@ unsigned char ccWin32UIScope::paletteIndex_(ccColor const& color) const
 {
   if ((color.flags() & ccColor::kIndex) != 0)
     return color.index();
-  HPALETTE const palette = palette_ ? palette_ : root_().palette_;
+  HPALETTE const palette = root_().palette_;
   if (!palette)
     return color.index();
   return static_cast<unsigned char>(plat::platform().objects.nearest(palette, bgrColor_(color)));
@@ -94,13 +94,13 @@ unsigned char ccWin32UIScope::paletteIndex_(ccColor const& color) const
 
 std::uint32_t ccWin32UIScope::pelOf_(ccColor const& color) const
 {
-  return depth_ == 8 ? paletteIndex_(color) : pelOfRGB(rgbOf(bgrColor_(color)), depth_);
+  return depth() == 8 ? paletteIndex_(color) : pelOfRGB(rgbOf(bgrColor_(color)), depth());
 }
 
 // For fills: at depth 8 a colour without index takes the nearest entry of the colour map.
 std::uint32_t ccWin32UIScope::fillPelOf_(ccColor const& color) const
 {
-  if (depth_ != 8 || (color.flags() & ccColor::kIndex) != 0)
+  if (depth() != 8 || (color.flags() & ccColor::kIndex) != 0)
     return pelOf_(color);
   return nearestColor(color, root_().colorCacheMap_.getColorMap()).index();
 }
@@ -116,26 +116,29 @@ void ccWin32UIScope::set(ccColor const& color)
 
 void ccWin32UIScope::set(ccUIRect const& rect, ccColor const& color)
 {
-  ccUIRect const r = (rect - clientOffset()) & ownRect_();
+  ccUIRect r = (rect - clientOffset()) & ownRect_();
   bool const seeThrough = color.isPass();
   if (!r.isNull() && (!seeThrough || overlayPlane_)) {
-    if (win32DrawStart(kBlit))
-      colorFill_(r, seeThrough ? root_().colorKey_.low() : fillPelOf_(color));
-    win32DrawStop();
+    cc_Phase phase(*this, kBlit);
+    if (phase) {
+      r = (rect - clientOffset()) & phase.target().bounds;
+      colorFill_(phase, r, seeThrough ? root_().colorKey_.low() : fillPelOf_(color));
+    }
   }
   report_(r, true);
 }
 
-void ccWin32UIScope::colorFill_(ccUIRect const& rect, std::uint32_t value)
+void ccWin32UIScope::colorFill_(cc_Phase& phase, ccUIRect const& rect, std::uint32_t value)
 {
   ccUIRect const target = clipToDisplay_(rect + rect_.ul());
-  if (target.isNull())
+  if (rect.isNull() || target.isNull())
     return;
-  if (bltTarget_->bltColorFill(target, value, ceBltWait) != ceDDOk && win32DrawStart(kDirect)) {
+  if (phase.target().surface->bltColorFill(target, value, ceBltWait) != ceDDOk && phase.restart(kDirect)) {
     // A blitter that fails leaves the fill to us.
-    ccUIRect const mine = target - rect_.ul();
+    cs_Target const& t = phase.target();
+    ccUIRect const mine = (target - rect_.ul()) & t.bounds;
     for (long y = mine.top(); y < mine.bottom(); ++y)
-      storePels(locked_ + y * pitch_ + mine.left() * bytesPerPel_, bytesPerPel_, value, mine.width());
+      storePels(t.pels + y * t.pitch + mine.left() * t.bytesPerPel, t.bytesPerPel, value, mine.width());
   }
   win32Changed(rect);
 }
@@ -146,14 +149,16 @@ void ccWin32UIScope::draw(ccPoint const& p, ccGraphicProps const& props)
 {
   if (!isPlace(p))
     return;
-  ccUIRect const r = ccUIRect(xCoord(p), yCoord(p), 1, 1) & ownRect_();
+  ccUIRect r = ccUIRect(xCoord(p), yCoord(p), 1, 1) & ownRect_();
   if (!r.isNull()) {
-    if (win32DrawStart(kDirect)) {
-      if (!clipToDisplay_(r + rect_.ul()).isNull())
-        storePels(locked_ + r.top() * pitch_ + r.left() * bytesPerPel_, bytesPerPel_, pelOf_(props.penColor()), 1);
+    cc_Phase const phase(*this, kDirect);
+    cs_Target const& t = phase.target();
+    if (phase) {
+      r &= t.bounds;
+      if (!r.isNull() && !clipToDisplay_(r + rect_.ul()).isNull())
+        storePels(t.pels + r.top() * t.pitch + r.left() * t.bytesPerPel, t.bytesPerPel, pelOf_(props.penColor()), 1);
       win32Changed(r);
     }
-    win32DrawStop();
   }
   report_(r, false);
 }
@@ -163,11 +168,13 @@ void ccWin32UIScope::draw(ccPoint const& p, ccGraphicProps const& props)
 void ccWin32UIScope::draw(ccRLEBuffer const& image, ccPoint const& p, std::vector<ccColor> const& map, bool transparent,
                           unsigned char key)
 {
-  std::vector<ccRGB> const& colors = root_().colorCacheMap_.getColorMap();
-  std::vector<unsigned char> indexes(map.size());
-  for (std::size_t i = 0; i < map.size(); ++i)
-    indexes[i] = (map[i].flags() & ccColor::kIndex) != 0 ? map[i].index() : nearestColor(map[i], colors).index();
-  draw(image, p, indexes, transparent, key);
+  quietly_([&] {
+    std::vector<ccRGB> const& colors = root_().colorCacheMap_.getColorMap();
+    std::vector<unsigned char> indexes(map.size());
+    for (std::size_t i = 0; i < map.size(); ++i)
+      indexes[i] = (map[i].flags() & ccColor::kIndex) != 0 ? map[i].index() : nearestColor(map[i], colors).index();
+    draw(image, p, indexes, transparent, key);
+  });
 }
 
 void ccWin32UIScope::draw(ccRLEBuffer const& image, ccPoint const& p, std::vector<unsigned char> const& map,
@@ -175,23 +182,38 @@ void ccWin32UIScope::draw(ccRLEBuffer const& image, ccPoint const& p, std::vecto
 {
   if (image.isNull() || !isPlace(p))
     return;
-  cs_Clip const c = clip_<unsigned char>(ccPair<long>(image.width(), image.height()), ccPair<long>(xCoord(p), yCoord(p)));
+  ccPair<long> const size(image.width(), image.height()), pos(xCoord(p), yCoord(p));
+  cs_Clip c = clip_<unsigned char>(size, pos, ownRect_());
   if (!c.r.isNull()) {
-    if (win32DrawStart(kDirect)) {
-      writeRuns_(image, c, map, transparent, key);
+    cc_Phase const phase(*this, kDirect);
+    if (phase) {
+      c = clip_<unsigned char>(size, pos, phase.target().bounds);
+      if (!c.r.isNull())
+        writeRuns_(phase.target(), image, c, map, transparent, key);
       win32Changed(c.r);
     }
-    win32DrawStop();
   }
   report_(c.r, false);
 }
 
-void ccWin32UIScope::writeRuns_(ccRLEBuffer const& image, cs_Clip const& c, std::vector<unsigned char> const& map,
-                                bool transparent, unsigned char key)
+void ccWin32UIScope::sample(ccRLEBuffer const& image, ccPoint const& p, ccPair<double> const& scale,
+                            std::vector<unsigned char> const& map, bool transparent, unsigned char key)
+{
+  quietly_([&] { ccUIScope::sample(image, p, scale, map, transparent, key); });
+}
+
+void ccWin32UIScope::expand(ccRLEBuffer const& image, ccPoint const& p, ccPair<double> const& scale,
+                            std::vector<unsigned char> const& map, bool transparent, unsigned char key)
+{
+  quietly_([&] { ccUIScope::expand(image, p, scale, map, transparent, key); });
+}
+
+void ccWin32UIScope::writeRuns_(cs_Target const& t, ccRLEBuffer const& image, cs_Clip const& c,
+                                std::vector<unsigned char> const& map, bool transparent, unsigned char key)
 {
   for (std::int64_t y = 0; y < c.h; ++y) {
     unsigned char const* run = image.row(static_cast<long>(c.sy + y));
-    unsigned char* const row = locked_ + (c.dy + y) * pitch_ + c.dx * bytesPerPel_;
+    unsigned char* const row = t.pels + (c.dy + y) * t.pitch + c.dx * t.bytesPerPel;
     std::int64_t at = -c.sx;  // position in the clipped row
     for (; run[1] != 0 && at < c.w; run += 2) {
       std::int64_t const from = std::max<std::int64_t>(at, 0);
@@ -200,8 +222,8 @@ void ccWin32UIScope::writeRuns_(ccRLEBuffer const& image, cs_Clip const& c, std:
       if (end <= from || (transparent && run[0] == key))
         continue;
       unsigned char const index = run[0] < map.size() ? map[run[0]] : run[0];
-      std::uint32_t const value = depth_ == 8 ? index : pelOf_(ccColor(index));
-      storePels(row + from * bytesPerPel_, bytesPerPel_, value, end - from);
+      std::uint32_t const value = t.depth == 8 ? index : pelOf_(ccColor(index));
+      storePels(row + from * t.bytesPerPel, t.bytesPerPel, value, end - from);
     }
   }
 }

@@ -1,7 +1,7 @@
 // Shapes with curves, fills and vertices, painted on the device context of a phase. Positions of the painter are pels of the
 // scope. Each operation reports the rectangle that it may have touched.
 #include "backend/scope/shape_paths.h"
-#include "backend/scope/win32_scope.h"
+#include "backend/scope/win32_scope_phase.h"
 #include "canvas/draws_itself.h"
 #include "canvas/strokes.h"
 #include "foundation/rounding.h"
@@ -134,23 +134,25 @@ ccUIRect ccWin32UIScope::figureRect_(ccRect const& box, long before, double more
 template <class Paint>
 void ccWin32UIScope::paintFigure_(ccUIRect const& touched, ccUIRect const& reach, Paint&& paint)
 {
-  ccUIRect const r = touched & ownRect_();
   if ((reach & ownRect_()).isNull())
     return;
-  ccUIRect drawn = r;
-  if (win32DrawStart(kPaint)) {
-    if (plat::Painter* const painter = painter_()) {
+  ccUIRect drawn = touched & ownRect_();
+  quietly_([&] {
+    cc_Phase const phase(*this, kPaint);
+    if (!phase)
+      return;
+    drawn = touched & phase.target().bounds;
+    if (plat::Painter* const painter = phase.target().painter) {
       bool const looks = reach != touched;
       if (looks)
         cf_beginBounds(*painter);
       paint(*painter);
       if (looks)
-        drawn = (r | cf_endBounds(*painter)) & ownRect_();
+        drawn = (drawn | cf_endBounds(*painter)) & phase.target().bounds;
       painter->noBrush();
     }
     win32Changed(drawn);
-  }
-  win32DrawStop();
+  });
   report_(drawn, false);
 }
 
@@ -217,10 +219,12 @@ void ccWin32UIScope::draw(ccPolygon const& polygon, ccGraphicProps const& props)
     return draw(ccPoint(polygon[0]), props);
   if (polygon.size() == 0)
     return;
-  ccUIRect const touched = chainOf_(polygon.points(), cf_halfWidth(props));
-  if (isFar(touched))
-    return drawFarChain_(polygon.points(), props, polygon.fillRule(), false);
-  paintChain_(touched, props, polygon.fillRule());
+  quietly_([&] {
+    ccUIRect const touched = chainOf_(polygon.points(), cf_halfWidth(props));
+    if (isFar(touched))
+      return drawFarChain_(polygon.points(), props, polygon.fillRule(), false);
+    paintChain_(touched, props, polygon.fillRule());
+  });
 }
 
 void ccWin32UIScope::draw(ccPolyline const& polyline, ccGraphicProps const& props)
@@ -229,12 +233,14 @@ void ccWin32UIScope::draw(ccPolyline const& polyline, ccGraphicProps const& prop
     return draw(ccPoint(polyline[0]), props);
   if (polyline.size() == 0)
     return;
-  ccUIRect const touched = chainOf_(polyline.points(), cf_halfWidth(props));
-  if (isFar(touched))
-    return drawFarChain_(polyline.points(), props, 0, polyline.closed());
-  if (polyline.closed())
-    root_().chain_.push_back(root_().chain_.front());
-  paintChain_(touched, props, 0);
+  quietly_([&] {
+    ccUIRect const touched = chainOf_(polyline.points(), cf_halfWidth(props));
+    if (isFar(touched))
+      return drawFarChain_(polyline.points(), props, 0, polyline.closed());
+    if (polyline.closed())
+      root_().chain_.push_back(root_().chain_.front());
+    paintChain_(touched, props, 0);
+  });
 }
 
 // --- Rectangles

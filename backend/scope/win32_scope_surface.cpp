@@ -40,8 +40,10 @@ ccDirectDrawSurfaceDesc sizedDesc(std::uint32_t caps, ccPair<long> size)
 {
   ccDirectDrawSurfaceDesc desc;
   desc.surfaceCaps(ccDirectDrawSurfaceCaps(caps));
-  desc.width(static_cast<std::uint32_t>(size.x()));
-  desc.height(static_cast<std::uint32_t>(size.y()));
+  // What no surface has stays that.
+  auto const extent = [](long v) { return static_cast<std::uint32_t>(std::clamp<std::int64_t>(v, 0, 0x7FFFFFFF)); };
+  desc.width(extent(size.x()));
+  desc.height(extent(size.y()));
   return desc;
 }
 
@@ -56,25 +58,28 @@ long ccWin32UIScope::resize(ccPair<long> size, long depth)
   abandonPhase_();
   dropClientDC_();
   setRect_(ccUIRect(ccPair<long>(), clampToScreen_(size)));
-  invalid_ &= rect_;
-  backupDirty_ &= rect_;
-  dragDirty_ &= rect_;
-  eraseFailed_ &= rect_;
-  long result, combined = ceDDOk;
+  shrinkDirty_();
+  long result;
   if (chromaKeyingEnabled()) {
     result = createChromaKeySurfaces_(rect_.sz());
   } else {
     result = createSurface_(drawing_, rect_.sz(), depth, false);
     if (overlayPlane_) {
       overlayPlaneColorKey_();
-      combined = createSurface_(combined_, rect_.sz(), -1, false);
+      static_cast<void>(createSurface_(combined_, rect_.sz(), -1, false));
     }
   }
-  incomplete_ = result != ceDDOk || combined != ceDDOk;
+  releaseUnused_();
   readFormat_();
   if (dragActive_)
     dragStart();
   return result;
+}
+
+void ccWin32UIScope::shrinkDirty_()
+{
+  for (ccUIRect* const r : {&invalid_, &backupDirty_, &dragDirty_, &eraseFailed_})
+    *r &= rect_;
 }
 
 void ccWin32UIScope::resizeDrawingSurface(ccPair<long> const& size)
@@ -86,19 +91,14 @@ void ccWin32UIScope::resizeDrawingSurface(ccPair<long> const& size)
   abandonPhase_();
   dropClientDC_();
   setRect_(ccUIRect(ccPair<long>(), clampToScreen_(size)));
-  invalid_ &= rect_;
-  backupDirty_ &= rect_;
-  dragDirty_ &= rect_;
-  eraseFailed_ &= rect_;
-  long result;
+  shrinkDirty_();
   if (chromaKeyingEnabled()) {
-    result = createChromaKeySurfaces_(rect_.sz());
+    static_cast<void>(createChromaKeySurfaces_(rect_.sz()));
   } else {
-    result = createSurface_(drawing_, rect_.sz(), -1, false);
+    static_cast<void>(createSurface_(drawing_, rect_.sz(), -1, false));
     if (overlayPlane_)
       overlayPlaneColorKey_();
   }
-  incomplete_ = result != ceDDOk;
   readFormat_();
   if (dragActive_)
     dragStart();
@@ -126,14 +126,14 @@ long ccWin32UIScope::releaseCombinedSurface() { return root_().combined_.release
 
 ccDirectDrawSurfaceDesc ccWin32UIScope::offscreenDesc_(ccPair<long> size, long depth, bool forceSystem) const
 {
-  ccDirectDrawSurfaceDesc const& screen = ddraw_.primary().description();
+  ccDirectDrawSurfaceDesc const screen = screen_();
   ccDirectDrawSurfaceCaps caps;
   caps.offscreenPlain(true);
   caps.systemMemory(forceSystem || size.x() > static_cast<long>(screen.width()) ||
                     size.y() > static_cast<long>(screen.height()));
   ccDirectDrawSurfaceDesc desc = sizedDesc(caps.bits(), size);
   // A surface without a format of its own gets the screen's, so the screen's depth counts as well as ours.
-  if (depth >= 1 && (depth != depth_ || depth != screenDepth_()))
+  if (depth >= 1 && (depth != depth_ || depth != depthCode_(screen.pixelFormat())))
     desc.pixelFormat(formatOfDepth(depth));
   return desc;
 }
@@ -164,7 +164,7 @@ long ccWin32UIScope::createOverlay_(ccDirectDrawSurface& surface, ccPair<long> s
     return ceDDNotInitialized;
   if (surface.created())
     static_cast<void>(surface.release());
-  ccDirectDrawSurfaceDesc const& screen = ddraw_.primary().description();
+  ccDirectDrawSurfaceDesc const screen = screen_();
   if (size.x() > static_cast<long>(screen.width()) || size.y() > static_cast<long>(screen.height()))
     return ceDDInvalidParam;
   ccDirectDrawCaps hardware, emulation;
@@ -219,7 +219,7 @@ long ccWin32UIScope::createChromaKeySurfaces_(ccPair<long> size)
     }
     if (createOverlay_(drawing_, size, false) == ceDDOk) {
       chromaFlags_ |= kOverlay;
-      static_cast<void>(chromaKey(chromaKey_));
+      static_cast<void>(keySurfaces_());
       return ceDDOk;
     }
   }
@@ -228,8 +228,7 @@ long ccWin32UIScope::createChromaKeySurfaces_(ccPair<long> size)
     result = createSurface_(graphics_, size, -1, false);
   if (result == ceDDOk)
     result = createSurface_(combined_, size, -1, false);
-  ddColorKey_();
-  long const keyed = chromaKeyingEnabled() ? applyChromaKey_() : ceDDOk;
+  long const keyed = keySurfaces_();
   return result != ceDDOk ? result : keyed;
 }
 
@@ -239,7 +238,7 @@ long ccWin32UIScope::createYuvDrawing_(ccPair<long> size)
   if (!ddraw_.created())
     return ceDDNotInitialized;
   long const result = createSurface_(drawing_, size, 8, true);
-  static_cast<void>(chromaKey(chromaKey_));
+  static_cast<void>(keySurfaces_());
   return result;
 }
 
@@ -252,8 +251,7 @@ long ccWin32UIScope::enableChromaKeying(bool enable, bool yuv)
   dropClientDC_();
   chromaFlags_ = (enable ? kChroma : 0u) | (yuv ? kYuvWanted : 0u);
   long const result = resize(rect_.sz(), -1);
-  if (redraw_)
-    redraw_(redrawArgument_);
+  callRedraw_();
   if (window_) {
     plat::platform().windows.invalidate(window_, nullptr, false);
     plat::platform().windows.update(window_);
@@ -266,6 +264,17 @@ long ccWin32UIScope::chromaKey(unsigned long key)
   if (parent_)
     return parent_->chromaKey(key);
   chromaKey_ = static_cast<COLORREF>(key);
+  long const result = keySurfaces_();
+  if (chromaKeyingEnabled()) {
+    // Other pels let the picture through now.
+    invalidateScreen(rect_);
+    updateScreen();
+  }
+  return result;
+}
+
+long ccWin32UIScope::keySurfaces_()
+{
   ddColorKey_();
   return chromaKeyingEnabled() ? applyChromaKey_() : ceDDOk;
 }
@@ -310,8 +319,10 @@ long ccWin32UIScope::enableOverlayPlane(bool enable, ccPair<long> size)
   if (parent_)
     return parent_->enableOverlayPlane(enable, size);
   overlayPlane_ = enable;
-  if (!enable)
+  if (!enable) {
+    releaseUnused_();
     return ceDDOk;
+  }
   if (!combined_.created() && createSurface_(combined_, size, -1, false) != ceDDOk) {
     overlayPlane_ = false;
     return ceDDOk;
@@ -344,7 +355,6 @@ ccDirectDrawSurface* ccWin32UIScope::displayedSurface_()
       return &root.combined_;
     return (root.chromaFlags_ & (kOverlayUYVY | kOverlayYUY2)) != 0 ? &root.graphics_ : &root.drawing_;
   }
-  if (!root.partner_)
-    return &root.drawing_;
-  return root.overlayPlane_ ? &root.combined_ : root.partnerCombined_;
+  ccDirectDrawSurface* const target = root.partnerScope_ ? root.combineTarget_() : nullptr;
+  return target ? target : &root.drawing_;
 }

@@ -1,5 +1,5 @@
 // Lines, text and flood fill, painted on the device context of a phase. Positions of the painter are pels of the scope.
-#include "backend/scope/win32_scope.h"
+#include "backend/scope/win32_scope_phase.h"
 
 #include "backend/scope/shape_paths.h"
 #include "canvas/format.h"
@@ -79,19 +79,22 @@ void ccWin32UIScope::drawLine_(ccPair<long> const& from, ccPair<long> const& to,
   bool const looks = props.penWidth() >= 2 && (slanted ? props.capStyle() == 2 : props.penStyle() != ceSolidPen);
   ccUIRect const reach = looks && slanted ? cf_grown(touched, 1) : touched;
   ccUIRect drawn = touched & ownRect_();
-  if (!(reach & ownRect_()).isNull()) {
-    if (win32DrawStart(kPaint)) {
-      if (plat::Painter* const painter = painter_()) {
+  quietly_([&] {
+    if ((reach & ownRect_()).isNull())
+      return;
+    cc_Phase const phase(*this, kPaint);
+    if (phase) {
+      drawn = touched & phase.target().bounds;
+      if (plat::Painter* const painter = phase.target().painter) {
         if (looks)
           cf_beginBounds(*painter);
         paintLine_(*painter, from, to, props);
         if (looks)
-          drawn = (drawn | cf_endBounds(*painter)) & ownRect_();
+          drawn = (drawn | cf_endBounds(*painter)) & phase.target().bounds;
       }
       win32Changed(drawn);
     }
-    win32DrawStop();
-  }
+  });
   report_(drawn, false);
 }
 
@@ -136,19 +139,21 @@ void ccWin32UIScope::draw(std::string const& text, ccPoint const& p, ccColor con
   if (text.empty() || !isPlace(p))
     return;
   ccUIRect drawn;
-  if (win32DrawStart(kPaint)) {
-    if (plat::Painter* const painter = painter_()) {
+  quietly_([&] {
+    cc_Phase const phase(*this, kPaint);
+    if (!phase)
+      return;
+    if (plat::Painter* const painter = phase.target().painter) {
       cf_beginBounds(*painter);
       painter->textColors(bgrColor_(color), bgrColor_(back), !back.isPass());
       painter->font(font_(format.fontId()));
       plat::Point const at = cf_toPoint(xCoord(p), textTop(*painter, text, format, yCoord(p)));
       plat::Rect rect{at.x, at.y, at.x, at.y};
       painter->drawText(text, rect, textFlags(format));
-      drawn = cf_endBounds(*painter) & ownRect_();
+      drawn = cf_endBounds(*painter) & phase.target().bounds;
     }
     win32Changed(drawn);
-  }
-  win32DrawStop();
+  });
   report_(drawn, true);
 }
 
@@ -158,8 +163,9 @@ ccUIRect ccWin32UIScope::textRect(std::string const& text, ccPoint const& p, ccU
   ccUIRect full;
   if (text.empty() || !isPlace(p))
     return full;
-  if (win32DrawStart(kPaint)) {
-    if (plat::Painter* const painter = painter_()) {
+  quietly_([&] {
+    cc_Phase const phase(*this, kPaint);
+    if (plat::Painter* const painter = phase ? phase.target().painter : nullptr) {
       constexpr unsigned calculateOnly = 0x400;
       painter->font(font_(format.fontId()));
       plat::Point const at = cf_toPoint(xCoord(p), textTop(*painter, text, format, yCoord(p)));
@@ -171,10 +177,9 @@ ccUIRect ccWin32UIScope::textRect(std::string const& text, ccPoint const& p, ccU
         full -= ccPair<long>(full.width() / 2, 0);
       else if (column == 2)
         full -= ccPair<long>(full.width(), 0);
-      clipped = full & ownRect_();
+      clipped = full & phase.target().bounds;
     }
-  }
-  win32DrawStop();
+  });
   return full;
 }
 
@@ -185,16 +190,18 @@ void ccWin32UIScope::fill(ccPoint const& p, ccColor const& color, ccColor const&
   if (!isPlace(p))
     return;
   ccUIRect drawn;
-  if (win32DrawStart(kPaint)) {
-    if (plat::Painter* const painter = painter_()) {
+  quietly_([&] {
+    cc_Phase const phase(*this, kPaint);
+    if (!phase)
+      return;
+    if (plat::Painter* const painter = phase.target().painter) {
       painter->brush(bgrColor_(color));
       cf_beginBounds(*painter);
       painter->floodFill(cf_toPoint(xCoord(p), yCoord(p)), bgrColor_(border), /*surface=*/!toBorder);
-      drawn = cf_endBounds(*painter) & ownRect_();
+      drawn = cf_endBounds(*painter) & phase.target().bounds;
       painter->noBrush();
     }
     win32Changed(drawn);
-  }
-  win32DrawStop();
+  });
   report_(drawn, false);
 }

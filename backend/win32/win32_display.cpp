@@ -1,7 +1,7 @@
 // The display and its window: binding, layout, painting.
 #include "backend/win32/win32_display.h"
 
-#include "backend/win32/display_list.h"
+#include "backend/win32/display_alive.h"
 #include "backend/win32/win32_root.h"
 #include "canvas/ui_error.h"
 #include "foundation/exception_impl.h"
@@ -27,26 +27,25 @@ ccMutex& ccWin32Display::listMutex()
 
 // ---- Construction ----
 
+cc_Win32RootOwner::cc_Win32RootOwner() : ownRoot_(std::make_unique<ccUIWin32Root>()) {}
+cc_Win32RootOwner::~cc_Win32RootOwner() = default;
+
 // The root is made first and found through the parent, its ground plane.
 ccWin32Display::ccWin32Display(HWND w)
-    : ccDisplay((new ccUIWin32Root)->groundPlane(), ccUIRect(0, 0, 1, 1)),
-      win32Root_(static_cast<ccUIWin32Root*>(root())), imageScope_(nullptr, ccPair<long>(1, 1), false, this),
+    : ccDisplay(ownRoot_->groundPlane(), ccUIRect(0, 0, 1, 1)), win32Root_(ownRoot_.get()),
+      ownImageScope_(new ccWin32UIScope(nullptr, ccPair<long>(1, 1), false, this)), imageScope_(*ownImageScope_),
       cachedScroll_{kNoCachedValue, kNoCachedValue}, cachedRange_{kNoCachedValue, kNoCachedValue}
 {
+  cc_OnThrow const undo([this] { end_(); });
   autoDelete(false);
   condVisible(true);
   mouseMode(pointerMode);
   imageScope_.redrawCallBack(&ccWin32Display::redrawAll_, this);
   win32Root_->imageScope(&imageScope_);
-  try {
-    if (w)
-      window(w);
-    colorMap(colorMap(), 10);
-    colorMapEx(std::vector<ccRGB>(ccDisplay::colorMapEx()));
-  } catch (...) {
-    end_();
-    throw;
-  }
+  if (w)
+    window(w);
+  colorMap(colorMap(), 10);
+  colorMapEx(std::vector<ccRGB>(ccDisplay::colorMapEx()));
 }
 
 ccWin32Display::~ccWin32Display() { end_(); }
@@ -65,10 +64,19 @@ void ccWin32Display::end_()
     if (!plat::platform().windows.onOwnThread(window_))
       cc_DisplayList::waitUntilLeft(this);
   }
-  window(nullptr);
-  setScope(imageLayer, nullptr, false);
+  {
+    ccLock lock(rootMutex(), /*lockNow=*/false);
+    lock.lockFirm();
+    imageScope_.redrawCallBack(nullptr, nullptr);
+    if (overlayScope_)
+      overlayScope_->redrawCallBack(nullptr, nullptr);
+    if (window_)
+      leaveWindow_();
+    setScope(imageLayer, nullptr, false);
+  }
   // The display goes on as an orphan; its base classes need no root.
-  delete win32Root_;
+  win32Root_ = nullptr;
+  ownRoot_.reset();
 }
 
 void ccWin32Display::redrawAll_(void* display)
@@ -76,8 +84,13 @@ void ccWin32Display::redrawAll_(void* display)
   auto* const self = static_cast<ccWin32Display*>(display);
   ccLock lock(self->rootMutex());
   // Of the whole tree: the pels of forms in front are lost too.
-  if (self->win32Root_)
-    self->win32Root_->fullDraw(bothLayers);
+  if (!self->win32Root_)
+    return;
+  cc_Alive const alive(*self);
+  self->win32Root_->fullDraw(bothLayers);
+  // Surfaces on a smaller screen leave more of the window open.
+  if (alive && self->window_)
+    plat::platform().windows.invalidate(self->window_, nullptr, false);
 }
 
 // ---- Binding ----
@@ -87,6 +100,9 @@ void ccWin32Display::leaveWindow_()
   stopRepeat_();
   restoreParent_();
   cc_DisplayList::remove(place_);
+  if (root())
+    root()->eventProcessor()->windowGone();
+  overlayAnew_ |= overlayScope_ != nullptr;
   if (overlayScope_)
     overlayScopeOff_();
   win32Root_->window(nullptr);
@@ -101,39 +117,55 @@ void ccWin32Display::window(HWND w)
   ccLock lock(rootMutex());
   if (w == window_)
     return;
+  cc_Alive const alive(*this);
   if (window_)
     leaveWindow_();
-  if (!w || !plat::platform().windows.isWindow(w))
+  if (!alive.stands() || !w || !plat::platform().windows.isWindow(w))
     return;
-  try {
-    enterWindow_(w);
-  } catch (...) {
-    leaveWindow_();
-    throw;
-  }
+  // A window that could not be entered is left again, so that no procedure is left with nothing behind it.
+  cc_OnThrow const undo([this, &alive] {
+    if (alive.stands())
+      leaveWindow_();
+  });
+  enterWindow_(w);
 }
 
 void ccWin32Display::enterWindow_(HWND w)
 {
+  plat::WindowSystem& windows = plat::platform().windows;
   window_ = w;
   place_ = cc_DisplayList::add(w, &ccWin32Display::windowProc, this);
-  plat::Rect const client = plat::platform().windows.clientRect(w);
+  cc_Alive const alive(*this);
+  plat::Rect const client = windows.clientRect(w);
   ccPair<long> const size(std::max(client.width(), 1), std::max(client.height(), 1));
   imageScope_.create(w, size, -1);
   win32Root_->overlayColorMap(imageScope_.cacheColorMap());
   win32Root_->imageScope(&imageScope_);
-  lockScreenUpdatesPush(true, bothLayers);
-  setScope(imageLayer, &imageScope_, false);
-  layOut_(imageScope_.size());
-  fullDraw(bothLayers);
-  win32Root_->globalUpdate();
-  lockScreenUpdatesPop(bothLayers);
+  {
+    cc_ScreenLock const hold(this);
+    setScope(imageLayer, &imageScope_, false);
+    layOut_(imageScope_.size());
+    if (alive)
+      fullDraw(bothLayers);
+    if (alive)
+      win32Root_->globalUpdate();
+  }
+  if (!alive)
+    return;
+  if (chromaKeyingEnabled())
+    subclassParent_();
+  if (overlayAnew_)
+    overlayScopeOn_();
+  if (!alive)
+    return;
   showBars_(false, false);
   updatePanRanges();
   showBars_(horzScrollBar_, vertScrollBar_);
   win32Root_->window(w);
   win32Root_->realizePalette();
   updateCacheMap();
+  // What the scope doesn't reach may still show what stood there before.
+  windows.invalidate(w, nullptr, false);
 }
 
 void ccWin32Display::layOut_(ccPair<long> const& size)
@@ -263,8 +295,25 @@ long ccWin32Display::releaseDC(HDC dc)
 long ccWin32Display::restore(std::string* report)
 {
   ccLock lock(rootMutex());
-  long const code = imageScope_.restoreAll(report);
-  return code == 0 && overlayScope_ ? overlayScope_->restoreAll(report) : code;
+  long code = imageScope_.restoreAll(report);
+  if (code == 0 && overlayScope_)
+    code = overlayScope_->restoreAll(report);
+  if (!window_)
+    return code;
+  // The surfaces are empty, and of another size where the screen has become smaller.
+  cc_Alive const alive(*this);
+  cc_ScreenLock const hold(this);
+  setScope(imageLayer, &imageScope_, false);
+  if (overlayScope_)
+    setScope(overlayLayer, overlayScope_, false);
+  layOut_(imageScope_.size());
+  if (alive)
+    win32Root_->fullDraw(bothLayers);
+  if (alive)
+    win32Root_->globalUpdate();
+  if (alive)
+    plat::platform().windows.invalidate(window_, nullptr, false);
+  return code;
 }
 
 long ccWin32Display::chromaKey(unsigned long colorref)

@@ -16,13 +16,22 @@
 
 #include <atomic>
 #include <cstdint>
+#include <memory>
 #include <string>
 
 namespace cc_DisplayList {
 class Visit;
 }
 
-class ccWin32Display : public ccDisplay {
+// The root is there before the display, which is made on it.
+class cc_Win32RootOwner {
+protected:
+  cc_Win32RootOwner();
+  ~cc_Win32RootOwner();
+  std::unique_ptr<ccUIWin32Root> ownRoot_;
+};
+
+class ccWin32Display : private cc_Win32RootOwner, public ccDisplay {
 public:
   // A picture of the overlay was asked for while there is no overlay layer.
   class OverlayLayerNotEnabled : public ccException {
@@ -108,12 +117,17 @@ protected:
   void OnUpdateToolsMenu(HMENU, unsigned id);
 
 private:
-  using Proc = std::intptr_t (*)(HWND, unsigned, std::uintptr_t, std::intptr_t);
+  class cc_Alive;  // tells after a call whether this display still stands on the window
+  struct cs_Retire {
+    void operator()(ccWin32UIScope* scope) const noexcept { ccWin32UIScope::retire(scope); }
+  };
+
   static std::intptr_t windowProc(HWND, unsigned message, std::uintptr_t wParam, std::intptr_t lParam);
   static void redrawAll_(void* display);
   std::intptr_t windowProc_(cc_DisplayList::Visit&, HWND, unsigned message, std::uintptr_t wParam, std::intptr_t lParam);
   bool handle_(cc_DisplayList::Visit&, unsigned message, std::uintptr_t wParam, std::intptr_t lParam);
   void paletteMessage_();
+  void sizeMessage_(ccPair<long> const& size);
   void enterWindow_(HWND);
   void end_();
   static std::intptr_t parentProc_(HWND, unsigned message, std::uintptr_t wParam, std::intptr_t lParam);
@@ -137,8 +151,10 @@ private:
   std::atomic<HWND> window_ = nullptr;  // written under the root's mutex
   std::atomic<std::uint64_t> place_ = 0;  // in the list of displays
   ccUIWin32Root* win32Root_;
-  ccWin32UIScope imageScope_;
+  std::unique_ptr<ccWin32UIScope, cs_Retire> ownImageScope_;
+  ccWin32UIScope& imageScope_;
   ccWin32UIScope* overlayScope_ = nullptr;
+  bool overlayAnew_ = false;  // a next window gets the overlay that the last one had
   std::atomic<std::uintptr_t> timerId_ = 0;  // of the held left button
   ccPair<long> pressPos_, lastPos_;
   bool horzScrollBar_ = false;

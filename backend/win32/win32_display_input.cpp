@@ -1,6 +1,5 @@
 // Window messages: what each becomes.
-#include "backend/win32/display_list.h"
-#include "backend/win32/win32_display.h"
+#include "backend/win32/display_alive.h"
 #include "backend/win32/win32_root.h"
 #include "platform/objects.h"
 #include "platform/paint.h"
@@ -170,11 +169,12 @@ void ccWin32Display::paletteMessage_()
   ccLock lock(rootMutex());
   if (!win32Root_->realizePalette())
     return;
+  cc_Alive const alive(*this);
   updateCacheMap();
-  lockScreenUpdatesPush(true, bothLayers);
+  cc_ScreenLock const hold(this);
   redraw(bothLayers);
-  updateDisplay(bothLayers);
-  lockScreenUpdatesPop(bothLayers);
+  if (alive)
+    updateDisplay(bothLayers);
 }
 
 // ---- Mouse ----
@@ -275,6 +275,7 @@ void ccWin32Display::toolsPopup_()
   if (!menu)
     return;
   HMENU const tools = platform.menus.sub(menu, kToolsPopup);
+  cc_AtEnd const destroyed([&platform, menu] { platform.menus.destroy(menu); });
   for (int i = 0; i < platform.menus.count(tools); ++i)
     OnUpdateToolsMenu(tools, platform.menus.itemId(tools, i));
   cc_DisplayList::Place const place = place_;
@@ -287,7 +288,6 @@ void ccWin32Display::toolsPopup_()
   bool const alive = visit ? visit->again() : cc_DisplayList::has(place);
   if (alive)
     inPopupMenu_ = false;
-  platform.menus.destroy(menu);
 }
 
 void ccWin32Display::OnUpdateToolsMenu(HMENU menu, unsigned id)
@@ -416,10 +416,35 @@ bool ccWin32Display::processWndUpdateMsg(unsigned message, std::uintptr_t, std::
     ccPair<long> const size(lParam & 0xFFFF, (lParam >> 16) & 0xFFFF);
     if (size.x() <= 0 || size.y() <= 0)
       return false;
-    std::fill_n(cachedScroll_, 2, -2147483647.0);
-    std::fill_n(cachedRange_, 2, -2147483647.0);
-    lockScreenUpdatesPush(true, bothLayers);
-    disableDrawing();
+    sizeMessage_(size);
+  } else if (message == kPaint) {
+    plat::Rect const r = windows.updateRect(window_);
+    if (!chromaKeyingEnabled())
+      windows.validate(window_, nullptr);
+    if (r.empty())
+      return false;
+    ccUIRect const updated = ccUIRect::fromEdges(r.left, r.top, r.right, r.bottom);
+    cc_Alive const alive(*this);
+    imageScope_.invalidateScreen(updated + imageScope_.scroll());
+    imageScope_.updateScreen();
+    if (alive)
+      paintMargins_(updated);
+  }
+  return false;
+}
+
+void ccWin32Display::sizeMessage_(ccPair<long> const& size)
+{
+  std::fill_n(cachedScroll_, 2, -2147483647.0);
+  std::fill_n(cachedRange_, 2, -2147483647.0);
+  cc_Alive const alive(*this);
+  cc_ScreenLock const hold(this);
+  disableDrawing();
+  {
+    cc_AtEnd const drawingAgain([this, &alive] {
+      if (alive.stands())
+        enableDrawing(true);
+    });
     if (overlayScope_) {
       overlayScope_->releaseCombinedSurface();
       imageScope_.releaseDrawingSurface();
@@ -432,21 +457,9 @@ bool ccWin32Display::processWndUpdateMsg(unsigned message, std::uintptr_t, std::
       imageScope_.resize(size, -1);
     setScope(imageLayer, &imageScope_, false);
     layOut_(imageScope_.size());
-    enableDrawing(true);
-    win32Root_->globalUpdate();
-    lockScreenUpdatesPop(bothLayers);
-  } else if (message == kPaint) {
-    plat::Rect const r = windows.updateRect(window_);
-    if (!chromaKeyingEnabled())
-      windows.validate(window_, nullptr);
-    if (r.empty())
-      return false;
-    ccUIRect const updated = ccUIRect::fromEdges(r.left, r.top, r.right, r.bottom);
-    imageScope_.invalidateScreen(updated + imageScope_.scroll());
-    imageScope_.updateScreen();
-    paintMargins_(updated);
   }
-  return false;
+  if (alive)
+    win32Root_->globalUpdate();
 }
 
 // Black on what the scope doesn't reach.
@@ -456,7 +469,9 @@ void ccWin32Display::paintMargins_(ccUIRect const& updated)
   if (covered.contains(updated))
     return;
   plat::WindowSystem& windows = plat::platform().windows;
-  HDC const dc = windows.getDC(window_);
+  HWND const window = window_;
+  HDC const dc = windows.getDC(window);
+  cc_AtEnd const released([&windows, window, dc] { windows.releaseDC(window, dc); });
   plat::Painter* const painter = plat::painter(dc);
   auto const fill = [&](long left, long top, long right, long bottom) {
     ccUIRect const part = ccUIRect::fromEdges(left, top, right, bottom) & updated;
@@ -470,5 +485,4 @@ void ccWin32Display::paintMargins_(ccUIRect const& updated)
   fill(-far, -far, far, covered.top());
   fill(covered.right(), -far, far, far);
   fill(-far, covered.bottom(), far, far);
-  windows.releaseDC(window_, dc);
 }

@@ -1,10 +1,12 @@
 // The display and its scopes: colours, overlay, chroma keying, reading back, and what the scopes ask of their display.
-#include "backend/win32/win32_display.h"
+#include "backend/win32/display_alive.h"
 #include "backend/win32/win32_root.h"
 #include "platform/objects.h"
 #include "platform/window.h"
 
 #include <array>
+#include <memory>
+#include <utility>
 
 ccWin32UIScope* ccWin32UIScope::displayActiveLockedScope_(ccWin32Display* display)
 {
@@ -48,6 +50,7 @@ void ccWin32Display::updateCacheMap()
   if (displayFormat() == format8) {
     plat::GraphicsObjects& objects = plat::platform().objects;
     HPALETTE const system = objects.createPalette(objects.systemEntries());
+    cc_AtEnd const freed([&objects, system] { objects.deletePalette(system); });
     std::vector<unsigned char> indexes = imageScope_.cacheMap();
     for (std::size_t i = 10; i <= 240 && i < indexes.size(); ++i) {
       ccRGB const& c = colors[i];
@@ -58,7 +61,6 @@ void ccWin32Display::updateCacheMap()
     if (overlayScope_)
       overlayScope_->cacheMap(indexes);
     imageScope_.flushImageCache();
-    objects.deletePalette(system);
     return;
   }
   imageScope_.cacheMap(colors);
@@ -112,14 +114,22 @@ void ccWin32Display::enableOverlay(overlayState state)
   case overlayOn:
     if (window_)
       overlayScopeOn_();
+    else
+      overlayAnew_ = true;
     break;
   case chromaOn:
     if (!chromaKeyingEnabled())
       enableChromaKeying(true);
     break;
   case overlayOff:
-    if (overlayScope_)
+    overlayAnew_ = false;
+    if (overlayScope_) {
+      cc_Alive const alive(*this);
       overlayScopeOff_();
+      fullDraw(bothLayers);
+      if (alive)
+        win32Root_->globalUpdate();
+    }
     break;
   case chromaOff:
     if (chromaKeyingEnabled())
@@ -135,38 +145,55 @@ long ccWin32Display::enableChromaKeying(bool enable)
   ccLock lock(rootMutex());
   if (enable == chromaKeyingEnabled())
     return 0;
-  if (enable)
+  cc_Alive const alive(*this);
+  if (enable) {
+    cc_OnThrow const undo([this] { restoreParent_(); });
     subclassParent_();
+  }
   long const code = imageScope_.enableChromaKeying(enable, /*yuv=*/false);
-  if (!enable)
+  if (!enable && alive.stands())
     restoreParent_();
   return code;
 }
 
+// What may fail is done before anybody knows of the scope; where hooks fail later it stays on.
 void ccWin32Display::overlayScopeOn_()
 {
+  overlayAnew_ = false;
+  if (overlayScope_)
+    return;
+  cc_Alive const alive(*this);
   ccPair<long> const size = imageScope_.size();
-  overlayScope_ = new ccWin32UIScope(nullptr, size, /*overlayPlane=*/true, this);
-  overlayScope_->create(window_, size, -1);
-  overlayScope_->redrawCallBack(&ccWin32Display::redrawAll_, this);
-  overlayScope_->palette(colorMap());
-  overlayScope_->cacheMap(colorMap());
+  auto scope = std::make_unique<ccWin32UIScope>(nullptr, size, /*overlayPlane=*/true, this);
+  scope->create(window_, size, -1);
+  scope->redrawCallBack(&ccWin32Display::redrawAll_, this);
+  scope->palette(colorMap());
+  scope->cacheMap(colorMap());
+  scope->colorMap(win32Root_->colorMap());
+  scope->colorMapEx(ccDisplay::colorMapEx());
+  scope->waitForVerticalBlank(imageScope_.waitForVerticalBlank());
+  scope->fontTable(imageScope_.fontTable());
+  win32Root_->overlayColorMap(scope->cacheColorMap());
+  cc_ScreenLock const hold(this);
+  setScope(overlayLayer, scope.get(), false);
+  cc_OnThrow const undo([this] {
+    if (!win32Root_->overlayScope())
+      setScope(overlayLayer, nullptr, false);
+  });
+  imageScope_.drawSurface(scope.get());
+  scope->drawSurface(&imageScope_);
+  overlayScope_ = scope.release();
   win32Root_->overlayScope(overlayScope_);
-  overlayScope_->colorMap(win32Root_->colorMap());
-  overlayScope_->colorMapEx(ccDisplay::colorMapEx());
-  win32Root_->overlayColorMap(overlayScope_->cacheColorMap());
-  lockScreenUpdatesPush(true, bothLayers);
-  setScope(overlayLayer, overlayScope_, false);
   layOut_(size);
+  if (!alive)
+    return;
   overlayScope_->enableOverlayPlane(true, size);
-  imageScope_.drawSurface(overlayScope_);
-  overlayScope_->drawSurface(&imageScope_);
-  overlayScope_->fontTable(imageScope_.fontTable());
   win32Root_->fullDraw(bothLayers);
-  win32Root_->globalUpdate();
-  lockScreenUpdatesPop(bothLayers);
+  if (alive)
+    win32Root_->globalUpdate();
 }
 
+// Calls no hook.
 void ccWin32Display::overlayScopeOff_()
 {
   overlayScope_->enableOverlayPlane(false, overlayScope_->size());
@@ -177,10 +204,7 @@ void ccWin32Display::overlayScopeOff_()
   overlayScope_->destroy();
   if (activeLockedScope_ == overlayScope_)
     activeLockedScope_ = nullptr;
-  delete overlayScope_;
-  overlayScope_ = nullptr;
-  fullDraw(bothLayers);
-  win32Root_->globalUpdate();
+  ccWin32UIScope::retire(std::exchange(overlayScope_, nullptr));
 }
 
 // ---- Reading back ----
@@ -209,9 +233,9 @@ void ccWin32Display::fillInfo_(cs_GetDisplayedImageInfo& info, Layers layer)
 
 template <class T> void ccWin32Display::displayed_(ccPelBuffer<T>& out, Layers layer)
 {
+  ccLock lock(rootMutex());
   if (layer == overlayLayer && enableOverlay() != overlayOn)
     throw OverlayLayerNotEnabled();
-  ccLock lock(rootMutex());
   if (displayFormat() != format8) {
     imageScope_.getDisplayedImage(out, nullptr, layer);
     return;

@@ -96,8 +96,15 @@ void ccUIWin32Root::window(HWND window)
   if (window_) {
     if (classCursorSaved_ && windows.isWindow(window_))
       windows.classCursor(window_, classCursor_);
-    windows.clipCursor(nullptr);
-    windows.releaseCapture();
+    // Never waited for: the window's thread may be waiting for the mutex that is held here.
+    auto const letGo = [&windows] {
+      windows.clipCursor(nullptr);
+      windows.releaseCapture();
+    };
+    if (windows.onOwnThread(window_))
+      letGo();
+    else
+      windows.post(window_, letGo);
   }
   classCursorSaved_ = false;
   window_ = window;

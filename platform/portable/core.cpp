@@ -142,16 +142,15 @@ std::deque<Core::Posted> Core::take(Ptr<Video> video)
   depth_ = video_->depth();
   tree_.find(tree_.desktop())->rect = {0, 0, screen.w, screen.h};
 
-  auto first = std::make_unique<Palette>();
-  std::copy_n(fixedColors, 10, first->begin());
-  std::copy_n(fixedColors + 10, 10, first->begin() + 246);
+  Palette first{};
+  std::copy_n(fixedColors, 10, first.begin());
+  std::copy_n(fixedColors + 10, 10, first.begin() + 246);
   for (int i = 0; i < 236; ++i) {
     u8 const grey = static_cast<u8>(i * 255 / 235);
-    (*first)[static_cast<std::size_t>(10 + i)] = {grey, grey, grey, 0};
+    first[static_cast<std::size_t>(10 + i)] = {grey, grey, grey, 0};
   }
   palettes_.clear();
-  palettes_.push_back(std::move(first));
-  palette_ = palettes_.front().get();
+  palette_ = &*palettes_.insert(first).first;
   started_ = true;
   lock.unlock();
   arrow_ = loadCursor(600);
@@ -537,6 +536,14 @@ std::span<PaletteEntry const, 256> Core::palette() const
   return std::span<PaletteEntry const, 256>(*palette_.load());
 }
 
+std::size_t Core::PaletteHash::operator()(Palette const& palette) const
+{
+  std::uint64_t hash = 14695981039346656037u;
+  for (PaletteEntry const& e : palette)
+    hash = (hash ^ (static_cast<std::uint64_t>(e.r) << 16 | static_cast<std::uint64_t>(e.g) << 8 | e.b)) * 1099511628211u;
+  return static_cast<std::size_t>(hash);
+}
+
 // Only entries 10 to 245 are free. A former palette that comes back is found again, so few are ever kept.
 unsigned Core::realize(HWND window, std::span<PaletteEntry const> colors)
 {
@@ -557,13 +564,7 @@ unsigned Core::realize(HWND window, std::span<PaletteEntry const> colors)
     }
     if (count == 0)
       return 0;
-    auto const known = std::find_if(palettes_.begin(), palettes_.end(), [&](auto const& p) { return *p == next; });
-    Palette const* current = known == palettes_.end() ? nullptr : known->get();
-    if (!current) {
-      palettes_.push_back(std::make_unique<Palette const>(next));
-      current = palettes_.back().get();
-    }
-    palette_ = current;
+    palette_ = &*palettes_.insert(next).first;
     for (Window const* top : tree_.tops())
       if (top != WindowTree::top(*w))
         others.push_back(top->handle);

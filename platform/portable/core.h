@@ -12,6 +12,7 @@
 #include <deque>
 #include <mutex>
 #include <thread>
+#include <unordered_set>
 
 namespace plat::portable {
 
@@ -145,6 +146,9 @@ private:
   using Lock = std::unique_lock<cc_LeafMutex<cc_LockRank::windowTable>>;
   using Painting = std::lock_guard<BackingMutex>;
   using Palette = std::array<PaletteEntry, 256>;
+  struct PaletteHash {
+    std::size_t operator()(Palette const&) const;
+  };
 
   struct Posted {
     HWND window = {};
@@ -254,7 +258,7 @@ private:
   HandleTable<HCURSOR, Cursor> cursors_;
   std::vector<HCURSOR> cursorHandles_;
   HCURSOR cursor_ = {}, arrow_ = {};
-  std::vector<Ptr<Palette const>> palettes_;  // a drawing thread may still read a former one
+  std::unordered_set<Palette, PaletteHash> palettes_;  // a drawing thread may still read a former one
 
   // Of the windows' thread alone.
   std::vector<InputGrab*> grabs_;

@@ -58,7 +58,11 @@ public:
   // The lock is gone before the screen is told.
   unsigned realize(HWND window, HPALETTE handle) override
   {
-    std::vector<PaletteEntry> const wanted = entries(handle);
+    std::vector<PaletteEntry> wanted = entries(handle);
+    // A palette of all entries but the system's begins behind the system's first ones.
+    constexpr std::size_t systemFirst = 10, ownEntries = 236;
+    if (wanted.size() == ownEntries)
+      wanted.insert(wanted.begin(), systemFirst, PaletteEntry());
     return wanted.empty() ? 0 : writeScreenPalette(window, wanted);
   }
 

@@ -17,6 +17,7 @@ constexpr u32 fourCCFlag = 4;
 constexpr u32 fillFlag = 0x400, sourceKeyFlag = 0x8000;
 constexpr u32 hideFlag = 0x200, showFlag = 0x4000;
 constexpr u32 largestExtent = 32767;
+constexpr std::int64_t largestSurface = 1 << 30;  // bytes
 
 // The depth code of a wanted format, 0 for one that cannot be had.
 int depthOf(PixelFormat const& format)
@@ -95,14 +96,20 @@ Result createMemSurface(std::shared_ptr<DeviceState> const& state, SurfaceDesc c
   block.height = static_cast<i32>(wanted.height);
   block.pitch = (block.width * bytesPerPel(depth) + 7) / 8 * 8;
   block.depth = depth;
-  block.pels = static_cast<u8*>(std::calloc(static_cast<std::size_t>(block.height), static_cast<std::size_t>(block.pitch)));
-  if (!block.pels)
+  if (std::int64_t{block.pitch} * block.height > largestSurface)
+    return sizeTooLarge;
+  auto const give = [](u8* pels) { std::free(pels); };
+  std::unique_ptr<u8, decltype(give)> pels(
+      static_cast<u8*>(std::calloc(static_cast<std::size_t>(block.height), static_cast<std::size_t>(block.pitch))), give);
+  if (!pels)
     return outOfMemory;
+  block.pels = pels.get();
   desc.valid = allValid;
   desc.pitch = block.pitch;
   desc.caps = overlay ? overlayBit | videoBit : wanted.caps & systemBit ? 0x840 : 0x4040;
   desc.pels = nullptr;
   out = std::make_unique<MemSurface>(state, desc, block);
+  static_cast<void>(pels.release());  // its surface's now
   return ok;
 }
 

@@ -421,6 +421,16 @@ void ccUIEventProcessor::abandonDrag_()
   endDragOnScreen_();
 }
 
+void ccUIEventProcessor::windowGone()
+{
+  if (!root_)
+    return;
+  ccLock lock(root_->mutex());
+  if (ownerDrags_())
+    abandonDrag_();
+  owner_ = nullptr;
+}
+
 // Destructors come by here, so whatever a hook throws that paints ends here; what it has not painted stays marked.
 void ccUIEventProcessor::dropOwner_()
 {

@@ -27,6 +27,7 @@ public:
   std::uint32_t button() const { return button_; }
   bool dblClk() const { return dblClk_; }
   bool dragUpdating() const { return dragUpdating_; }
+  void windowGone();  // ends a drag without a call of hooks, as no release will come
   void dragUpdating(bool on) { dragUpdating_ = on; }  // keep the whole screen up to date in drags too
   std::int32_t dwellCount() const { return dwellCount_; }
   ccUIObject* mouseCapture() const { return mouseCapture_; }

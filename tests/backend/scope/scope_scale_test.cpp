@@ -66,14 +66,9 @@ protected:
     };
     double const ix = axis(p.at.x(), static_cast<double>(p.rect.left()), p.offset.x());
     double const iy = axis(p.at.y(), static_cast<double>(p.rect.top()), p.offset.y());
-    double const fx = std::trunc(static_cast<double>(p.rect.left()) + p.at.x() - static_cast<double>(p.offset.x()));
-    double const fy = std::trunc(static_cast<double>(p.rect.top()) + p.at.y() - static_cast<double>(p.offset.y()));
     double const w = static_cast<double>(image.width()), h = static_cast<double>(image.height());
-    // Nothing at all when the truncated box misses the scope.
-    if (std::min(fx + std::trunc(w * p.scale), static_cast<double>(p.rect.right())) <=
-            std::max(fx, static_cast<double>(p.rect.left())) ||
-        std::min(fy + std::trunc(h * p.scale), static_cast<double>(p.rect.bottom())) <=
-            std::max(fy, static_cast<double>(p.rect.top())))
+    // Nothing at all of an image whose whole extent truncates to 0.
+    if (std::trunc(w * p.scale) < 1 || std::trunc(h * p.scale) < 1)
       return;
     double const x0 = std::max(ix, static_cast<double>(p.rect.left()));
     double const y0 = std::max(iy, static_cast<double>(p.rect.top()));
@@ -172,7 +167,7 @@ template <class T> void equalsTwoSteps(ScopeProbe& scope, TwoSteps& twoSteps, un
     ccUIRect clip(0, 0, 40, 30);
     long const boxW = static_cast<long>(static_cast<double>(image.width()) * s);
     long const boxH = static_cast<long>(static_cast<double>(image.height()) * s);
-    if (!(ccUIRect(x, y, boxW, boxH) & clip).isNull())
+    if (boxW >= 1 && boxH >= 1)
       twoSteps.pelScale<T>(image, out, s, clip, ccPair<long>(x, y), none);
     if (out.isBound()) {
       twoSteps.releaseImageCache();
