@@ -94,6 +94,28 @@ TEST_F(Segment, theGhostIsAThinLineWhateverThePenOfTheShape)
   test.release();
 }
 
+TEST_F(Segment, aGhostIsNotShiftedByTheDragOfAnotherMember)
+{
+  BoxShape kid(&seg, ccVector<2>(0, 30), 4);  // at (40, 50), behind the handles
+  kid.condVisible(true);
+  cfSelect(seg);
+  ccUIObject* const end = seg.frontKid();
+  for (ccUIObject* member : {static_cast<ccUIObject*>(&kid), end}) {
+    member->multiSelectable(true);
+    member->condSelected(true, false);
+  }
+  test.press({60, 20}).moveTo({90, 20});
+  ASSERT_TRUE(kid.dragging() && end->dragging());
+  Places expected;
+  for (long x = 20; x <= 90; ++x)
+    expected.insert({x, 20});
+  for (long y = 50; y < 54; ++y)
+    for (long x = 70; x < 74; ++x)
+      expected.insert({x, y});
+  EXPECT_EQ(cfPlaces(test.scope(), GhostColor::rgb()), expected);
+  test.release();
+}
+
 TEST_F(Segment, aDragThatEndsWhereItBeganCommitsWhatItsGhostShowed)
 {
   test.click({40, 20});
