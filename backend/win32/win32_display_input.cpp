@@ -440,24 +440,26 @@ void ccWin32Display::sizeMessage_(ccPair<long> const& size)
   cc_Alive const alive(*this);
   cc_ScreenLock const hold(this);
   disableDrawing();
-  {
-    cc_AtEnd const drawingAgain([this, &alive] {
-      if (alive.stands())
-        enableDrawing(true);
-    });
-    if (overlayScope_) {
-      overlayScope_->releaseCombinedSurface();
-      imageScope_.releaseDrawingSurface();
-      overlayScope_->releaseDrawingSurface();
-      overlayScope_->resizeCombinedSurface(size);
-      imageScope_.resizeDrawingSurface(size);
-      overlayScope_->resizeDrawingSurface(size);
-      setScope(overlayLayer, overlayScope_, false);
-    } else
-      imageScope_.resize(size, -1);
-    setScope(imageLayer, &imageScope_, false);
-    layOut_(imageScope_.size());
-  }
+  bool disabled = true;
+  cc_OnThrow const undo([this, &alive, &disabled] {
+    if (disabled && alive.stands())
+      enableDrawing(/*redraw=*/false);
+  });
+  if (overlayScope_) {
+    overlayScope_->releaseCombinedSurface();
+    imageScope_.releaseDrawingSurface();
+    overlayScope_->releaseDrawingSurface();
+    overlayScope_->resizeCombinedSurface(size);
+    imageScope_.resizeDrawingSurface(size);
+    overlayScope_->resizeDrawingSurface(size);
+    setScope(overlayLayer, overlayScope_, false);
+  } else
+    imageScope_.resize(size, -1);
+  setScope(imageLayer, &imageScope_, false);
+  layOut_(imageScope_.size());
+  disabled = false;
+  if (alive.stands())
+    enableDrawing(/*redraw=*/true);
   if (alive)
     win32Root_->globalUpdate();
 }
