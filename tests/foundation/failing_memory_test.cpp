@@ -45,6 +45,23 @@ TEST(FailingMemory, attachingIsDoneOrUndone)
   EXPECT_EQ(failures, 2);
 }
 
+TEST(FailingMemory, anObserverThatWasNotAttachedGoesAlone)
+{
+  // The subject stays, so an observer that believed itself attached would look for itself in it.
+  ccSubject subject;
+  failEach([] { return std::make_unique<std::unique_ptr<Listener>>(std::make_unique<Listener>()); },
+           [&](std::unique_ptr<Listener>& one) { subject.attach(one.get()); },
+           [&](std::unique_ptr<Listener>& one, bool failed) {
+             if (!failed)
+               return;
+             long const gone = one->gone;
+             { ccNotifyObservers const guard(&subject); }
+             EXPECT_EQ(one->told, 0);
+             EXPECT_EQ(gone, 0);
+             one.reset();
+           });
+}
+
 TEST(FailingMemory, aRoundOfNoticesTakesNone)
 {
   ccSubject subject;

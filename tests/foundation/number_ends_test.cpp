@@ -201,6 +201,7 @@ TEST(FormatEnds, numbersBeyondADoubleAreReadAsAtofDoes)
   for (auto const& c : cases)
     EXPECT_EQ(cfParse(c.text), c.value) << c.text;
   EXPECT_EQ(cfParse("0x" + std::string(300, 'f')), HUGE_VAL);
+  EXPECT_EQ(cfParse("0x0." + std::string(600, '0') + "1p1100"), 0) << "a digit is four bits";
   EXPECT_EQ(cfParse("1" + std::string(400, '0')), HUGE_VAL);
   EXPECT_EQ(cfParse("0." + std::string(400, '0') + "1"), 0);
 }
