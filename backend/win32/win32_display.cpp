@@ -120,6 +120,9 @@ void ccWin32Display::window(HWND w)
   cc_Alive const alive(*this);
   if (window_)
     leaveWindow_();
+  // The release that would end a drag of the image came to the former window, if at all.
+  if (alive.stands())
+    endLostPan_();
   if (!alive.stands() || !w || !plat::platform().windows.isWindow(w))
     return;
   // A window that could not be entered is left again, so that no procedure is left with nothing behind it.

@@ -5,6 +5,7 @@
 #include "platform/paint.h"
 #include "platform/window.h"
 #include "ui/core/event_processor.h"
+#include "ui/display/display_hold.h"
 
 #include <algorithm>
 #include <utility>
@@ -439,25 +440,20 @@ void ccWin32Display::sizeMessage_(ccPair<long> const& size)
   std::fill_n(cachedRange_, 2, -2147483647.0);
   cc_Alive const alive(*this);
   cc_ScreenLock const hold(this);
-  disableDrawing();
-  {
-    cc_AtEnd const drawingAgain([this, &alive] {
-      if (alive.stands())
-        enableDrawing(true);
-    });
-    if (overlayScope_) {
-      overlayScope_->releaseCombinedSurface();
-      imageScope_.releaseDrawingSurface();
-      overlayScope_->releaseDrawingSurface();
-      overlayScope_->resizeCombinedSurface(size);
-      imageScope_.resizeDrawingSurface(size);
-      overlayScope_->resizeDrawingSurface(size);
-      setScope(overlayLayer, overlayScope_, false);
-    } else
-      imageScope_.resize(size, -1);
-    setScope(imageLayer, &imageScope_, false);
-    layOut_(imageScope_.size());
-  }
+  cc_DrawingOff drawing(*this);
+  if (overlayScope_) {
+    overlayScope_->releaseCombinedSurface();
+    imageScope_.releaseDrawingSurface();
+    overlayScope_->releaseDrawingSurface();
+    overlayScope_->resizeCombinedSurface(size);
+    imageScope_.resizeDrawingSurface(size);
+    overlayScope_->resizeDrawingSurface(size);
+    setScope(overlayLayer, overlayScope_, false);
+  } else
+    imageScope_.resize(size, -1);
+  setScope(imageLayer, &imageScope_, false);
+  layOut_(imageScope_.size());
+  drawing.end(/*redraw=*/true);
   if (alive)
     win32Root_->globalUpdate();
 }

@@ -184,6 +184,9 @@ void ccUIShapes::parent(ccUIObject* above)
   cc_NodeRef const settled(this);
   if (wanted)
     condVisible(true);
+  // Its wish has not changed, so no hook is due; but it has not been seen yet.
+  if (wanted && !formerParent && settled.alive())
+    update(/*withKids=*/true, /*erase=*/false, nullptr, cc_TabletEnums::bothLayers);
   if (former && settled.alive() && former != root_ && former->eventProcessor())
     former->eventProcessor()->invalidateObject(this);
 }

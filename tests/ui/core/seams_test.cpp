@@ -271,6 +271,23 @@ TEST(Seams, aShapeMayDeleteItselfOrAnotherInItsDrawing)
     }
 }
 
+TEST(Seams, aShapeThatWishedToBeSeenBeforeItJoinedIsDrawnWhenItDoes)
+{
+  Painted p;
+  Unruly shape(p.frame, ccVector<2>(4, 4), 12);
+  shape.condVisible(true);
+  p.settle();
+  shape.parent(nullptr);
+  p.settle();
+  long draws = 0;
+  shape.onDraw = [&](Unruly&) { ++draws; };
+
+  shape.parent(p.frame);
+
+  EXPECT_EQ(draws, 1);
+  p.expectRepaint("joined");
+}
+
 TEST(Seams, aShapeThatThrewIsDrawnAgain)
 {
   for (int how = 0; how < 5; ++how) {
