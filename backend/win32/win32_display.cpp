@@ -162,8 +162,12 @@ void ccWin32Display::enterWindow_(HWND w)
   if (!alive)
     return;
   showBars_(false, false);
-  updatePanRanges();
-  showBars_(horzScrollBar_, vertScrollBar_);
+  if (alive)
+    updatePanRanges();
+  if (alive)
+    showBars_(horzScrollBar_, vertScrollBar_);
+  if (!alive)
+    return;
   win32Root_->window(w);
   win32Root_->realizePalette();
   updateCacheMap();
@@ -212,20 +216,26 @@ void ccWin32Display::showBars_(bool horz, bool vert)
   if (!window_)
     return;
   plat::WindowSystem& windows = plat::platform().windows;
-  windows.showScrollBar(window_, 0, horz);
-  windows.showScrollBar(window_, 1, vert);
+  cc_Alive const alive(*this);
+  windows.showScrollBar(window_, 0, horz);  // which may resize the window, and hooks of that end the display
+  if (alive)
+    windows.showScrollBar(window_, 1, vert);
 }
 
 void ccWin32Display::showScrollBar(bool horz, bool vert)
 {
   horzScrollBar_ = horz;
   vertScrollBar_ = vert;
+  cc_Alive const alive(*this);
   showBars_(horz, vert);
+  if (!alive.stands())
+    return;
   ccLock lock(rootMutex());
   std::fill_n(cachedScroll_, 2, kNoCachedValue);
   std::fill_n(cachedRange_, 2, kNoCachedValue);
   updatePanRanges();
-  updateScrollPos_();
+  if (alive.stands())
+    updateScrollPos_();
 }
 
 void ccWin32Display::updateScrollPos_()

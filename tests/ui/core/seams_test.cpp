@@ -288,6 +288,26 @@ TEST(Seams, aShapeThatWishedToBeSeenBeforeItJoinedIsDrawnWhenItDoes)
   p.expectRepaint("joined");
 }
 
+TEST(Seams, aKidOnAnotherLayerThanItsShapeComesWithTheRepaintOfItsLayer)
+{
+  Painted p;
+  Unruly shape(p.frame, ccVector<2>(4, 4), 12), other(p.frame, ccVector<2>(30, 10), 9);
+  for (Unruly* s : {&shape, &other})
+    s->condVisible(true);
+  p.settle();
+  shape.drawLayer(ccUITablet::overlayLayer);
+  p.frame->decrementCount(ccUITablet::imageLayer);  // nothing but the kid is left there
+  other.parent(&shape);
+  p.settle();
+  long draws = 0;
+  other.onDraw = [&](Unruly&) { ++draws; };
+
+  p.frame->fullDraw(ccUITablet::imageLayer);
+
+  EXPECT_EQ(draws, 1);
+  p.expectRepaint("kid");
+}
+
 TEST(Seams, aShapeThatThrewIsDrawnAgain)
 {
   for (int how = 0; how < 5; ++how) {
