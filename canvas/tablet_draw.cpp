@@ -63,6 +63,9 @@ cc_Pieces::cc_Pieces(ccUITablet& t, int layer, ccUIRect const& box, Box kind)
     state.modified |= drawn - t.screenOrigin_;
     if (!inPass && t.layerRepaint_.top())
       top_->mark(layer, drawn, &t, /*above=*/true);
+    // A repaint lets it through if it turns out that what hides it doesn't reach all of its pels.
+    if (!inPass)
+      top_->mark(layer, drawn & region.unproven, nullptr);
   }
   limits_ = inPass ? drawn & top_->passArea() : drawn;
   region_ = &region;

@@ -288,6 +288,7 @@ cs_Region const& cc_TabletTop::region(ccUITablet& t, int layer, ce_RegionKind ki
     return r;
   r.version = 0; // until all is there
   r.rects.clear();
+  r.unproven = ccUIRect();
   r.shown = t.isShown();
   if (!r.shown) {
     r.version = version_;
@@ -302,6 +303,8 @@ cs_Region const& cc_TabletTop::region(ccUITablet& t, int layer, ce_RegionKind ki
       f = afterSubtree(f);
     } else if (front.layer[layer].opaque && (kind != ce_RegionKind::pass || front.layer[layer].covered)) {
       r.rects.subtract(front.clip);
+      if (!front.layer[layer].covered)
+        r.unproven |= front.clip & bounds;
       f = afterSubtree(f);
     } else {
       f = next(f);

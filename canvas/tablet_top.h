@@ -45,6 +45,7 @@ inline ccPair<long> cf_nearSum(ccPair<long> const& a, ccPair<long> const& b)
 struct cs_Region {
   std::uint64_t version = 0;
   bool shown = false;
+  ccUIRect unproven;  // hidden by what claims to be opaque, and may not be
   cc_RectList rects;
 };
 

@@ -120,6 +120,9 @@ void ccWin32Display::window(HWND w)
   cc_Alive const alive(*this);
   if (window_)
     leaveWindow_();
+  // The release that would end a drag of the image came to the former window, if at all.
+  if (alive.stands())
+    endLostPan_();
   if (!alive.stands() || !w || !plat::platform().windows.isWindow(w))
     return;
   // A window that could not be entered is left again, so that no procedure is left with nothing behind it.
@@ -159,8 +162,12 @@ void ccWin32Display::enterWindow_(HWND w)
   if (!alive)
     return;
   showBars_(false, false);
-  updatePanRanges();
-  showBars_(horzScrollBar_, vertScrollBar_);
+  if (alive)
+    updatePanRanges();
+  if (alive)
+    showBars_(horzScrollBar_, vertScrollBar_);
+  if (!alive)
+    return;
   win32Root_->window(w);
   win32Root_->realizePalette();
   updateCacheMap();
@@ -209,20 +216,26 @@ void ccWin32Display::showBars_(bool horz, bool vert)
   if (!window_)
     return;
   plat::WindowSystem& windows = plat::platform().windows;
-  windows.showScrollBar(window_, 0, horz);
-  windows.showScrollBar(window_, 1, vert);
+  cc_Alive const alive(*this);
+  windows.showScrollBar(window_, 0, horz);  // which may resize the window, and hooks of that end the display
+  if (alive)
+    windows.showScrollBar(window_, 1, vert);
 }
 
 void ccWin32Display::showScrollBar(bool horz, bool vert)
 {
   horzScrollBar_ = horz;
   vertScrollBar_ = vert;
+  cc_Alive const alive(*this);
   showBars_(horz, vert);
+  if (!alive.stands())
+    return;
   ccLock lock(rootMutex());
   std::fill_n(cachedScroll_, 2, kNoCachedValue);
   std::fill_n(cachedRange_, 2, kNoCachedValue);
   updatePanRanges();
-  updateScrollPos_();
+  if (alive.stands())
+    updateScrollPos_();
 }
 
 void ccWin32Display::updateScrollPos_()

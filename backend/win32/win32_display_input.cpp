@@ -5,6 +5,7 @@
 #include "platform/paint.h"
 #include "platform/window.h"
 #include "ui/core/event_processor.h"
+#include "ui/display/display_hold.h"
 
 #include <algorithm>
 #include <utility>
@@ -439,12 +440,7 @@ void ccWin32Display::sizeMessage_(ccPair<long> const& size)
   std::fill_n(cachedRange_, 2, -2147483647.0);
   cc_Alive const alive(*this);
   cc_ScreenLock const hold(this);
-  disableDrawing();
-  bool disabled = true;
-  cc_OnThrow const undo([this, &alive, &disabled] {
-    if (disabled && alive.stands())
-      enableDrawing(/*redraw=*/false);
-  });
+  cc_DrawingOff drawing(*this);
   if (overlayScope_) {
     overlayScope_->releaseCombinedSurface();
     imageScope_.releaseDrawingSurface();
@@ -457,9 +453,7 @@ void ccWin32Display::sizeMessage_(ccPair<long> const& size)
     imageScope_.resize(size, -1);
   setScope(imageLayer, &imageScope_, false);
   layOut_(imageScope_.size());
-  disabled = false;
-  if (alive.stands())
-    enableDrawing(/*redraw=*/true);
+  drawing.end(/*redraw=*/true);
   if (alive)
     win32Root_->globalUpdate();
 }

@@ -35,6 +35,23 @@ TEST(TabletSeams, whatWasDrawnBehindAnOpaqueTabletThatWasNeverPaintedComesWhenIt
   EXPECT_EQ(tree.imagePicture(ccUIRect(3, 5, 3, 1)), Rows{"rrr"});
 }
 
+TEST(TabletSeams, whatIsDrawnBehindAnOpaqueTabletThatPaintsOnlyAPartComesWithTheNextUpdate)
+{
+  TestTree tree;
+  TestTablet behind(tree.top, ccUIRect(2, 2, 10, 10));
+  behind.face = plainFace(ccColor::redColor());
+  TestTablet cover(tree.top, ccUIRect(4, 4, 4, 4));
+  cover.face = [](TestTablet& t) { t.set(ccUIRect(0, 0, 2, 4), ccColor::greenColor(), kImage); };
+  cover.opaque(kImage, true);
+  tree.top.update(kBoth);
+  behind.face = plainFace(ccColor::yellowColor());
+  behind.set(ccUIRect(0, 0, 10, 10), ccColor::yellowColor(), kImage);
+
+  tree.top.update(kBoth);
+
+  EXPECT_EQ(tree.imagePicture(ccUIRect(3, 5, 6, 1)), Rows{"yggyyy"});
+}
+
 TEST(TabletSeams, anOpaqueDescendantThatMovesAwayGivesBackWhatItHid)
 {
   TestTree tree;

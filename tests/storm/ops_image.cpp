@@ -300,7 +300,13 @@ void drawingOff(StormStage& s, Op o)
     return;
   // In one hold of the mutex, as applications should. A hook may end the display meanwhile.
   d->disableDrawing();
-  d->pan(ccVector<2>(o.a % 9, o.b % 9));
+  try {
+    d->pan(ccVector<2>(o.a % 9, o.b % 9));
+  } catch (...) {
+    if (d == s.display(o.e))
+      d->enableDrawing(false);
+    throw;
+  }
   if (d == s.display(o.e))
     d->enableDrawing(true);
 }

@@ -43,8 +43,10 @@ void ccUIObject::drawLayer(cc_TabletEnums::Layers layer)
   if (shape)
     shape->uncount_();
   drawLayer_ = layer;
-  if (shape)
+  if (shape) {
     shape->count_();
+    shape->noteLayers_();
+  }
 }
 
 void ccUIObject::clickable(bool on) { bit_(kClickable, on); }

@@ -8,6 +8,7 @@
 #include "ui/core/root.h"
 #include "ui/core/shapes_frame.h"
 
+#include <algorithm>
 #include <atomic>
 #include <cmath>
 
@@ -91,6 +92,23 @@ void ccUIShapes::uncount_()
   if (frame)
     frame->decrementCount(static_cast<cc_TabletEnums::Layers>(countedOn_));
   countedOn_ = -1;
+}
+
+bool ccUIShapes::liesElsewhere_(cc_TabletEnums::Layers layer) const
+{
+  return drawLayer_ != layer || std::any_of(kids_.begin(), kids_.end(), [=](ccUIShapes const* kid) {
+           return kid->liesElsewhere_(layer);
+         });
+}
+
+void ccUIShapes::noteLayers_()
+{
+  ccUIShapes const* top = this;
+  while (ccUIShapes const* const above = top->parent_ ? top->parent_->shapes(true) : nullptr)
+    top = above;
+  ccUIShapesFrame* const frame = top->parent_ ? top->parent_->shapesFrame(true) : nullptr;
+  if (frame && !frame->mixesLayers_)
+    frame->mixesLayers_ = liesElsewhere_(top->drawLayer_);
 }
 
 ccUIObject* ccUIShapes::closerSib() const
@@ -177,6 +195,7 @@ void ccUIShapes::parent(ccUIObject* above)
     siblings_->splice(siblings_->end(), place);
     order_ = nextOrder_(/*front=*/true);
     count_();
+    noteLayers_();
     drawn_();
   } else {
     drawnRects_[0] = drawnRects_[1] = ccUIRect::null;
@@ -184,6 +203,9 @@ void ccUIShapes::parent(ccUIObject* above)
   cc_NodeRef const settled(this);
   if (wanted)
     condVisible(true);
+  // Its wish has not changed, so no hook is due; but it has not been seen yet.
+  if (wanted && !formerParent && settled.alive())
+    update(/*withKids=*/true, /*erase=*/false, nullptr, cc_TabletEnums::bothLayers);
   if (former && settled.alive() && former != root_ && former->eventProcessor())
     former->eventProcessor()->invalidateObject(this);
 }

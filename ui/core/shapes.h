@@ -83,6 +83,8 @@ private:
   ccUIRect drawnArea_() const;
   void count_();
   void uncount_();
+  void noteLayers_();  // to the frame, if the trees of its shapes lie on both layers now
+  bool liesElsewhere_(cc_TabletEnums::Layers) const;  // it or one below it
   void eraseSelf_(ccUITablet&, cc_TabletEnums::Layers);
   void unlink_();
   static std::list<ccUIShapes*>* listOf_(ccUIObject* parent);

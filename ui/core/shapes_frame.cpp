@@ -116,7 +116,7 @@ void ccUIShapesFrame::redraw_()
     if (self.alive())
       draw(sketch_, ccPoint(0, 0), layer);
   }
-  if (!self.alive() || numShapes(layer) == 0 || hiding_)
+  if (!self.alive() || (numShapes(layer) == 0 && !mixesLayers_) || hiding_)
     return;
   ccUIRect const areas[] = {activeScope(imageLayer), activeScope(overlayLayer)};
   drawShapes_(layer, inAreaUpdate_ ? areas : nullptr);
@@ -133,7 +133,8 @@ void ccUIShapesFrame::drawShapes_(Layers layer, ccUIRect const* clip)
     if (!self.alive())
       return;
     auto* const shape = static_cast<ccUIShapes*>(kid);
-    if ((shape->drawLayer() == layer || layer == bothLayers) && shape->parent() == this && shape->visible())
+    bool const onLayer = shape->drawLayer() == layer || layer == bothLayers || (mixesLayers_ && shape->numKids() > 0);
+    if (onLayer && shape->parent() == this && shape->visible())
       shape->drawTree_(/*withKids=*/true, clip, layer);
   }
 }

@@ -42,5 +42,6 @@ private:
   std::list<ccUIShapes*> shapes_;  // back first
   std::int32_t shapeCounts_[2] = {0, 0};
   bool countsShapes_ = false;
+  bool mixesLayers_ = false;  // a shape has had kids on another layer than its own, which its layer's count doesn't tell
   std::unique_ptr<cc_RectIndex> drawnIndex_;  // of what each shape with its kids has drawn, once there are many
 };

@@ -164,6 +164,7 @@ public:
 
 protected:
   void updateDisplay(Layers);
+  void endLostPan_();  // the graphics come back if a drag of the image has ended without a call
   void resize_() override;
   void click_() override;
   void dblClick_() override;

@@ -239,6 +239,14 @@ void ccDisplay::imageLowLevel(bool sizeChanged, long w, long h, bool bound, ccXf
   if (!self.stands())
     return;
   cc_OverlayRepaint const imageOnly(*this, false);
+  // Where only the image layer is repainted although the maps have moved, graphics of the overlay follow with the next update.
+  ccXform<2> const maps[] = {screenMap_, imageFrame_->screenMap_, clientFrame_->screenMap_};
+  bool overlayFollows = true;
+  cc_AtEnd const follow([&] {
+    if (overlayFollows && self.stands() &&
+        (screenMap_ != maps[0] || imageFrame_->screenMap_ != maps[1] || clientFrame_->screenMap_ != maps[2]))
+      ccUITablet::update(ccUIRect(screenOrigin_, ccUITablet::size()), overlayLayer, /*now=*/false);
+  });
   if (!bound) {
     imageFrame_->parentFromChild(ccXform<2>::I);
     if (self.stands())
@@ -271,6 +279,7 @@ void ccDisplay::imageLowLevel(bool sizeChanged, long w, long h, bool bound, ccXf
     fullDraw(imageLayer);
   else if (sizeChanged) {
     cc_OverlayRepaint const all(*this, true);
+    overlayFollows = false;
     pan(pan_);
   } else {
     // A new image of the same geometry repaints the image layer only.

@@ -280,7 +280,9 @@ void ccDisplay::disable(States state, bool nested)
 }
 
 // Nor does one whose drag was replaced by another gesture, as the button's release never came: the next motion over it shows.
-void ccDisplay::mouseMove_(ccPair<long> const&)
+void ccDisplay::mouseMove_(ccPair<long> const&) { endLostPan_(); }
+
+void ccDisplay::endLostPan_()
 {
   if (panning_ && !dragging())
     leavePan_();
@@ -318,9 +320,11 @@ void ccDisplay::addShape(ccUIShapes* shape, CoordinateSystem cs)
     return;
   ccLock lock(rootMutex());
   cc_NodeRef const added(shape);
-  if (ccUIShapesFrame* const frame = shapesFrame(cs))
-    shape->parent(frame);  // which counts it
-  if (added.exists())
+  ccUIShapesFrame* const frame = shapesFrame(cs);
+  bool const drawn = frame && !shape->parent() && shape->condVisible();
+  if (frame)
+    shape->parent(frame);  // which counts it, and draws one that came from nowhere
+  if (!drawn && added.exists())
     shape->update(/*withKids=*/true, /*erase=*/true, nullptr, bothLayers);
 }
 

@@ -271,6 +271,43 @@ TEST(Seams, aShapeMayDeleteItselfOrAnotherInItsDrawing)
     }
 }
 
+TEST(Seams, aShapeThatWishedToBeSeenBeforeItJoinedIsDrawnWhenItDoes)
+{
+  Painted p;
+  Unruly shape(p.frame, ccVector<2>(4, 4), 12);
+  shape.condVisible(true);
+  p.settle();
+  shape.parent(nullptr);
+  p.settle();
+  long draws = 0;
+  shape.onDraw = [&](Unruly&) { ++draws; };
+
+  shape.parent(p.frame);
+
+  EXPECT_EQ(draws, 1);
+  p.expectRepaint("joined");
+}
+
+TEST(Seams, aKidOnAnotherLayerThanItsShapeComesWithTheRepaintOfItsLayer)
+{
+  Painted p;
+  Unruly shape(p.frame, ccVector<2>(4, 4), 12), other(p.frame, ccVector<2>(30, 10), 9);
+  for (Unruly* s : {&shape, &other})
+    s->condVisible(true);
+  p.settle();
+  shape.drawLayer(ccUITablet::overlayLayer);
+  p.frame->decrementCount(ccUITablet::imageLayer);  // nothing but the kid is left there
+  other.parent(&shape);
+  p.settle();
+  long draws = 0;
+  other.onDraw = [&](Unruly&) { ++draws; };
+
+  p.frame->fullDraw(ccUITablet::imageLayer);
+
+  EXPECT_EQ(draws, 1);
+  p.expectRepaint("kid");
+}
+
 TEST(Seams, aShapeThatThrewIsDrawnAgain)
 {
   for (int how = 0; how < 5; ++how) {

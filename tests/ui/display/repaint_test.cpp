@@ -112,6 +112,31 @@ TEST_F(DisplayRepaint, whatCountsAsAnotherSize)
   }
 }
 
+// Another kind is no other size, yet graphics in image coordinates move with the middle of the picture.
+TEST_F(DisplayRepaint, overlayGraphicsFollowTheMapsAtTheNextUpdateWhateverMovedThem)
+{
+  struct {
+    char const* name;
+    std::function<void(ccDisplay&)> show;
+  } const cases[] = {{"another kind", [](ccDisplay& d) { d.image(cfRandomRGB32(10, 20, 1)); }},
+                     {"no image any more", [](ccDisplay& d) { d.image(ccPelBuffer_const<unsigned char>(), true); }}};
+  for (auto const& c : cases) {
+    ccPelBuffer<unsigned char> moved = cfGrey8(40, 30, 9);
+    moved.offset({-6, 4});
+    test->image(moved, true);
+    test.update();
+    std::vector<std::uint32_t> const before = test.overlayScope().surface();
+    c.show(test.display());
+    test.update();
+    std::vector<std::uint32_t> const seen = test.overlayScope().surface();
+    EXPECT_NE(seen, before) << c.name;
+    test.overlayScope().poison(7);
+    test.root().fullDraw(ccUITablet::bothLayers);
+    test.update();
+    EXPECT_EQ(seen, test.overlayScope().surface()) << c.name;
+  }
+}
+
 TEST_F(DisplayRepaint, layersAreAtRestAfterwards)
 {
   test->image(cfGrey8(40, 30, 9), true);
