@@ -227,10 +227,7 @@ void cf_freeEdge(cs_Held const& held, Node from, Node to, char const* wanted, Ci
     cf_report("locks in a circle", held, wanted, &opposite.first);
 }
 
-// The mutexes of two trees meet where a hook moves a node from one to the other, and the orphans are a tree here too. One
-// thread may do that in both directions.
-bool cf_ofTrees(cc_LockRank rank) { return rank == cc_LockRank::root || rank == cc_LockRank::orphans; }
-
+// The mutexes of two trees meet where a hook moves a node from one to the other. One thread may do that in both directions.
 void cf_rootEdge(cs_Held const& held, void const* to)
 {
   Node const a = reinterpret_cast<Node>(held.lock), b = reinterpret_cast<Node>(to);
@@ -275,8 +272,10 @@ void cf_check(void const* lock, cc_LockRank rank)
       continue;
     if (held.rank <= cc_LockRank::windowThread && held.rank != cc_LockRank::none && rank != cc_LockRank::none)
       continue;  // what a thread is may come before all that it takes
+    if (held.rank == cc_LockRank::orphans && rank == cc_LockRank::root)
+      continue;  // given up rather than waited under
     if (held.rank != cc_LockRank::none && rank != cc_LockRank::none) {
-      if (cf_ofTrees(held.rank) && cf_ofTrees(rank))
+      if (held.rank == cc_LockRank::root && rank == cc_LockRank::root)
         cf_rootEdge(held, lock);
       else
         cf_rankedEdge(held, rank);

@@ -15,7 +15,7 @@ enum class cc_LockRank : std::uint8_t {
   // Mutexes under which hooks and callbacks run.
   displayList,  // ccWin32Display::listMutex
   root,         // of each tree; two meet only where a node changes its tree, the former one first
-  orphans,      // of all nodes without a tree; a hook of such a node that puts it into a tree takes a root's under it
+  orphans,      // of all nodes without a tree; given up while a hook of such a node waits for a root's
   ui,           // the registry of nodes and roots
 
   // Leaves. Nothing of an application runs under them.

@@ -5,6 +5,9 @@
 
 #include <algorithm>
 #include <exception>
+#include <new>
+#include <thread>
+#include <utility>
 
 namespace {
 
@@ -113,6 +116,37 @@ void ccMutex::lockFirm_()
     lock_(cfForever, Firm::Yes);
 }
 
+namespace {
+
+constinit thread_local ccMutex* tc_orphans = nullptr;  // the orphans' mutex while this thread holds it
+
+}  // namespace
+
+// The orphans' mutex comes after a root's one. A hook of an orphan runs under it all the same, and may put the orphan into a
+// tree or ask for anything in one. Whoever holds it therefore never waits for a root's mutex: it is given up before and
+// taken again after, in the order of all others, with as many holds as it had.
+class ccMutex::cc_GiveWay {
+public:
+  cc_GiveWay() : mutex_(*tc_orphans), count_(std::exchange(mutex_.count_, 1)) { mutex_.unlock(); }
+  cc_GiveWay(cc_GiveWay const&) = delete;
+  cc_GiveWay& operator=(cc_GiveWay const&) = delete;
+  // The locks further up give back what they have taken, so it is had again whatever happens.
+  ~cc_GiveWay()
+  {
+    for (;;) try {
+        mutex_.lockFirm_();
+        break;
+      } catch (std::bad_alloc const&) {
+        std::this_thread::yield();
+      }
+    mutex_.count_ = count_;
+  }
+
+private:
+  ccMutex& mutex_;
+  long count_;
+};
+
 bool ccMutex::lock_(double timeout, Firm firm)
 {
   if (cc_LockCheck::on && cc_Deadline(timeout).forever())
@@ -122,10 +156,17 @@ bool ccMutex::lock_(double timeout, Firm firm)
     std::lock_guard const hold(guard_);
     got = take_();
   }
+  if (!got && tc_orphans && rank_ == cc_LockRank::root && cc_Deadline(timeout).forever()) {
+    cc_GiveWay const way;
+    return lock_(timeout, firm);
+  }
   got = got || wait_(timeout, firm);
-  if (got)
-    cc_LockCheck::taken(this, rank_);
-  return got;
+  if (!got)
+    return false;
+  cc_LockCheck::taken(this, rank_);
+  if (rank_ == cc_LockRank::orphans)
+    tc_orphans = this;
+  return true;
 }
 
 void ccMutex::unlock()
@@ -133,6 +174,8 @@ void ccMutex::unlock()
   if (!lockedByMe() || --count_ > 0)
     return;
   cc_LockCheck::given(this, rank_);
+  if (tc_orphans == this)
+    tc_orphans = nullptr;
   std::lock_guard const hold(guard_);
   owner_.store(0, std::memory_order_relaxed);
   wakeFirst_();

@@ -74,7 +74,7 @@ private:
 };
 
 // A recursive mutex. unlock() by a thread that doesn't own it does nothing. A wait while an exception unwinds the stack
-// is not broken.
+// is not broken. One of the rank of the orphans is given up while its owner waits for ever for one of a root's.
 class ccMutex final : public cc_Resource {
 public:
   explicit ccMutex(cc_LockRank rank = cc_LockRank::none) : rank_(rank) {}
@@ -91,6 +91,8 @@ protected:
   bool given_() const override { return false; }
 
 private:
+  class cc_GiveWay;
+
   bool relock_();
   bool lock_(double timeout, Firm);
 

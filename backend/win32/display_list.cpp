@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <condition_variable>
+#include <thread>
 #include <utility>
 
 namespace {
@@ -23,13 +24,18 @@ struct cs_Base {
   long parents;  // watches over it as a parent
 };
 
+struct cs_Visit {
+  ccWin32Display const* display;
+  std::thread::id thread;
+};
+
 struct cs_Tables {
   cc_LeafMutex<cc_LockRank::displayLinks> guard;
   std::condition_variable left;
   Place last = 0;
   std::vector<cs_Link> links;  // oldest first
   std::vector<cs_Base> bases;
-  std::vector<ccWin32Display const*> visits;
+  std::vector<cs_Visit> visits;
 };
 
 // Never destroyed: the last window may go when static objects have gone.
@@ -140,7 +146,7 @@ cc_DisplayList::Visit::Visit(HWND window, Place before)
                                   [&](cs_Link const& l) { return l.window == window && l.place < before; });
   if (found == tables.links.rend())
     return;
-  tables.visits.push_back(found->display);
+  tables.visits.push_back({found->display, std::this_thread::get_id()});
   display_ = found->display;
   place_ = found->place;
 }
@@ -153,8 +159,11 @@ void cc_DisplayList::Visit::leave()
     return;
   cs_Tables& tables = cf_tables();
   Hold const hold(tables.guard);
-  auto const mine = std::find(tables.visits.begin(), tables.visits.end(), std::exchange(display_, nullptr));
+  auto const mine = std::find_if(tables.visits.begin(), tables.visits.end(), [this](cs_Visit const& v) {
+    return v.display == display_ && v.thread == std::this_thread::get_id();
+  });
   tables.visits.erase(mine);
+  display_ = nullptr;
   tables.left.notify_all();
 }
 
@@ -167,7 +176,7 @@ bool cc_DisplayList::Visit::again()
   if (found == tables.links.end())
     return false;
   if (!display_) {
-    tables.visits.push_back(found->display);
+    tables.visits.push_back({found->display, std::this_thread::get_id()});
     display_ = found->display;
   }
   return true;
@@ -183,12 +192,20 @@ std::vector<Place> cc_DisplayList::all()
   return places;
 }
 
-void cc_DisplayList::waitUntilLeft(ccWin32Display const* display)
+void cc_DisplayList::waitUntilLeft(ccWin32Display const* display, bool tookOff)
 {
-  cc_LockCheck::waits(&cf_tables(), cc_LockRank::windowThread);
   cs_Tables& tables = cf_tables();
+  auto const left = [&] {
+    return std::none_of(tables.visits.begin(), tables.visits.end(), [display](cs_Visit const& v) {
+      return v.display == display && v.thread != std::this_thread::get_id();
+    });
+  };
+  bool const now = [&] {
+    Hold const hold(tables.guard);
+    return left();
+  }();
+  if (tookOff || !now)
+    cc_LockCheck::waits(&tables, cc_LockRank::windowThread);
   cc_LeafWait lock(tables.guard);
-  tables.left.wait(lock.native(), [&] {
-    return std::find(tables.visits.begin(), tables.visits.end(), display) == tables.visits.end();
-  });
+  tables.left.wait(lock.native(), left);
 }

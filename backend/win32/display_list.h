@@ -27,7 +27,7 @@ void removeParent(HWND);
 
 plat::MessageProc former(HWND);  // the application's procedure; null where ours stands no more
 
-// Keeps a display for the window's thread: as long as one lives, waitUntilLeft waits on other threads.
+// Keeps a display for the thread that is in a message: as long as one lives, waitUntilLeft waits on other threads.
 class Visit {
 public:
   // The newest display of a window that is older than a place.
@@ -50,7 +50,8 @@ private:
 // The displays of all windows.
 std::vector<Place> all();
 
-// Waits until the window's thread is in no message of this display, which stands on no window any more.
-void waitUntilLeft(ccWin32Display const*);
+// Waits until no other thread is in a message of this display, which stands on no window any more. It may have left its
+// window in that very message. The watch over the locks asks each time if it has only just been taken off.
+void waitUntilLeft(ccWin32Display const*, bool tookOff);
 
 }  // namespace cc_DisplayList

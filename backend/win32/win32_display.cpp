@@ -59,11 +59,9 @@ void ccWin32Display::end_()
     lock.lockFirm();
     place = place_;
   }
-  if (place != 0) {
+  if (place != 0)
     cc_DisplayList::remove(place);
-    if (!plat::platform().windows.onOwnThread(window_))
-      cc_DisplayList::waitUntilLeft(this);
-  }
+  cc_DisplayList::waitUntilLeft(this, place != 0 && !plat::platform().windows.onOwnThread(window_));
   {
     ccLock lock(rootMutex(), /*lockNow=*/false);
     lock.lockFirm();

@@ -188,6 +188,58 @@ TEST_F(LockOrder, twoRootsInBothOrdersAreAFaultOfTwoThreadsOnly)
   EXPECT_EQ(faults.size(), 1u);
 }
 
+// Nor is it a fault that the orphans' mutex is held: nobody waits for a root's one under it.
+TEST_F(LockOrder, theOrphansMutexIsGivenUpWhileARootsOneIsWaitedFor)
+{
+  ccMutex root(cc_LockRank::root), orphans(cc_LockRank::orphans);
+  ccEvent rootHeld, orphansHeld;
+  std::thread other([&] {
+    ccLock tree(root);
+    rootHeld.set();
+    orphansHeld.lock(10);
+    EXPECT_TRUE(orphans.lock(10));
+    orphans.unlock();
+  });
+  rootHeld.lock(10);
+  orphans.lock();
+  orphans.lock();
+  orphansHeld.set();
+  root.lock();
+  other.join();
+
+  // As many holds as before, and none of them lost.
+  EXPECT_TRUE(orphans.lockedByMe());
+  root.unlock();
+  orphans.unlock();
+  EXPECT_TRUE(orphans.lockedByMe());
+  orphans.unlock();
+  EXPECT_FALSE(orphans.lockedByMe());
+  onAnotherThread([&] { EXPECT_TRUE(orphans.lock(0)); });
+  EXPECT_TRUE(faults.empty()) << faults[0];
+}
+
+TEST_F(LockOrder, aBrokenWaitForARootsMutexTakesTheOrphansOneAgain)
+{
+  ccMutex root(cc_LockRank::root), orphans(cc_LockRank::orphans);
+  ccEvent rootHeld, over;
+  std::thread other([&] {
+    ccLock tree(root);
+    rootHeld.set();
+    over.lock(10);
+  });
+  rootHeld.lock(10);
+  root.breakLocks();
+  {
+    ccLock hold(orphans);
+    EXPECT_THROW(root.lock(), cc_Resource::BrokenLock);
+    EXPECT_TRUE(orphans.lockedByMe());
+  }
+  EXPECT_FALSE(orphans.lockedByMe());
+  over.set();
+  other.join();
+  EXPECT_TRUE(faults.empty()) << faults[0];
+}
+
 // A wait counts only when it really blocks, which no test can force: the other thread takes longer with each attempt.
 TEST_F(LockOrder, nothingOfOursIsHeldWhileAnEventOfAnotherThreadIsWaitedFor)
 {

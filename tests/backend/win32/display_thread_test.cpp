@@ -1,4 +1,5 @@
 // Displays that are made, moved and deleted on other threads while the window's thread pumps and paints.
+#include "foundation/resource.h"
 #include "tests/support/window_driver.h"
 
 #include <gtest/gtest.h>
@@ -116,6 +117,49 @@ TEST(DisplayThreads, allDisplaysOfAWindowThatGoesLeaveIt)
   EXPECT_EQ(driver.display().window(), nullptr);
   EXPECT_EQ(second.window(), nullptr);
   EXPECT_EQ(third.window(), nullptr);
+}
+
+// Leaves its window in a message, and stays in it for a while.
+struct InMessage {
+  ccEvent left;
+  std::atomic<bool> there{false};
+};
+class Leaver : public ccWin32Display {
+public:
+  explicit Leaver(InMessage& at) : at_(at) {}
+  bool processKeyboardMsg(unsigned, std::uintptr_t, std::intptr_t) override
+  {
+    InMessage& at = at_;
+    at.there = true;
+    window(nullptr);
+    at.left.set();
+    std::this_thread::sleep_for(std::chrono::milliseconds(100));
+    at.there = false;
+    return false;
+  }
+
+private:
+  InMessage& at_;
+};
+
+TEST(DisplayThreads, aDisplayThatLeftItsWindowInAMessageIsDeletedAfterTheMessage)
+{
+  WindowDriver driver(60, 40);
+  driver.dropDisplay();
+  InMessage at;
+  auto display = std::make_unique<Leaver>(at);
+  display->window(driver.window());
+  bool stillThere = true;
+  std::thread other([&] {
+    EXPECT_TRUE(at.left.lock(20));
+    display.reset();
+    stillThere = at.there;
+  });
+
+  plat::testing::send(driver.window(), 256, 65, 0);
+  other.join();
+
+  EXPECT_FALSE(stillThere);
 }
 
 TEST(DisplayThreads, aDisplayGivesItsWindowBackThoughTheApplicationStandsAboveIt)
