@@ -8,11 +8,11 @@
 #include <cstring>
 #include <memory>
 
-KRS_DEFINE_EXCEPTION(ccArchive::UnknownVersion, ccExceptionWithString, 0x10000110)
-KRS_DEFINE_EXCEPTION(ccArchive::UnknownClass, ccExceptionWithString, 0x10000111)
-KRS_DEFINE_EXCEPTION(ccArchive::EndOfData, ccException, 0x10000112)
-KRS_DEFINE_EXCEPTION(ccArchive::BadValue, ccExceptionWithString, 0x10000113)
-KRS_DEFINE_EXCEPTION(ccArchive::TooLarge, ccExceptionWithString, 0x10000114)
+KRS_DEFINE_EXCEPTION(ccArchive::UnknownVersion, ccExceptionWithString)
+KRS_DEFINE_EXCEPTION(ccArchive::UnknownClass, ccExceptionWithString)
+KRS_DEFINE_EXCEPTION(ccArchive::EndOfData, ccException)
+KRS_DEFINE_EXCEPTION(ccArchive::BadValue, ccExceptionWithString)
+KRS_DEFINE_EXCEPTION(ccArchive::TooLarge, ccExceptionWithString)
 
 namespace {
 

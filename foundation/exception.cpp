@@ -4,7 +4,7 @@
 #include "foundation/exception_impl.h"
 #include "foundation/handle.h"
 
-KRS_DEFINE_EXCEPTION(ccBadPointer, ccException, 0x10000101)
+KRS_DEFINE_EXCEPTION(ccBadPointer, ccException)
 
 void cf_throwBadPointer() { throw ccBadPointer(); }
 

@@ -3,6 +3,7 @@
 
 #include "foundation/archive.h"
 #include "foundation/exception.h"
+#include "foundation/exception_numbers.h"
 
 #include <memory>
 
@@ -27,11 +28,19 @@ void cf_serializeLevel(ccArchive&, unsigned char version, char const* name);
 
 #define KRS_DEFINE_EXCEPTION_FAMILY(Class, Base) KRS_DEFINE_SERIALIZE_(Class, Base, #Class)
 
-#define KRS_DEFINE_EXCEPTION(Class, Base, number)                                                                      \
+// The class has a row in exception_numbers.h.
+#define KRS_DEFINE_EXCEPTION(Class, Base)                                                                              \
+  KRS_DEFINE_NUMBERED_EXCEPTION_(Class, Base, cf_exceptionNumber(#Class))
+
+#define KRS_DEFINE_NUMBERED_EXCEPTION_(Class, Base, number)                                                            \
   cc_Instantiator Class::sExemplar(#Class, &Class::make);                                                              \
   ccPersistent* Class::make() { return new Class(); }                                                                  \
   char const* Class::className() const { return #Class; }                                                              \
-  long Class::errorNumber() const { return number; }                                                                   \
+  long Class::errorNumber() const                                                                                      \
+  {                                                                                                                    \
+    constexpr long constant = number;                                                                                  \
+    return constant;                                                                                                   \
+  }                                                                                                                    \
   void Class::suicideAndRethrow()                                                                                      \
   {                                                                                                                    \
     std::unique_ptr<Class> const self(this); /* also when there is no memory for the copy */                           \

@@ -2,5 +2,5 @@
 
 #include "foundation/exception_impl.h"
 
-KRS_DEFINE_EXCEPTION(ccPelError::BadSize, ccExceptionWithString, 0x10000160)
-KRS_DEFINE_EXCEPTION(ccPelError::BadTable, ccExceptionWithString, 0x10000161)
+KRS_DEFINE_EXCEPTION(ccPelError::BadSize, ccExceptionWithString)
+KRS_DEFINE_EXCEPTION(ccPelError::BadTable, ccExceptionWithString)

@@ -16,7 +16,7 @@ inline ccThreadID cf_me() { return tc_threadID ? tc_threadID : cfCurrentThreadID
 
 }  // namespace
 
-KRS_DEFINE_EXCEPTION(cc_Resource::BrokenLock, ccException, 0x10000120)
+KRS_DEFINE_EXCEPTION(cc_Resource::BrokenLock, ccException)
 
 cc_Resource::~cc_Resource() { cc_LockCheck::died(this); }
 

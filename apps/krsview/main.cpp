@@ -1,5 +1,6 @@
 // krsview: shows images in a window, or headless.
 #include "apps/common/error_line.h"
+#include "apps/krsview/help.h"
 #include "apps/krsview/options.h"
 #include "apps/krsview/script.h"
 #include "apps/krsview/viewer.h"

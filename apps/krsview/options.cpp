@@ -2,13 +2,13 @@
 
 #include "apps/common/error_line.h"
 
-#include <algorithm>
 #include <charconv>
 #include <cmath>
+#include <string_view>
 
 namespace {
 
-constexpr long kMaxSide = 16384;
+constexpr double kLongestRun = 1e6;  // seconds
 
 template <class T> bool cf_number(std::string_view text, T& value)
 {
@@ -29,148 +29,190 @@ template <class T> bool cf_two(std::string const& text, char between, T& a, T& b
          cf_number(std::string_view(text).substr(at + 1), b);
 }
 
-}  // namespace
-
-std::string cfParseViewOptions(std::vector<std::string> const& arguments, ccViewOptions& options)
+// The place of a value among the choices of a form, from 0; -1 if it is none of them.
+int cf_choice(std::string_view value, std::string_view form)
 {
-  bool onlyNames = false;
-  for (std::size_t i = 0; i < arguments.size(); ++i) {
-    std::string option = arguments[i];
-    if (onlyNames || option.size() < 2 || option[0] != '-') {
-      options.images.push_back(option);
-      continue;
-    }
-    if (option == "--") {
-      onlyNames = true;
-      continue;
-    }
-    // --name=value is as good as --name value.
-    std::optional<std::string> attached;
-    if (std::size_t const at = option.find('='); at != std::string::npos) {
-      attached = option.substr(at + 1);
-      option.resize(at);
-    }
-    std::string value;
-    auto const takeValue = [&]() -> bool {
-      if (attached) {
-        value = *attached;
-        attached.reset();
-        return true;
-      }
-      if (i + 1 >= arguments.size())
-        return false;
-      value = arguments[++i];
-      return true;
-    };
-    std::string const needs = cf_quoted(option) + " needs a value";
-    std::string const bad = "bad value for " + cf_quoted(option) + ": ";
-
-    if (option == "--window") {
-      if (!takeValue())
-        return needs;
-      long width = 0, height = 0;
-      if (!cf_two(value, 'x', width, height) || width < 1 || height < 1 || width > kMaxSide || height > kMaxSide)
-        return bad + cf_quoted(value) + " (WIDTHxHEIGHT, 1 to 16384)";
-      options.givenWidth = width;
-      options.givenHeight = height;
-    } else if (option == "--depth") {
-      if (!takeValue())
-        return needs;
-      int depth = 0;
-      if (!cf_number(value, depth) || (depth != 8 && depth != 15 && depth != 16 && depth != 24 && depth != 32))
-        return bad + cf_quoted(value) + " (8, 15, 16, 24 or 32)";
-      options.depth = depth;
-    } else if (option == "--mag") {
-      if (!takeValue())
-        return needs;
-      long mag = 0;
-      if (!cf_number(value, mag))
-        return bad + cf_quoted(value) + " (a whole number; -N reduces)";
-      options.mag = mag;
-    } else if (option == "--pan") {
-      if (!takeValue())
-        return needs;
-      double x = 0, y = 0;
-      if (!cf_two(value, ',', x, y))
-        return bad + cf_quoted(value) + " (X,Y in image pels)";
-      options.pan = std::pair(x, y);
-    } else if (option == "--mode") {
-      if (!takeValue())
-        return needs;
-      char const* const modes[] = {"pointer", "pan", "zoom-in", "zoom-out"};
-      auto const found = std::find(std::begin(modes), std::end(modes), value);
-      if (found == std::end(modes))
-        return bad + cf_quoted(value) + " (pointer, pan, zoom-in or zoom-out)";
-      options.mode = static_cast<int>(found - std::begin(modes));
-    } else if (option == "--overlay") {
-      if (!takeValue())
-        return needs;
-      if (value == "none")
-        options.overlay = ccViewOptions::noOverlay;
-      else if (value == "plane")
-        options.overlay = ccViewOptions::plane;
-      else if (value == "chroma")
-        options.overlay = ccViewOptions::chroma;
-      else
-        return bad + cf_quoted(value) + " (none, plane or chroma)";
-    } else if (option == "--quit-after") {
-      if (!takeValue())
-        return needs;
-      double seconds = 0;
-      if (!cf_number(value, seconds) || seconds < 0 || seconds > 1e6)
-        return bad + cf_quoted(value) + " (seconds)";
-      options.quitAfter = seconds;
-    } else if (option == "--script") {
-      if (!takeValue())
-        return needs;
-      if (value.empty())
-        return bad + "an empty file name";
-      options.script = value;
-    } else if (option == "--shot") {
-      if (!takeValue())
-        return needs;
-      if (value.empty())
-        return bad + "an empty file name";
-      options.shot = value;
-    } else if (option == "--draw") {
-      if (!takeValue())
-        return needs;
-      if (value.empty())
-        return bad + "an empty file name";
-      options.draw.push_back(value);
-    } else if (option == "--page") {
-      if (!takeValue())
-        return needs;
-      options.page = value;
-    } else if (option == "--pages") {
-      if (!takeValue())
-        return needs;
-      if (value.empty())
-        return bad + "an empty folder name";
-      options.pages = value;
-    } else if (option == "--gallery")
-      options.gallery = true;
-    else if (option == "--fit")
-      options.fit = ccViewOptions::fitWhole;
-    else if (option == "--fit-exact")
-      options.fit = ccViewOptions::fitExact;
-    else if (option == "--large")
-      options.large = true;
-    else if (option == "--headless")
-      options.headless = true;
-    else if (option == "--scrollbars")
-      options.scrollBars = true;
-    else if (option == "--info")
-      options.info = true;
-    else if (option == "--help" || option == "-h")
-      options.help = true;
-    else if (option == "--version")
-      options.version = true;
-    else
-      return "unknown option " + cf_quoted(option);
-    if (attached)
-      return option + " takes no value";
+  for (int place = 0;; ++place) {
+    std::size_t const end = form.find('|');
+    if (form.substr(0, end) == value)
+      return place;
+    if (end == std::string_view::npos)
+      return -1;
+    form.remove_prefix(end + 1);
   }
+}
+
+bool cf_window(ccViewOptions& options, std::string const& value, char const*)
+{
+  long width = 0, height = 0;
+  if (!cf_two(value, 'x', width, height) || width < 1 || height < 1 || width > cf_maxWindowSide ||
+      height > cf_maxWindowSide)
+    return false;
+  options.givenWidth = width;
+  options.givenHeight = height;
+  return true;
+}
+
+bool cf_depth(ccViewOptions& options, std::string const& value, char const* form)
+{
+  int depth = 0;
+  if (!cf_number(value, depth) || cf_choice(std::to_string(depth), form) < 0)
+    return false;
+  options.depth = depth;
+  return true;
+}
+
+bool cf_mag(ccViewOptions& options, std::string const& value, char const*)
+{
+  long mag = 0;
+  if (!cf_number(value, mag))
+    return false;
+  options.mag = mag;
+  return true;
+}
+
+bool cf_pan(ccViewOptions& options, std::string const& value, char const*)
+{
+  double x = 0, y = 0;
+  if (!cf_two(value, ',', x, y))
+    return false;
+  options.pan = std::pair(x, y);
+  return true;
+}
+
+// The choices of the form are in the order of ccDisplay::MouseMode.
+bool cf_mode(ccViewOptions& options, std::string const& value, char const* form)
+{
+  int const mode = cf_choice(value, form);
+  if (mode < 0)
+    return false;
+  options.mode = mode;
+  return true;
+}
+
+// The choices of the form are in the order of ccViewOptions::Overlay.
+bool cf_overlay(ccViewOptions& options, std::string const& value, char const* form)
+{
+  int const overlay = cf_choice(value, form);
+  if (overlay < 0)
+    return false;
+  options.overlay = static_cast<ccViewOptions::Overlay>(overlay);
+  return true;
+}
+
+bool cf_quitAfter(ccViewOptions& options, std::string const& value, char const*)
+{
+  double seconds = 0;
+  if (!cf_number(value, seconds) || seconds < 0 || seconds > kLongestRun)
+    return false;
+  options.quitAfter = seconds;
+  return true;
+}
+
+bool cf_draw(ccViewOptions& options, std::string const& value, char const*)
+{
+  if (!value.empty())
+    options.draw.push_back(value);
+  return !value.empty();
+}
+
+// Any text, also an empty one.
+template <std::string ccViewOptions::*Member>
+bool cf_text(ccViewOptions& options, std::string const& value, char const*)
+{
+  options.*Member = value;
+  return true;
+}
+
+// A file or a folder has a name.
+template <std::string ccViewOptions::*Member>
+bool cf_name(ccViewOptions& options, std::string const& value, char const*)
+{
+  options.*Member = value;
+  return !value.empty();
+}
+
+template <bool ccViewOptions::*Member> bool cf_flag(ccViewOptions& options, std::string const&, char const*)
+{
+  return options.*Member = true;
+}
+
+template <ccViewOptions::Fit Fit> bool cf_fit(ccViewOptions& options, std::string const&, char const*)
+{
+  options.fit = Fit;
+  return true;
+}
+
+using Options = ccViewOptions;
+
+constexpr cs_ViewOption kOptions[] = {
+    {"--window", "", "WxH", "each 1 to 16384", "client area of the window (default 800x600)", cf_window},
+    {"--depth", "", "8|15|16|24|32", "", "bits a pel of a headless screen (default 32)", cf_depth},
+    {"--mag", "", "N", "a whole number; -N reduces", "magnification; -N reduces to one N-th", cf_mag},
+    {"--fit", "", "", "", "largest whole magnification or reduction that shows all", cf_fit<Options::fitWhole>},
+    {"--fit-exact", "", "", "", "fit the image exactly", cf_fit<Options::fitExact>},
+    {"--pan", "", "X,Y", "in image pels", "pan in image pels, after mag or fit", cf_pan},
+    {"--mode", "", "pointer|pan|zoom-in|zoom-out", "", "what the left button does", cf_mode},
+    {"--overlay", "", "none|plane|chroma", "", "no layer, one of its own, or keyed graphics", cf_overlay},
+    {"--draw", "", "FILE.json", "", "draw what a file says over the images; may be given several times", cf_draw},
+    {"--gallery", "", "", "", "page through all that the library draws", cf_flag<&Options::gallery>},
+    {"--page", "", "NAME", "", "the page of the gallery to begin with", cf_text<&Options::page>},
+    {"--pages", "", "FOLDER", "", "write the picture of each page into a folder", cf_name<&Options::pages>},
+    {"--quit-after", "", "SECONDS", "0 to 1000000", "end after so many seconds", cf_quitAfter},
+    {"--script", "", "FILE", "", "do what the lines of a file say (- for standard input)", cf_name<&Options::script>},
+    {"--headless", "", "", "", "open no window", cf_flag<&Options::headless>},
+    {"--large", "", "", "", "show images that promise far more than their files hold, too", cf_flag<&Options::large>},
+    {"--shot", "", "FILE.png", "", "write the picture of the client area", cf_name<&Options::shot>},
+    {"--scrollbars", "", "", "", "show scroll bars", cf_flag<&Options::scrollBars>},
+    {"--info", "", "", "", "tell about the image and its view, as JSON on standard output", cf_flag<&Options::info>},
+    {"--help", "-h", "", "", "tell all this", cf_flag<&Options::help>},
+    {"--version", "", "", "", "tell the version", cf_flag<&Options::version>},
+};
+
+cs_ViewOption const* cf_find(std::string const& name)
+{
+  for (cs_ViewOption const& option : kOptions)
+    if (name == option.name || name == option.shortName)
+      return &option;
+  return nullptr;
+}
+
+// The form of an option's value, in brackets.
+std::string cf_form(cs_ViewOption const& option)
+{
+  std::string const limits = option.limits;
+  return std::string(" (") + option.form + (limits.empty() ? "" : ", " + limits) + ")";
+}
+
+using Arguments = std::vector<std::string>;
+
+// One option and its value, which is attached (--name=value) or the next argument.
+std::string cf_take(std::string name, Arguments::const_iterator& next, Arguments::const_iterator end,
+                    ccViewOptions& options)
+{
+  std::optional<std::string> attached;
+  if (std::size_t const at = name.find('='); at != std::string::npos) {
+    attached = name.substr(at + 1);
+    name.resize(at);
+  }
+  cs_ViewOption const* const option = cf_find(name);
+  if (!option)
+    return "unknown option " + cf_quoted(name);
+  if (*option->form == 0) {
+    option->take(options, "", "");
+    return attached ? name + " takes no value" : "";
+  }
+  if (!attached && next == end)
+    return name + " needs a value" + cf_form(*option);
+  std::string const value = attached ? *attached : *next++;
+  if (option->take(options, value, option->form))
+    return "";
+  return "bad value for " + name + ": " + (value.empty() ? "an empty text" : cf_quoted(value)) + cf_form(*option);
+}
+
+// What each option allows for itself and not beside the others.
+std::string cf_contradiction(ccViewOptions const& options)
+{
   if (!options.gallery && (!options.page.empty() || !options.pages.empty()))
     return std::string(options.page.empty() ? "--pages" : "--page") + " goes with --gallery only";
   if (options.gallery && (!options.images.empty() || !options.draw.empty()))
@@ -178,36 +220,21 @@ std::string cfParseViewOptions(std::vector<std::string> const& arguments, ccView
   return "";
 }
 
-char const* cfViewHelp()
+}  // namespace
+
+std::span<cs_ViewOption const> cfViewOptions() { return kOptions; }
+
+std::string cfParseViewOptions(std::vector<std::string> const& arguments, ccViewOptions& options)
 {
-  return "usage: krsview [options] [IMAGE-or-DIRECTORY ...]\n"
-         "Shows images as krsdisp shows them. With no image it takes the bundled samples.\n"
-         "\n"
-         "  --window WxH     client area of the window (default 800x600)\n"
-         "  --depth N        bits a pel of a headless screen: 8, 15, 16, 24 or 32 (default 32)\n"
-         "  --mag N          magnification; -N reduces to one N-th\n"
-         "  --fit            largest whole magnification or reduction that shows all\n"
-         "  --fit-exact      fit the image exactly\n"
-         "  --pan X,Y        pan in image pels, after mag or fit\n"
-         "  --mode MODE      what the left button does: pointer, pan, zoom-in or zoom-out\n"
-         "  --overlay KIND   none, plane (a layer of its own) or chroma (keyed graphics of the application)\n"
-         "  --draw FILE.json draw what a file says over the images; may be given several times\n"
-         "  --gallery        page through all that the library draws, in place of images\n"
-         "  --page NAME      the page of the gallery to begin with\n"
-         "  --pages FOLDER   write the picture of each page of the gallery into a folder\n"
-         "  --quit-after S   end after so many seconds\n"
-         "  --script FILE    do what the lines of a file say (- for standard input)\n"
-         "  --headless       open no window\n"
-         "  --large          show images that promise far more than their files hold, too\n"
-         "  --shot FILE.png  write the picture of the client area\n"
-         "  --scrollbars     show scroll bars\n"
-         "  --info           tell about the image and its view, as JSON on standard output\n"
-         "  --help, --version\n"
-         "\n"
-         "Keys: Page Down and Page Up step through the images, + and - zoom, 0 fits, 1 is one to one, arrows pan,\n"
-         "P, A, I, O choose pointer, pan, zoom in and zoom out, Q quits. The wheel zooms at the cursor.\n"
-         "In the gallery the space bar and the left and right arrows turn pages, too.\n"
-         "\n"
-         "Exit status: 0 all well, 1 a bad option or an output that cannot be written, 2 a file that failed,\n"
-         "3 a script's expectation that was not met, 4 a script line that is not understood.\n";
+  bool onlyNames = false;
+  for (auto next = arguments.begin(); next != arguments.end();) {
+    std::string const& argument = *next++;
+    if (onlyNames || argument.size() < 2 || argument[0] != '-')
+      options.images.push_back(argument);
+    else if (argument == "--")
+      onlyNames = true;
+    else if (std::string const wrong = cf_take(argument, next, arguments.end(), options); !wrong.empty())
+      return wrong;
+  }
+  return cf_contradiction(options);
 }

@@ -2,8 +2,11 @@
 #pragma once
 
 #include <optional>
+#include <span>
 #include <string>
 #include <vector>
+
+inline constexpr long cf_maxWindowSide = 16384;
 
 struct ccViewOptions {
   enum Fit { noFit, fitWhole, fitExact };
@@ -34,6 +37,18 @@ struct ccViewOptions {
   std::vector<std::string> images;
 };
 
+// One option: how it is written, what it does, and the function that takes its value.
+struct cs_ViewOption {
+  char const* name;
+  char const* shortName;  // may be empty
+  // Of the value, as docs and messages write it; empty if there is none. | stands between choices.
+  char const* form;
+  char const* limits;  // what the form does not tell of a good value; may be empty
+  char const* help;
+  bool (*take)(ccViewOptions&, std::string const& value, char const* form);  // false: the value is bad
+};
+
+std::span<cs_ViewOption const> cfViewOptions();  // all, in the order of the help
+
 // Fills options; the result is one line that tells what is wrong, empty if all is well.
 [[nodiscard]] std::string cfParseViewOptions(std::vector<std::string> const& arguments, ccViewOptions& options);
-char const* cfViewHelp();

@@ -20,6 +20,7 @@ constexpr unsigned kCommand = 273, kHScroll = 276, kVScroll = 277;
 constexpr int kWheelNotch = 120;
 
 constexpr std::size_t kLongestLine = 8192;
+constexpr long kLongestTick = 100000000;  // milliseconds
 
 // As std::getline, but of an endless line it takes one character more than a script may have.
 bool cf_readLine(std::istream& in, std::string& line)
@@ -39,7 +40,9 @@ bool cf_whole(std::string const& text, long low, long high, long& value)
 
 constexpr long kFar = 32767;  // positions are 16 bits in messages
 
-bool cf_position(std::vector<std::string> const& words, std::size_t at, long& x, long& y)
+using Words = std::vector<std::string>;
+
+bool cf_position(Words const& words, std::size_t at, long& x, long& y)
 {
   return words.size() > at + 1 && cf_whole(words[at], -kFar, kFar, x) && cf_whole(words[at + 1], -kFar, kFar, y);
 }
@@ -68,7 +71,34 @@ unsigned cf_keyCode(std::string name)
   return 0;
 }
 
+plat::Point cf_point(long x, long y) { return {static_cast<plat::i32>(x), static_cast<plat::i32>(y)}; }
+
 }  // namespace
+
+std::span<cs_ScriptLine const> ccViewScript::lines()
+{
+  using Script = ccViewScript;
+  static constexpr char kPressForm[] = "left|middle|right X Y [shift] [ctrl]";
+  static constexpr cs_ScriptLine all[] = {
+      {"move", "X Y", "the pointer, in client pels", &Script::move_},
+      {"press", kPressForm, "a button goes down", &Script::press_},
+      {"release", kPressForm, "a button goes up", &Script::release_},
+      {"double", kPressForm, "a whole double click", &Script::double_},
+      {"key", "down|up NAME", "a key by name: pagedown, left, ctrl, f1, a", &Script::key_},
+      {"char", "C", "a character", &Script::char_},
+      {"wheel", "N X Y", "N notches, away from the operator", &Script::wheel_},
+      {"scroll", "horz|vert CODE [POS]", "a scroll bar message", &Script::scroll_},
+      {"command", "ID", "a menu command", &Script::command_},
+      {"tick", "MS", "headless: turns the clock, timers fire; else waits", &Script::tick_},
+      {"resize", "W H", "the client area", &Script::resize_},
+      {"expect", "X Y R G B", "a client pel; a mismatch ends with status 3", &Script::expect_},
+      {"shot", "FILE", "writes the picture of the client area", &Script::shot_},
+      {"info", "", "tells about the image and its view, as --info", &Script::info_},
+      {"lose", "", "the surfaces lose their pels", &Script::lose_},
+      {"#", "comment", "nothing", &Script::comment_},
+  };
+  return all;
+}
 
 ccViewScript::ccViewScript(ccViewer& viewer, std::ostream& out, std::ostream& errors, bool headless)
     : viewer_(viewer), out_(out), errors_(errors), headless_(headless)
@@ -93,34 +123,48 @@ ccViewScript::Status ccViewScript::run(std::istream& in, bool answers)
   return done;
 }
 
+std::ostream& ccViewScript::complain_(cs_Given const& given)
+{
+  return errors_ << "krsview: script line " << given.number;
+}
+
 ccViewScript::Status ccViewScript::line_(std::string const& line, long number)
 {
   std::istringstream in(line);
-  std::vector<std::string> words;
+  cs_Given given{{}, number};
   for (std::string word; in >> word;)
-    words.push_back(word);
-  if (words.empty() || words[0][0] == '#')
+    given.words.push_back(word);
+  if (given.words.empty())
     return done;
-  Status status = done;
-  if (!pointer_(words) && !key_(words) && !other_(words, status, number)) {
-    errors_ << "krsview: script line " << number << " is not understood: " << cf_quoted(line) << "\n";
+  // A comment needs no space behind its mark.
+  std::string const word = given.words[0][0] == '#' ? "#" : given.words[0];
+  auto const kinds = lines();
+  auto const kind = std::find_if(kinds.begin(), kinds.end(), [&](cs_ScriptLine const& k) { return word == k.word; });
+  if (kind == kinds.end()) {
+    complain_(given) << " is not understood: " << cf_quoted(line) << "\n";
     return notUnderstood;
   }
-  plat::testing::drain();
-  return status;
+  if (!(this->*kind->act)(given)) {
+    complain_(given) << " is not understood: " << cf_quoted(line) << " (" << kind->word << (*kind->form ? " " : "")
+                     << kind->form << ")\n";
+    return notUnderstood;
+  }
+  if (word != "#")
+    plat::testing::drain();
+  return given.status;
 }
 
 // ---- The hand ----
 
 void ccViewScript::point_(long x, long y, unsigned extraMods)
 {
-  plat::Point const screen = plat::platform().windows.clientToScreen(
-      viewer_.window(), {static_cast<plat::i32>(x), static_cast<plat::i32>(y)});
+  plat::Point const screen = plat::platform().windows.clientToScreen(viewer_.window(), cf_point(x, y));
   plat::testing::pointer(screen, buttons_, mods_ | extraMods);
 }
 
-void ccViewScript::press_(unsigned button, long x, long y, unsigned mods)
+void ccViewScript::pushDown_(cs_Press const& press)
 {
+  auto const [button, mods, x, y] = press;
   point_(x, y, mods);
   buttons_ |= button;
   point_(x, y, mods);
@@ -130,74 +174,99 @@ void ccViewScript::press_(unsigned button, long x, long y, unsigned mods)
   pressY_ = y;
 }
 
-void ccViewScript::release_(unsigned button, long x, long y, unsigned mods)
+void ccViewScript::letGo_(cs_Press const& press)
 {
-  point_(x, y, mods);
-  buttons_ &= ~button;
-  point_(x, y, mods);
+  point_(press.x, press.y, press.mods);
+  buttons_ &= ~press.button;
+  point_(press.x, press.y, press.mods);
 }
 
-bool ccViewScript::pointer_(std::vector<std::string> const& words)
+// The words of press, release and double.
+bool ccViewScript::readPress_(cs_Given const& given, cs_Press& press)
 {
-  long x = 0, y = 0;
-  if (words[0] == "move") {
-    if (words.size() != 3 || !cf_position(words, 1, x, y))
-      return false;
-    point_(x, y);
-    return true;
-  }
-  if (words[0] == "wheel") {
-    long notches = 0;
-    if (words.size() != 4 || !cf_whole(words[1], -100, 100, notches) || !cf_position(words, 2, x, y))
-      return false;
-    plat::Point const screen = plat::platform().windows.clientToScreen(
-        viewer_.window(), {static_cast<plat::i32>(x), static_cast<plat::i32>(y)});
-    plat::testing::wheel(screen, static_cast<int>(notches) * kWheelNotch, mods_);
-    return true;
-  }
-  bool const press = words[0] == "press", release = words[0] == "release", twice = words[0] == "double";
-  if (!press && !release && !twice)
+  Words const& words = given.words;
+  press.button = words.size() > 1 ? cf_button(words[1]) : 0;
+  if (press.button == 0 || !cf_position(words, 2, press.x, press.y))
     return false;
-  unsigned const button = words.size() > 1 ? cf_button(words[1]) : 0;
-  if (button == 0 || !cf_position(words, 2, x, y))
-    return false;
-  unsigned mods = 0;
   for (std::size_t i = 4; i < words.size(); ++i) {
     if (words[i] == "shift")
-      mods |= kShift;
+      press.mods |= kShift;
     else if (words[i] == "ctrl")
-      mods |= kControl;
+      press.mods |= kControl;
     else
       return false;
-  }
-  if (release) {
-    release_(button, x, y, mods);
-    return true;
-  }
-  if (buttons_ & button)
-    release_(button, x, y, mods);
-  if (press) {
-    press_(button, x, y, mods);
-    return true;
-  }
-  // A whole double click. The second press of two at one place is the one that counts as double.
-  bool const secondIsNext = pressButton_ == button && pressX_ == x && pressY_ == y && presses_ % 2 == 1;
-  for (int i = secondIsNext ? 1 : 0; i < 2; ++i) {
-    press_(button, x, y, mods);
-    release_(button, x, y, mods);
   }
   return true;
 }
 
-bool ccViewScript::key_(std::vector<std::string> const& words)
+bool ccViewScript::move_(cs_Given& given)
 {
-  if (words[0] == "char") {
-    if (words.size() != 2 || words[1].size() != 1)
-      return false;
-    plat::testing::character(static_cast<plat::u8>(words[1][0]));
-    return true;
+  long x = 0, y = 0;
+  if (given.words.size() != 3 || !cf_position(given.words, 1, x, y))
+    return false;
+  point_(x, y);
+  return true;
+}
+
+bool ccViewScript::press_(cs_Given& given)
+{
+  cs_Press press;
+  if (!readPress_(given, press))
+    return false;
+  if (buttons_ & press.button)
+    letGo_(press);
+  pushDown_(press);
+  return true;
+}
+
+bool ccViewScript::release_(cs_Given& given)
+{
+  cs_Press press;
+  if (!readPress_(given, press))
+    return false;
+  letGo_(press);
+  return true;
+}
+
+// The second press of two at one place is the one that counts as double.
+bool ccViewScript::double_(cs_Given& given)
+{
+  cs_Press press;
+  if (!readPress_(given, press))
+    return false;
+  if (buttons_ & press.button)
+    letGo_(press);
+  bool const secondIsNext =
+      pressButton_ == press.button && pressX_ == press.x && pressY_ == press.y && presses_ % 2 == 1;
+  for (int i = secondIsNext ? 1 : 0; i < 2; ++i) {
+    pushDown_(press);
+    letGo_(press);
   }
-  if (words[0] != "key" || words.size() != 3 || (words[1] != "down" && words[1] != "up"))
+  return true;
+}
+
+bool ccViewScript::wheel_(cs_Given& given)
+{
+  long notches = 0, x = 0, y = 0;
+  if (given.words.size() != 4 || !cf_whole(given.words[1], -100, 100, notches) || !cf_position(given.words, 2, x, y))
+    return false;
+  plat::Point const screen = plat::platform().windows.clientToScreen(viewer_.window(), cf_point(x, y));
+  plat::testing::wheel(screen, static_cast<int>(notches) * kWheelNotch, mods_);
+  return true;
+}
+
+bool ccViewScript::char_(cs_Given& given)
+{
+  if (given.words.size() != 2 || given.words[1].size() != 1)
+    return false;
+  plat::testing::character(static_cast<plat::u8>(given.words[1][0]));
+  return true;
+}
+
+bool ccViewScript::key_(cs_Given& given)
+{
+  Words const& words = given.words;
+  if (words.size() != 3 || (words[1] != "down" && words[1] != "up"))
     return false;
   unsigned const code = cf_keyCode(words[2]);
   if (code == 0)
@@ -209,7 +278,28 @@ bool ccViewScript::key_(std::vector<std::string> const& words)
   return true;
 }
 
-// ---- Everything else ----
+// ---- The window and the clock ----
+
+bool ccViewScript::scroll_(cs_Given& given)
+{
+  Words const& words = given.words;
+  long code = 0, position = 0;
+  if (words.size() < 3 || words.size() > 4 || (words[1] != "horz" && words[1] != "vert") ||
+      !cf_whole(words[2], 0, 8, code) || (words.size() == 4 && !cf_whole(words[3], 0, 65535, position)))
+    return false;
+  plat::testing::send(viewer_.view(), words[1] == "horz" ? kHScroll : kVScroll,
+                      static_cast<plat::WParam>(code | position << 16), 0);
+  return true;
+}
+
+bool ccViewScript::command_(cs_Given& given)
+{
+  long id = 0;
+  if (given.words.size() != 2 || !cf_whole(given.words[1], 0, 65535, id))
+    return false;
+  plat::testing::send(viewer_.view(), kCommand, static_cast<plat::WParam>(id), 0);
+  return true;
+}
 
 void ccViewScript::wait_(unsigned ms)
 {
@@ -223,75 +313,72 @@ void ccViewScript::wait_(unsigned ms)
     plat::pump(static_cast<int>(std::chrono::duration_cast<std::chrono::milliseconds>(end - now).count()) + 1);
 }
 
-bool ccViewScript::other_(std::vector<std::string> const& words, Status& status, long number)
+bool ccViewScript::tick_(cs_Given& given)
 {
-  std::string const& what = words[0];
-  if (what == "tick") {
-    long ms = 0;
-    if (words.size() != 2 || !cf_whole(words[1], 0, 100000000, ms))
-      return false;
-    wait_(static_cast<unsigned>(ms));
-    return true;
+  long ms = 0;
+  if (given.words.size() != 2 || !cf_whole(given.words[1], 0, kLongestTick, ms))
+    return false;
+  wait_(static_cast<unsigned>(ms));
+  return true;
+}
+
+bool ccViewScript::resize_(cs_Given& given)
+{
+  long w = 0, h = 0;
+  if (given.words.size() != 3 || !cf_whole(given.words[1], 1, cf_maxWindowSide, w) ||
+      !cf_whole(given.words[2], 1, cf_maxWindowSide, h))
+    return false;
+  viewer_.resize(w, h);
+  return true;
+}
+
+bool ccViewScript::lose_(cs_Given& given)
+{
+  if (given.words.size() != 1)
+    return false;
+  plat::testing::lose(viewer_.view());
+  plat::platform().windows.invalidate(viewer_.view(), nullptr, false);
+  return true;
+}
+
+// ---- Looks at the picture ----
+
+bool ccViewScript::expect_(cs_Given& given)
+{
+  Words const& words = given.words;
+  long x = 0, y = 0, rgb[3] = {};
+  if (words.size() != 6 || !cf_position(words, 1, x, y) || !cf_whole(words[3], 0, 255, rgb[0]) ||
+      !cf_whole(words[4], 0, 255, rgb[1]) || !cf_whole(words[5], 0, 255, rgb[2]))
+    return false;
+  plat::testing::drain();
+  plat::u32 const pel = plat::testing::pel(viewer_.window(), cf_point(x, y));
+  long const seen[3] = {static_cast<long>(pel >> 16 & 255), static_cast<long>(pel >> 8 & 255),
+                        static_cast<long>(pel & 255)};
+  if (!std::equal(seen, seen + 3, rgb)) {
+    complain_(given) << ": pel " << x << " " << y << " is " << seen[0] << " " << seen[1] << " " << seen[2]
+                     << ", expected " << rgb[0] << " " << rgb[1] << " " << rgb[2] << "\n";
+    given.status = notMet;
   }
-  if (what == "resize") {
-    long w = 0, h = 0;
-    if (words.size() != 3 || !cf_whole(words[1], 1, 16384, w) || !cf_whole(words[2], 1, 16384, h))
-      return false;
-    viewer_.resize(w, h);
-    return true;
+  return true;
+}
+
+bool ccViewScript::shot_(cs_Given& given)
+{
+  if (given.words.size() != 2)
+    return false;
+  plat::testing::drain();
+  if (std::string const error = viewer_.writeShot(given.words[1]); !error.empty()) {
+    complain_(given) << ": " << error << "\n";
+    given.status = cannotWrite;
   }
-  if (what == "scroll") {
-    long code = 0, position = 0;
-    if (words.size() < 3 || words.size() > 4 || (words[1] != "horz" && words[1] != "vert") ||
-        !cf_whole(words[2], 0, 8, code) || (words.size() == 4 && !cf_whole(words[3], 0, 65535, position)))
-      return false;
-    plat::testing::send(viewer_.view(), words[1] == "horz" ? kHScroll : kVScroll,
-                        static_cast<plat::WParam>(code | position << 16), 0);
-    return true;
-  }
-  if (what == "command") {
-    long id = 0;
-    if (words.size() != 2 || !cf_whole(words[1], 0, 65535, id))
-      return false;
-    plat::testing::send(viewer_.view(), kCommand, static_cast<plat::WParam>(id), 0);
-    return true;
-  }
-  if (what == "expect") {
-    long x = 0, y = 0, rgb[3] = {};
-    if (words.size() != 6 || !cf_position(words, 1, x, y) || !cf_whole(words[3], 0, 255, rgb[0]) ||
-        !cf_whole(words[4], 0, 255, rgb[1]) || !cf_whole(words[5], 0, 255, rgb[2]))
-      return false;
-    plat::testing::drain();
-    plat::u32 const pel =
-        plat::testing::pel(viewer_.window(), {static_cast<plat::i32>(x), static_cast<plat::i32>(y)});
-    long const seen[3] = {static_cast<long>(pel >> 16 & 255), static_cast<long>(pel >> 8 & 255),
-                          static_cast<long>(pel & 255)};
-    if (!std::equal(seen, seen + 3, rgb)) {
-      errors_ << "krsview: script line " << number << ": pel " << x << " " << y << " is " << seen[0] << " " << seen[1]
-              << " " << seen[2] << ", expected " << rgb[0] << " " << rgb[1] << " " << rgb[2] << "\n";
-      status = notMet;
-    }
-    return true;
-  }
-  if (what == "shot") {
-    if (words.size() != 2)
-      return false;
-    plat::testing::drain();
-    if (std::string const error = viewer_.writeShot(words[1]); !error.empty()) {
-      errors_ << "krsview: script line " << number << ": " << error << "\n";
-      status = cannotWrite;
-    }
-    return true;
-  }
-  if (what == "lose" && words.size() == 1) {
-    plat::testing::lose(viewer_.view());
-    plat::platform().windows.invalidate(viewer_.view(), nullptr, false);
-    return true;
-  }
-  if (what == "info" && words.size() == 1) {
-    plat::testing::drain();
-    out_ << viewer_.info() << std::endl;
-    return true;
-  }
-  return false;
+  return true;
+}
+
+bool ccViewScript::info_(cs_Given& given)
+{
+  if (given.words.size() != 1)
+    return false;
+  plat::testing::drain();
+  out_ << viewer_.info() << std::endl;
+  return true;
 }

@@ -5,7 +5,7 @@
 #include <new>
 
 KRS_DEFINE_EXCEPTION_FAMILY(cc_CacheMap::Errors, ccExceptionWithString)
-KRS_DEFINE_EXCEPTION(cc_CacheMap::InvalidColorMap, cc_CacheMap::Errors, 0x10004514)
+KRS_DEFINE_EXCEPTION(cc_CacheMap::InvalidColorMap, cc_CacheMap::Errors)
 
 namespace {
 

@@ -15,7 +15,7 @@ public:
   public:
     using ccExceptionWithString::ccExceptionWithString;
   };
-  // A map that is missing or has a wrong number of entries. Number 0x10004514.
+  // A map that is missing or has a wrong number of entries.
   class InvalidColorMap : public Errors {
     KRS_EXCEPTION
   public:

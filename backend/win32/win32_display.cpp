@@ -11,7 +11,7 @@
 
 #include <algorithm>
 
-KRS_DEFINE_EXCEPTION(ccWin32Display::OverlayLayerNotEnabled, ccException, 0x10004512)
+KRS_DEFINE_EXCEPTION(ccWin32Display::OverlayLayerNotEnabled, ccException)
 
 namespace {
 

@@ -494,6 +494,15 @@ TEST(KrsviewScript, anUnknownLineEndsWithStatusFourAndItsNumber)
   }
 }
 
+TEST(KrsviewScript, aKnownWordWithWrongWordsBehindItIsToldWithItsForm)
+{
+  TestFolder const folder;
+  std::string const image = greyFile(folder, 10, 10);
+  EXPECT_EQ(script(folder, "press left 3\n", {image}).err,
+            "krsview: script line 1 is not understood: press left 3 (press left|middle|right X Y [shift] [ctrl])\n");
+  EXPECT_EQ(script(folder, "\nlose it\n", {image}).err, "krsview: script line 2 is not understood: lose it (lose)\n");
+}
+
 TEST(KrsviewScript, depthsOf15And16ShowChannelsWithLowBitsZero)
 {
   TestFolder const folder;

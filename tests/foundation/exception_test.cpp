@@ -31,8 +31,8 @@ public:
 };
 
 KRS_DEFINE_EXCEPTION_FAMILY(TestErrors::Errors, ccException)
-KRS_DEFINE_EXCEPTION(TestErrors::Leaf, TestErrors::Errors, 0x10000997)
-KRS_DEFINE_EXCEPTION(TestErrors::Thrower, ccException, 0x10000998)
+KRS_DEFINE_NUMBERED_EXCEPTION_(TestErrors::Leaf, TestErrors::Errors, 0x10000F01)
+KRS_DEFINE_NUMBERED_EXCEPTION_(TestErrors::Thrower, ccException, 0x10000F02)
 
 struct cs_Row {
   char const* name;

@@ -11,7 +11,7 @@
 #include <algorithm>
 #include <cmath>
 
-KRS_DEFINE_EXCEPTION(ccDisplay::BadFifo, ccException, 0x10004518)
+KRS_DEFINE_EXCEPTION(ccDisplay::BadFifo, ccException)
 
 ccDisplay::ccDisplay(ccUIFrame* parent, ccUIRect const& r) : ccUIControlFrame(parent, r)
 {
