@@ -1,10 +1,8 @@
 // Hands and eyes for tests: messages as the system would send them, and the pels as shown. On the windows' thread.
 #pragma once
 
+#include "platform/device_testing.h"  // lost surfaces, overlays, planned failures
 #include "platform/types.h"
-#ifndef _WIN32
-#include "platform/portable/device_testing.h"  // lost surfaces, overlays, planned failures
-#endif
 
 #include <functional>
 #include <string>

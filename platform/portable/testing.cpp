@@ -1,7 +1,7 @@
 #include "platform/testing.h"
 
-#include "platform/portable/core.h"
-#include "platform/portable/menus.h"
+#include "platform/portable/windows/core.h"
+#include "platform/portable/windows/menus.h"
 
 namespace plat::testing {
 namespace {
