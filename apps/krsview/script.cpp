@@ -2,6 +2,7 @@
 
 #include "apps/common/error_line.h"
 #include "platform/app.h"
+#include "platform/messages.h"
 #include "platform/testing.h"
 #include "platform/window.h"
 
@@ -14,10 +15,6 @@
 #include <sstream>
 
 namespace {
-
-constexpr unsigned kShift = 4, kControl = 8, kAlt = 32;
-constexpr unsigned kCommand = 273, kHScroll = 276, kVScroll = 277;
-constexpr int kWheelNotch = 120;
 
 constexpr std::size_t kLongestLine = 8192;
 
@@ -46,25 +43,31 @@ bool cf_position(std::vector<std::string> const& words, std::size_t at, long& x,
 
 unsigned cf_button(std::string const& name)
 {
-  return name == "left" ? 1u : name == "right" ? 2u : name == "middle" ? 16u : 0u;
+  return name == "left"     ? plat::held::left
+         : name == "right"  ? plat::held::right
+         : name == "middle" ? plat::held::middle
+                            : 0u;
 }
 
 // A virtual key by name: one letter or digit, F1 to F24, or a word.
 unsigned cf_keyCode(std::string name)
 {
   std::transform(name.begin(), name.end(), name.begin(), [](char c) { return static_cast<char>(std::tolower(c)); });
+  namespace key = plat::key;
   static std::map<std::string, unsigned> const words = {
-      {"backspace", 8}, {"tab", 9},    {"enter", 13},    {"return", 13}, {"shift", 16}, {"ctrl", 17},  {"control", 17},
-      {"alt", 18},      {"pause", 19}, {"capslock", 20}, {"escape", 27}, {"space", 32}, {"pageup", 33}, {"pagedown", 34},
-      {"end", 35},      {"home", 36},  {"left", 37},     {"up", 38},     {"right", 39}, {"down", 40},  {"insert", 45},
-      {"delete", 46},   {"help", 47}};
+      {"backspace", key::backspace}, {"tab", key::tab}, {"enter", key::enter}, {"return", key::enter},
+      {"shift", key::shift}, {"ctrl", key::control}, {"control", key::control}, {"alt", key::alt},
+      {"pause", key::pause}, {"capslock", key::capsLock}, {"escape", key::escape}, {"space", key::space},
+      {"pageup", key::pageUp}, {"pagedown", key::pageDown}, {"end", key::end}, {"home", key::home},
+      {"left", key::left}, {"up", key::up}, {"right", key::right}, {"down", key::down}, {"insert", key::insert},
+      {"delete", key::remove}, {"help", key::help}};
   if (auto const found = words.find(name); found != words.end())
     return found->second;
   if (name.size() == 1 && std::isalnum(static_cast<unsigned char>(name[0])))
     return static_cast<unsigned>(std::toupper(static_cast<unsigned char>(name[0])));
   long number = 0;
   if (name.size() > 1 && name[0] == 'f' && cf_whole(name.substr(1), 1, 24, number))
-    return static_cast<unsigned>(111 + number);
+    return static_cast<unsigned>(number) - 1 + key::f1;
   return 0;
 }
 
@@ -152,7 +155,7 @@ bool ccViewScript::pointer_(std::vector<std::string> const& words)
       return false;
     plat::Point const screen = plat::platform().windows.clientToScreen(
         viewer_.window(), {static_cast<plat::i32>(x), static_cast<plat::i32>(y)});
-    plat::testing::wheel(screen, static_cast<int>(notches) * kWheelNotch, mods_);
+    plat::testing::wheel(screen, static_cast<int>(notches) * plat::msg::wheelNotch, mods_);
     return true;
   }
   bool const press = words[0] == "press", release = words[0] == "release", twice = words[0] == "double";
@@ -164,9 +167,9 @@ bool ccViewScript::pointer_(std::vector<std::string> const& words)
   unsigned mods = 0;
   for (std::size_t i = 4; i < words.size(); ++i) {
     if (words[i] == "shift")
-      mods |= kShift;
+      mods |= plat::held::shift;
     else if (words[i] == "ctrl")
-      mods |= kControl;
+      mods |= plat::held::control;
     else
       return false;
   }
@@ -203,7 +206,10 @@ bool ccViewScript::key_(std::vector<std::string> const& words)
   if (code == 0)
     return false;
   bool const down = words[1] == "down";
-  unsigned const mod = code == 16 ? kShift : code == 17 ? kControl : code == 18 ? kAlt : 0;
+  unsigned const mod = code == plat::key::shift     ? plat::held::shift
+                       : code == plat::key::control ? plat::held::control
+                       : code == plat::key::alt     ? plat::held::alt
+                                                    : 0u;
   mods_ = down ? mods_ | mod : mods_ & ~mod;
   plat::testing::key(code, down, mods_);
   return true;
@@ -245,7 +251,7 @@ bool ccViewScript::other_(std::vector<std::string> const& words, Status& status,
     if (words.size() < 3 || words.size() > 4 || (words[1] != "horz" && words[1] != "vert") ||
         !cf_whole(words[2], 0, 8, code) || (words.size() == 4 && !cf_whole(words[3], 0, 65535, position)))
       return false;
-    plat::testing::send(viewer_.view(), words[1] == "horz" ? kHScroll : kVScroll,
+    plat::testing::send(viewer_.view(), words[1] == "horz" ? plat::msg::hScroll : plat::msg::vScroll,
                         static_cast<plat::WParam>(code | position << 16), 0);
     return true;
   }
@@ -253,7 +259,7 @@ bool ccViewScript::other_(std::vector<std::string> const& words, Status& status,
     long id = 0;
     if (words.size() != 2 || !cf_whole(words[1], 0, 65535, id))
       return false;
-    plat::testing::send(viewer_.view(), kCommand, static_cast<plat::WParam>(id), 0);
+    plat::testing::send(viewer_.view(), plat::msg::command, static_cast<plat::WParam>(id), 0);
     return true;
   }
   if (what == "expect") {

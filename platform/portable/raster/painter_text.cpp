@@ -1,4 +1,5 @@
 // Text of the painter over memory.
+#include "platform/messages.h"
 #include "platform/portable/raster/glyphs.h"
 #include "platform/portable/raster/graphics_objects.h"
 #include "platform/portable/raster/painter.h"
@@ -15,7 +16,6 @@ namespace {
 
 using i64 = std::int64_t;
 
-constexpr unsigned centre = 1, right = 2, noClip = 0x100, calculate = 0x400, noPrefix = 0x800;
 
 // Takes the first line off the text; a break at the very end makes no further line.
 std::string_view takeLine(std::string_view& text)
@@ -146,9 +146,9 @@ Size MemPainter::textExtentNow(std::string_view text)
 int MemPainter::drawTextNow(std::string_view text, Rect& rect, unsigned flags)
 {
   FontFace& one = face();
-  bool const prefixes = !(flags & noPrefix);
+  bool const prefixes = !(flags & text::noPrefix);
   i32 const lineHeight = one.ascent() + one.descent();
-  if (!window_ && !textOpaque_ && block_.depth == 32 && !(flags & calculate) &&
+  if (!window_ && !textOpaque_ && block_.depth == 32 && !(flags & text::calculateOnly) &&
       text.find('\n') == std::string_view::npos) {
     if (greyFont_ && !keyed_)
       stampLine<CoverTile>(text, rect, flags, rowKernels().blend);
@@ -156,7 +156,7 @@ int MemPainter::drawTextNow(std::string_view text, Rect& rect, unsigned flags)
       stampLine<BitTile>(text, rect, flags, rowKernels().stamp);
     return text.empty() ? 0 : lineHeight;
   }
-  bool const measured = textOpaque_ || (flags & (centre | right | calculate));
+  bool const measured = textOpaque_ || (flags & (text::center | text::right | text::calculateOnly));
   i32 height = 0, widest = 0;
   lines_.clear();
   while (!text.empty()) {
@@ -166,7 +166,7 @@ int MemPainter::drawTextNow(std::string_view text, Rect& rect, unsigned flags)
     widest = std::max(widest, width);
     height = std::min(height + lineHeight, farthestPel);
   }
-  if (flags & calculate) {
+  if (flags & text::calculateOnly) {
     rect.right = static_cast<i32>(std::min<i64>(i64{rect.left} + widest, std::numeric_limits<i32>::max()));
     rect.bottom = static_cast<i32>(std::min<i64>(i64{rect.top} + height, std::numeric_limits<i32>::max()));
     return height;
@@ -177,16 +177,16 @@ int MemPainter::drawTextNow(std::string_view text, Rect& rect, unsigned flags)
   i64 y = rect.top;
   for (TextLine const& line : lines_) {
     i64 x = rect.left;
-    if (flags & centre)
+    if (flags & text::center)
       x = (i64{rect.left} + rect.right - line.width) >> 1;
-    else if (flags & right)
+    else if (flags & text::right)
       x = i64{rect.right} - line.width;
     placeLine(line, {static_cast<i32>(std::clamp<i64>(x, -farthestPel, farthestPel)),
                      static_cast<i32>(std::clamp<i64>(y, -farthestPel, farthestPel))},
               prefixes, grey);
     y += lineHeight;
   }
-  Rect const limit = flags & noClip ? Rect{-farthestPel, -farthestPel, farthestPel, farthestPel} : deviceRect(rect);
+  Rect const limit = flags & text::noClip ? Rect{-farthestPel, -farthestPel, farthestPel, farthestPel} : deviceRect(rect);
   paintText(limit, grey);
   return height;
 }
@@ -257,17 +257,17 @@ void MemPainter::stampLine(std::string_view text, Rect const& rect, unsigned fla
 {
   constexpr bool grey = std::is_same_v<Tile, CoverTile>;
   FontFace& one = *face_;
-  bool const prefixes = !(flags & noPrefix);
+  bool const prefixes = !(flags & text::noPrefix);
   i64 left = rect.left;
-  if (flags & centre)
+  if (flags & text::center)
     left = (left + rect.right - widthOf(one, text, prefixes)) >> 1;
-  else if (flags & right)
+  else if (flags & text::right)
     left = i64{rect.right} - widthOf(one, text, prefixes);
   Point const start = device({static_cast<i32>(std::clamp<i64>(left, -farthestPel, farthestPel)),
                               std::clamp(rect.top, -farthestPel, farthestPel)});
   Rect const whole{-farthestPel, -farthestPel, farthestPel, farthestPel};
-  Rect const limit = flags & noClip ? whole : deviceRect(rect);
-  Rect const clip = flags & noClip ? clipBox() : intersection(limit, clipBox());
+  Rect const limit = flags & text::noClip ? whole : deviceRect(rect);
+  Rect const clip = flags & text::noClip ? clipBox() : intersection(limit, clipBox());
   u32 const value = rgbOf(textColor_);
   bool const counted = counts();
   Tiles<Tile> tiles(kernel, block_.pitch, value);

@@ -31,7 +31,7 @@ std::span<PaletteEntry const, 256> screenPalette();
 bool headless();  // no wall clock: nothing waits for the screen's next picture
 
 // At screen depth 8: writes entries 10 to 245 of the given palette into the screen's (shorter ones as far as they go),
-// presents everything when one changed, and posts 785 to the top-level windows other than the sender's. The count of
+// presents everything when one changed, and posts msg::paletteChanged to the top-level windows other than the sender's. The count of
 // entries changed; 0 at other depths. Any thread.
 unsigned writeScreenPalette(HWND sender, std::span<PaletteEntry const>);
 

@@ -1,5 +1,6 @@
 #include "platform/portable/windows/core.h"
 
+#include "platform/messages.h"
 #include "platform/portable/windows/menus.h"
 #include "platform/portable/windows/null_video.h"
 
@@ -10,9 +11,6 @@
 
 namespace plat::portable {
 namespace {
-
-constexpr unsigned paintMessage = 15, closeMessage = 16, setCursorMessage = 32, timerMessage = 275, wheelMessage = 522,
-                   displayChangeMessage = 126;
 
 // A procedure that posts to itself on and on must not keep a round from ending.
 constexpr int maxStepsPerRound = 4096;
@@ -153,7 +151,7 @@ std::deque<Core::Posted> Core::take(Ptr<Video> video)
   palette_ = &*palettes_.insert(first).first;
   started_ = true;
   lock.unlock();
-  arrow_ = loadCursor(600);
+  arrow_ = loadCursor(cursor::arrow);
   menus().forgetAnswers();
   return dropped;
 }
@@ -302,13 +300,13 @@ LResult Core::defaultProc(HWND window, unsigned message, WParam wParam, LParam l
 {
   Core& core = instance();
   switch (message) {
-  case paintMessage:
+  case msg::paint:
     core.validate(window, nullptr);
     return 0;
-  case closeMessage:
+  case msg::close:
     core.destroy(window);
     return 0;
-  case setCursorMessage: {
+  case msg::setCursor: {
     Lock lock(core.mutex_);
     Window const* const w = core.tree_.find(window);
     HCURSOR const cursor = w ? w->cursor : HCURSOR{};
@@ -316,7 +314,7 @@ LResult Core::defaultProc(HWND window, unsigned message, WParam wParam, LParam l
     core.setCursor(cursor);
     return 0;
   }
-  case wheelMessage:
+  case msg::wheel:
     return core.send(core.parent(window), message, wParam, lParam);
   default:
     return 0;
@@ -462,7 +460,7 @@ bool Core::stepTimer()
   if (due.call)
     due.call();
   else
-    deliver(due.window, timerMessage, due.id, 0);
+    deliver(due.window, msg::timer, due.id, 0);
   return true;
 }
 
@@ -570,9 +568,8 @@ unsigned Core::realize(HWND window, std::span<PaletteEntry const> colors)
         others.push_back(top->handle);
   }
   callWhenOnUi([this] { presentAll(/*whole=*/true); });
-  constexpr unsigned paletteChangedMessage = 785;
   for (HWND other : others)
-    postMessage(other, paletteChangedMessage, reinterpret_cast<WParam>(window), 0);
+    postMessage(other, msg::paletteChanged, reinterpret_cast<WParam>(window), 0);
   return count;
 }
 
@@ -595,7 +592,7 @@ void Core::changeScreen(Size screen, int depth)
       tree_.invalidateTree(*w, {0, 0, w->rect.width(), w->rect.height()});
   }
   for (HWND top : tops)
-    deliver(top, displayChangeMessage, static_cast<WParam>(depth), static_cast<LParam>(screen.h << 16 | screen.w));
+    deliver(top, msg::displayChange, static_cast<WParam>(depth), static_cast<LParam>(screen.h << 16 | screen.w));
 }
 
 }  // namespace plat::portable

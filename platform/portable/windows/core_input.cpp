@@ -1,4 +1,5 @@
 // Input: from pointer and keys to messages in their order; capture, clip, cursors.
+#include "platform/messages.h"
 #include "platform/portable/windows/attempts.h"
 #include "platform/portable/windows/core.h"
 #include "platform/portable/windows/menus.h"
@@ -9,15 +10,6 @@
 namespace plat::portable {
 namespace {
 
-constexpr unsigned setCursorMessage = 32, closeMessage = 16, keyDownMessage = 256, keyUpMessage = 257,
-                   charMessage = 258, systemKeyDownMessage = 260, systemKeyUpMessage = 261, moveMessage = 512,
-                   leftDownMessage = 513, rightDownMessage = 516, middleDownMessage = 519, wheelMessage = 522,
-                   captureChangedMessage = 533;
-constexpr unsigned leftButton = 1, rightButton = 2, shiftKey = 4, controlKey = 8, middleButton = 16, altKey = 32;
-constexpr unsigned mouseBits = leftButton | rightButton | shiftKey | controlKey | middleButton;
-constexpr unsigned altVirtualKey = 18, closeItem = 61536;
-constexpr LParam contextBit = LParam(1) << 29, repeatBit = LParam(1) << 30, releaseBit = LParam(1) << 31;
-
 constexpr std::uint64_t doubleClickMs = 500;
 constexpr i32 doubleClickDistance = 2;
 
@@ -25,7 +17,7 @@ LParam packed(Point p) { return static_cast<LParam>(u32(static_cast<u16>(p.y)) <
 
 unsigned downMessage(unsigned button)
 {
-  return button == leftButton ? leftDownMessage : button == rightButton ? rightDownMessage : middleDownMessage;
+  return button == held::left ? msg::leftDown : button == held::right ? msg::rightDown : msg::middleDown;
 }
 
 }  // namespace
@@ -53,7 +45,7 @@ void Core::pointer(HWND top, Point at, unsigned buttons, unsigned mods, int clic
   input.kind = Input::Kind::pointer;
   input.top = top;
   input.at = at;
-  input.buttons = buttons & (leftButton | rightButton | middleButton);
+  input.buttons = buttons & (held::left | held::right | held::middle);
   input.mods = mods;
   input.clicks = clicks;
   {
@@ -194,8 +186,8 @@ void Core::handle(Input const& input)
   case Input::Kind::character:
     return handleCharacter(input);
   case Input::Kind::close:
-    if (HMENU const menu = systemMenu(input.top); !menu || menus().enabled(menu, closeItem))
-      deliver(input.top, closeMessage, 0, 0);
+    if (HMENU const menu = systemMenu(input.top); !menu || menus().enabled(menu, menu::closeItem))
+      deliver(input.top, msg::close, 0, 0);
     return;
   case Input::Kind::size: {
     Rect const now = windowRect(input.top);
@@ -250,7 +242,7 @@ void Core::handlePointer(Input const& input)
     moved = at != pointer_;
     pressed = input.buttons & ~buttons_;
     released = buttons_ & ~input.buttons;
-    bits = (buttons_ | input.mods) & mouseBits;
+    bits = (buttons_ | input.mods) & held::messageBits;
     pointer_ = at;
     buttons_ = input.buttons;
     mods_ = input.mods;
@@ -259,8 +251,8 @@ void Core::handlePointer(Input const& input)
     return grabs_.back()->pointer(at, pressed, released);
   Attempts all;
   if (moved)
-    all.run([&] { mouseMessage(input.top, moveMessage, at, bits); });
-  for (unsigned button : {leftButton, rightButton, middleButton}) {
+    all.run([&] { mouseMessage(input.top, msg::mouseMove, at, bits); });
+  for (unsigned button : {held::left, held::right, held::middle}) {
     if (pressed & button) {
       bits |= button;
       all.run([&] {
@@ -270,7 +262,7 @@ void Core::handlePointer(Input const& input)
     }
     if (released & button) {
       bits &= ~button;
-      all.run([&] { mouseMessage(input.top, downMessage(button) + 1, at, bits); });
+      all.run([&] { mouseMessage(input.top, downMessage(button) + (msg::leftUp - msg::leftDown), at, bits); });
     }
   }
   all.finish();
@@ -295,7 +287,7 @@ unsigned Core::pressMessage(HWND top, unsigned button, Point at, int clicks)
   }
   if (root)
     activate(root);
-  return downMessage(button) + (clicks % 2 == 0 ? 2 : 0);
+  return downMessage(button) + (clicks % 2 == 0 ? msg::leftDouble - msg::leftDown : 0);
 }
 
 void Core::mouseMessage(HWND top, unsigned message, Point at, unsigned bits)
@@ -308,11 +300,11 @@ void Core::mouseMessage(HWND top, unsigned message, Point at, unsigned bits)
     Rect const client = clientRect(window);
     if (!contains(client, {at.x - origin.x, at.y - origin.y})) {
       setCursor(arrow_);
-      if (message == leftDownMessage || message == leftDownMessage + 2)
+      if (message == msg::leftDown || message == msg::leftDouble)
         pressOnBar(window, at, bits);
       return;
     }
-    deliver(window, setCursorMessage, reinterpret_cast<WParam>(window), static_cast<LParam>(message << 16 | 1));
+    deliver(window, msg::setCursor, reinterpret_cast<WParam>(window), static_cast<LParam>(message << 16 | 1));
     origin = clientToScreen(window, {});
   }
   deliver(window, message, bits, packed({at.x - origin.x, at.y - origin.y}));
@@ -326,11 +318,11 @@ void Core::handleWheel(Input const& input)
     Lock lock(mutex_);
     at = pointer_ = clipped(input.at);
     mods_ = input.mods;
-    bits = (buttons_ | input.mods) & mouseBits;
+    bits = (buttons_ | input.mods) & held::messageBits;
   }
   u32 const turn = u32(static_cast<u16>(input.turn)) << 16;
   if (grabs_.empty())
-    deliver(under(input.top, at), wheelMessage, turn | bits, packed(at));
+    deliver(under(input.top, at), msg::wheel, turn | bits, packed(at));
 }
 
 void Core::handleKey(Input const& input)
@@ -345,11 +337,11 @@ void Core::handleKey(Input const& input)
   if (!grabs_.empty())
     return grabs_.back()->key(input.key, input.on);
   // Together with Control, Alt is the key for a third set of characters and not a command.
-  bool const system = input.key == altVirtualKey || ((input.mods & altKey) && !(input.mods & controlKey));
+  bool const system = input.key == key::alt || ((input.mods & held::alt) && !(input.mods & held::control));
   unsigned const message =
-      input.on ? (system ? systemKeyDownMessage : keyDownMessage) : (system ? systemKeyUpMessage : keyUpMessage);
-  LParam const detail = 1 | ((input.mods & altKey) ? contextBit : 0) | (input.repeat || !input.on ? repeatBit : 0) |
-                        (input.on ? 0 : releaseBit);
+      input.on ? (system ? msg::systemKeyDown : msg::keyDown) : (system ? msg::systemKeyUp : msg::keyUp);
+  LParam const detail = 1 | ((input.mods & held::alt) ? msg::contextBit : 0) |
+                        (input.repeat || !input.on ? msg::repeatBit : 0) | (input.on ? 0 : msg::releaseBit);
   deliver(window, message, input.key, detail);
 }
 
@@ -363,7 +355,7 @@ void Core::handleCharacter(Input const& input)
     repeated = lastKeyRepeated_;
   }
   if (grabs_.empty())
-    deliver(window, charMessage, input.key, 1 | (repeated ? repeatBit : 0));
+    deliver(window, msg::character, input.key, 1 | (repeated ? msg::repeatBit : 0));
 }
 
 HWND Core::setCapture(HWND window)
@@ -386,7 +378,7 @@ HWND Core::setCapture(HWND window)
   if (former == window)
     return former;
   video_->capture(video);
-  deliver(former, captureChangedMessage, 0, reinterpret_cast<LParam>(window));
+  deliver(former, msg::captureChanged, 0, reinterpret_cast<LParam>(window));
   return former;
 }
 

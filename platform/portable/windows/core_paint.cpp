@@ -1,4 +1,5 @@
-// Pels: backings, what of them is visible, presenting, and the turn of messages 20 and 15.
+// Pels: backings, what of them is visible, presenting, and the turn of messages to erase and paint.
+#include "platform/messages.h"
 #include "platform/portable/raster/painter.h"
 #include "platform/portable/raster/pel_format.h"
 #include "platform/portable/windows/attempts.h"
@@ -8,8 +9,6 @@
 
 namespace plat::portable {
 namespace {
-
-constexpr unsigned paintMessage = 15, eraseMessage = 20;
 
 u32 shownColor(PelBlock const& block, Point at, PaletteView palette)
 {
@@ -187,7 +186,7 @@ bool Core::stepPaint()
       for (Window* w : list) {
         if (next || bars || glass)
           return;
-        if (!w->has(visibleStyle) || w->has(minimizedStyle))
+        if (!w->has(style::visible) || w->has(style::minimized))
           continue;
         if (w->glassDue && w->paintRound != round_)
           glass = w->handle;
@@ -225,11 +224,11 @@ bool Core::paint(HWND handle)
   Attempts all;
   if (erase) {
     HDC const dc = openWindowDC(handle);
-    all.run([&] { deliver(handle, eraseMessage, reinterpret_cast<WParam>(dc), 0); });
+    all.run([&] { deliver(handle, msg::eraseBackground, reinterpret_cast<WParam>(dc), 0); });
     if (dc)
       closeWindowDC(dc);
   }
-  all.run([&] { deliver(handle, paintMessage, 0, 0); });
+  all.run([&] { deliver(handle, msg::paint, 0, 0); });
   all.finish();
   return true;
 }

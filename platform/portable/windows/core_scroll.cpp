@@ -1,4 +1,5 @@
 // Scroll bars of windows: state, painting, and the mouse on them.
+#include "platform/messages.h"
 #include "platform/portable/raster/pel_format.h"
 #include "platform/portable/windows/attempts.h"
 #include "platform/portable/windows/core.h"
@@ -9,10 +10,6 @@
 namespace plat::portable {
 namespace {
 
-constexpr unsigned horizontalScrollMessage = 276;  // the vertical one is the next
-constexpr unsigned shiftKey = 4, controlKey = 8, leftButton = 1;
-constexpr unsigned lineLess = 0, lineMore = 1, pageLess = 2, pageMore = 3, thumbPosition = 4, thumbTrack = 5,
-                   toStart = 6, toEnd = 7, endScroll = 8;
 constexpr unsigned firstRepeatMs = 400, repeatMs = 50;
 constexpr i32 minThumb = 8;
 
@@ -23,13 +20,13 @@ unsigned codeOf(BarPart part, unsigned mods)
 {
   switch (part) {
   case BarPart::lineLess:
-    return (mods & controlKey) ? toStart : lineLess;
+    return (mods & held::control) ? scroll::toStart : scroll::lineLess;
   case BarPart::lineMore:
-    return (mods & controlKey) ? toEnd : lineMore;
+    return (mods & held::control) ? scroll::toEnd : scroll::lineMore;
   case BarPart::pageLess:
-    return pageLess;
+    return scroll::pageLess;
   default:
-    return pageMore;
+    return scroll::pageMore;
   }
 }
 
@@ -111,7 +108,7 @@ public:
     Attempts all;
     if (part_ == BarPart::thumb)
       all.run([&] { drag(screen); });
-    if ((released & leftButton) && !over_)
+    if ((released & held::left) && !over_)
       all.run([&] { finish(); });
     all.finish();
   }
@@ -121,7 +118,7 @@ public:
 private:
   void send(unsigned code, i32 pos)
   {
-    unsigned const message = horizontalScrollMessage + static_cast<unsigned>(bar_);
+    unsigned const message = msg::hScroll + static_cast<unsigned>(bar_);
     core_.deliver(window_, message, u32(static_cast<u16>(pos)) << 16 | code, 0);
   }
 
@@ -133,10 +130,10 @@ private:
     if (!w || !w->bars[bar_].shown())
       return nullptr;
     Rect const area = shifted(WindowTree::barRect(*w, bar_), WindowTree::originOnScreen(*w));
-    along = bar_ == 0 ? screen.x - area.left : screen.y - area.top;
+    along = bar_ == bar::horizontal ? screen.x - area.left : screen.y - area.top;
     inside_ =
-        bar_ == 0 ? screen.y >= area.top && screen.y < area.bottom : screen.x >= area.left && screen.x < area.right;
-    return std::make_unique<ScrollLayout>(w->bars[bar_], bar_ == 0 ? area.width() : area.height());
+        bar_ == bar::horizontal ? screen.y >= area.top && screen.y < area.bottom : screen.x >= area.left && screen.x < area.right;
+    return std::make_unique<ScrollLayout>(w->bars[bar_], bar_ == bar::horizontal ? area.width() : area.height());
   }
 
   void drag(Point screen)
@@ -152,7 +149,7 @@ private:
     pos_ = pos;
     hold(true);
     if (!first || pos != formerPos_)
-      send(thumbTrack, pos);
+      send(scroll::thumbTrack, pos);
   }
 
   void hold(bool on)
@@ -195,9 +192,9 @@ private:
     Attempts all;
     if (part_ == BarPart::thumb) {
       hold(false);
-      all.run([&] { send(thumbPosition, pos_); });
+      all.run([&] { send(scroll::thumbPosition, pos_); });
     }
-    all.run([&] { send(endScroll, 0); });
+    all.run([&] { send(scroll::endScroll, 0); });
     all.finish();
   }
 
@@ -228,12 +225,12 @@ bool Core::pressOnBar(HWND window, Point screen, unsigned mods)
       Rect const area = shifted(WindowTree::barRect(*w, bar), origin);
       if (!contains(area, screen) || w->bars[bar].disabled)
         continue;
-      i32 const along = bar == 0 ? screen.x - area.left : screen.y - area.top;
-      ScrollLayout const layout(w->bars[bar], bar == 0 ? area.width() : area.height());
+      i32 const along = bar == bar::horizontal ? screen.x - area.left : screen.y - area.top;
+      ScrollLayout const layout(w->bars[bar], bar == bar::horizontal ? area.width() : area.height());
       hit = bar;
       part = layout.part(along);
       grip = along - layout.thumbStart();
-      if ((mods & shiftKey) && (part == BarPart::pageLess || part == BarPart::pageMore)) {
+      if ((mods & held::shift) && (part == BarPart::pageLess || part == BarPart::pageMore)) {
         part = BarPart::thumb;
         grip = layout.thumbLength() / 2;
       }
@@ -264,7 +261,7 @@ void Core::endTracking(HWND handle)
 
 void Core::changeBar(HWND window, int bar, bool redraw, std::function<void(ScrollBar&)> const& change)
 {
-  if (bar != 0 && bar != 1)
+  if (bar != bar::horizontal && bar != bar::vertical)
     return;
   bool resized;
   {
@@ -281,7 +278,7 @@ void Core::changeBar(HWND window, int bar, bool redraw, std::function<void(Scrol
     bool const shown = w->bars[bar].shown();
     resized = wasShown != shown;
     if (resized) {
-      u32 const bit = bar == 0 ? horizontalBarStyle : verticalBarStyle;
+      u32 const bit = bar == bar::horizontal ? style::hScroll : style::vScroll;
       w->style = shown ? w->style | bit : w->style & ~bit;
       tree_.changed();
       Region uncovered(WindowTree::clientRect(*w));
@@ -295,7 +292,7 @@ void Core::changeBar(HWND window, int bar, bool redraw, std::function<void(Scrol
   }
   Attempts all;
   if (resized)
-    all.run([&] { sendSize(window, 0); });
+    all.run([&] { sendSize(window, sized::restored); });
   if (redraw)
     paintBars(window);
   all.finish();
@@ -322,20 +319,19 @@ void Core::setScrollInfo(HWND window, int bar, ScrollInfo const& info, bool redr
 {
   if (!onUi())
     return post(window, [=, this] { setScrollInfo(window, bar, info, redraw); });
-  constexpr unsigned range = 1, page = 2, position = 4, disableUnneeded = 8;
   changeBar(window, bar, redraw, [&info](ScrollBar& b) {
-    if (info.mask & range) {
+    if (info.mask & scroll::range) {
       b.min = info.min;
       b.max = std::max(info.max, info.min);
     }
-    if (info.mask & page)
+    if (info.mask & scroll::page)
       b.page = info.page;
     b.page = static_cast<u32>(std::min<std::int64_t>(b.page, std::int64_t(b.max) - b.min + 1));
-    b.pos = std::clamp((info.mask & position) ? info.pos : b.pos, b.min, b.lastPos());
-    if (info.mask & (range | page | disableUnneeded)) {
+    b.pos = std::clamp((info.mask & scroll::position) ? info.pos : b.pos, b.min, b.lastPos());
+    if (info.mask & (scroll::range | scroll::page | scroll::disableUnneeded)) {
       bool const idle = b.lastPos() == b.min;
-      b.disabled = idle && (info.mask & disableUnneeded);
-      b.unneeded = idle && !(info.mask & disableUnneeded);
+      b.disabled = idle && (info.mask & scroll::disableUnneeded);
+      b.unneeded = idle && !(info.mask & scroll::disableUnneeded);
     }
   });
 }
@@ -382,7 +378,7 @@ void Core::paintBars(HWND window)
       Rect const& area = areas[bar];
       if (area.empty())
         continue;
-      bool const flat = bar == 0;
+      bool const flat = bar == bar::horizontal;
       ScrollLayout const layout(bars[bar], flat ? area.width() : area.height());
       auto const piece = [&](i32 from, i32 to) {
         return flat ? Rect{area.left + from, area.top, area.left + to, area.bottom}

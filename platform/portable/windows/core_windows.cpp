@@ -1,4 +1,5 @@
 // Windows: making, showing, moving and ending them, focus and activation, what must be painted.
+#include "platform/messages.h"
 #include "platform/portable/raster/painter.h"
 #include "platform/portable/windows/attempts.h"
 #include "platform/portable/windows/core.h"
@@ -8,12 +9,6 @@
 
 namespace plat::portable {
 namespace {
-
-constexpr unsigned createMessage = 1, destroyMessage = 2, moveMessage = 3, sizeMessage = 5, activateMessage = 6,
-                   setFocusMessage = 7, killFocusMessage = 8, showMessage = 24, destroyedMessage = 130,
-                   queryPaletteMessage = 783;
-constexpr int hideWindow = 0, showNormal = 1, showNoActivate = 4, showWindow = 5, minimizeWindow = 6, restoreWindow = 9;
-constexpr unsigned sizeRestored = 0, sizeMinimized = 1;
 
 WParam asParam(HWND window) { return reinterpret_cast<WParam>(window); }
 LParam asLParam(HWND window) { return reinterpret_cast<LParam>(window); }
@@ -28,13 +23,13 @@ bool Core::quiet(HWND handle)
 {
   Lock lock(mutex_);
   Window const* const w = tree_.find(handle);
-  return w && w->proc == &defaultProc && !w->has(visibleStyle) && !w->video && !w->backing && w->kids.empty() &&
+  return w && w->proc == &defaultProc && !w->has(style::visible) && !w->video && !w->backing && w->kids.empty() &&
          std::none_of(tree_.tops().begin(), tree_.tops().end(), [&](Window const* t) { return t->owner == handle; });
 }
 
 HWND Core::create(WindowDesc const& desc)
 {
-  if (!onUi() && (desc.proc || (desc.style & visibleStyle))) {
+  if (!onUi() && (desc.proc || (desc.style & style::visible))) {
     HWND made = {};
     callOnUi([&] { made = create(desc); });
     return made;
@@ -43,8 +38,8 @@ HWND Core::create(WindowDesc const& desc)
   Rect rect;
   {
     Lock lock(mutex_);
-    Window* const parent = (desc.style & childStyle) ? tree_.find(desc.parent) : nullptr;
-    if ((desc.style & childStyle) && (!parent || parent->dying || desc.parent == tree_.desktop()))
+    Window* const parent = (desc.style & style::child) ? tree_.find(desc.parent) : nullptr;
+    if ((desc.style & style::child) && (!parent || parent->dying || desc.parent == tree_.desktop()))
       return {};
     std::string title = desc.title;
     Window* const w = tree_.add(parent);
@@ -54,24 +49,24 @@ HWND Core::create(WindowDesc const& desc)
     w->owner = parent ? HWND{} : desc.parent;
     w->rect = rect = {desc.rect.left, desc.rect.top, std::max(desc.rect.right, desc.rect.left),
                       std::max(desc.rect.bottom, desc.rect.top)};
-    w->style = desc.style & ~visibleStyle;
+    w->style = desc.style & ~style::visible;
     w->exStyle = desc.exStyle;
     w->id = desc.id;
     w->title = std::move(title);
     w->proc = desc.proc ? desc.proc : &defaultProc;
     w->cursor = arrow_;
-    w->bars[0].wanted = desc.style & horizontalBarStyle;
-    w->bars[1].wanted = desc.style & verticalBarStyle;
+    w->bars[0].wanted = desc.style & style::hScroll;
+    w->bars[1].wanted = desc.style & style::vScroll;
   }
   try {
-    if (deliver(handle, createMessage, 0, reinterpret_cast<LParam>(&desc)) == -1) {
+    if (deliver(handle, msg::create, 0, reinterpret_cast<LParam>(&desc)) == -1) {
       destroy(handle);
       return {};
     }
-    sendSize(handle, (desc.style & minimizedStyle) ? sizeMinimized : sizeRestored);
-    deliver(handle, moveMessage, 0, packed(rect.left, rect.top));
-    if (desc.style & visibleStyle)
-      show(handle, (desc.style & minimizedStyle) ? showNoActivate : showWindow);
+    sendSize(handle, (desc.style & style::minimized) ? sized::minimized : sized::restored);
+    deliver(handle, msg::move, 0, packed(rect.left, rect.top));
+    if (desc.style & style::visible)
+      show(handle, (desc.style & style::minimized) ? show::noActivate : show::activate);
   } catch (...) {
     Attempts end;
     end.run([&] { destroy(handle); });
@@ -108,12 +103,12 @@ bool Core::destroy(HWND handle)
   return true;
 }
 
-// Message 2 goes from the parent to the kids, 130 the other way.
+// The first message goes from the parent to the kids, the last one the other way.
 void Core::destroyRecord(HWND handle)
 {
   Attempts all;
   all.run([&] { leave(handle); });
-  all.run([&] { deliver(handle, destroyMessage, 0, 0); });
+  all.run([&] { deliver(handle, msg::destroy, 0, 0); });
   for (;;) {
     HWND kid = {};
     {
@@ -130,7 +125,7 @@ void Core::destroyRecord(HWND handle)
       break;
     all.run([&] { destroyRecord(kid); });
   }
-  all.run([&] { deliver(handle, destroyedMessage, 0, 0); });
+  all.run([&] { deliver(handle, msg::destroyed, 0, 0); });
   endTracking(handle);
 
   // The backing's lock makes sure that no painter still writes into memory that the video lent.
@@ -199,7 +194,7 @@ bool Core::visible(HWND handle)
   Window const* w = tree_.find(handle);
   if (!w)
     return false;
-  while (w && w->has(visibleStyle))
+  while (w && w->has(style::visible))
     w = w->parent;
   return !w;
 }
@@ -228,14 +223,14 @@ Rect Core::frameRect(Rect client, u32, bool menu, u32)
 int Core::metric(int index)
 {
   switch (index) {
-  case 0:
+  case metric::screenWidth:
     return screenSize().w;
-  case 1:
+  case metric::screenHeight:
     return screenSize().h;
-  case 2:
-  case 3:
+  case metric::vBarWidth:
+  case metric::hBarHeight:
     return barExtent;
-  case 15:
+  case metric::menuHeight:
     return menuHeight;
   default:
     return 0;
@@ -280,7 +275,7 @@ void Core::center(HWND handle)
 void Core::sendSize(HWND handle, unsigned kind)
 {
   Rect const client = clientRect(handle);
-  deliver(handle, sizeMessage, kind, packed(client.right, client.bottom));
+  deliver(handle, msg::size, kind, packed(client.right, client.bottom));
 }
 
 void Core::move(HWND handle, Rect const& wanted, bool tellVideo)
@@ -298,10 +293,10 @@ void Core::move(HWND handle, Rect const& wanted, bool tellVideo)
     w->rect = rect;
     tree_.changed();
     isTop = !w->parent;
-    minimized = w->has(minimizedStyle);
+    minimized = w->has(style::minimized);
     resized = old.width() != rect.width() || old.height() != rect.height();
     video = w->video.get();
-    if (w->parent && w->has(visibleStyle)) {
+    if (w->parent && w->has(style::visible)) {
       Point const origin = WindowTree::originInBacking(*w->parent);
       tree_.invalidateTree(*w->parent, shifted(old, origin));
       tree_.invalidateTree(*w, shifted(rect, origin));
@@ -318,9 +313,9 @@ void Core::move(HWND handle, Rect const& wanted, bool tellVideo)
   }
   Attempts all;
   if (old.left != rect.left || old.top != rect.top)
-    all.run([&] { deliver(handle, moveMessage, 0, packed(rect.left, rect.top)); });
+    all.run([&] { deliver(handle, msg::move, 0, packed(rect.left, rect.top)); });
   if (resized && !minimized)
-    all.run([&] { sendSize(handle, sizeRestored); });
+    all.run([&] { sendSize(handle, sized::restored); });
   all.finish();
 }
 
@@ -332,16 +327,16 @@ void Core::show(HWND handle, int how)
     Window const* const w = tree_.find(handle);
     return w && !w->parent && handle != tree_.desktop() ? handle : HWND{};
   }();
-  if (how == hideWindow)
+  if (how == show::hide)
     return setShown(handle, false);
-  if (how == minimizeWindow && top) {
+  if (how == show::minimize && top) {
     setShown(handle, true);
     return setMinimized(handle, true);
   }
-  if (top && (how == showNormal || how == restoreWindow))
+  if (top && (how == show::normal || how == show::restore))
     setMinimized(handle, false);
   setShown(handle, true);
-  if (top && how != showNoActivate)
+  if (top && how != show::noActivate)
     activate(top);
 }
 
@@ -352,7 +347,7 @@ void Core::setShown(HWND handle, bool shown)
   {
     Lock lock(mutex_);
     Window* const w = tree_.find(handle);
-    if (!w || w->has(visibleStyle) == shown || handle == tree_.desktop())
+    if (!w || w->has(style::visible) == shown || handle == tree_.desktop())
       return;
     isTop = !w->parent;
   }
@@ -363,7 +358,7 @@ void Core::setShown(HWND handle, bool shown)
     Window* const w = tree_.find(handle);
     if (!w)
       return;
-    w->style = shown ? w->style | visibleStyle : w->style & ~visibleStyle;
+    w->style = shown ? w->style | style::visible : w->style & ~style::visible;
     tree_.changed();
     video = w->video.get();
     Window& root = w->parent ? *w->parent : *w;
@@ -372,7 +367,7 @@ void Core::setShown(HWND handle, bool shown)
     tree_.invalidateTree(root, area);
   }
   Attempts all;
-  all.run([&] { deliver(handle, showMessage, shown, 0); });
+  all.run([&] { deliver(handle, msg::show, shown, 0); });
   if (isTop && video && isWindow(handle))
     video->show(shown, active() == handle);
   if (!shown)
@@ -386,9 +381,9 @@ void Core::setMinimized(HWND handle, bool minimized)
   {
     Lock lock(mutex_);
     Window* const w = tree_.find(handle);
-    if (!w || w->has(minimizedStyle) == minimized)
+    if (!w || w->has(style::minimized) == minimized)
       return;
-    w->style ^= minimizedStyle;
+    w->style ^= style::minimized;
     tree_.changed();
     video = w->video.get();
     if (!minimized)
@@ -397,7 +392,7 @@ void Core::setMinimized(HWND handle, bool minimized)
   if (video)
     video->minimize(minimized);
   Attempts all;
-  all.run([&] { sendSize(handle, minimized ? sizeMinimized : sizeRestored); });
+  all.run([&] { sendSize(handle, minimized ? sized::minimized : sized::restored); });
   if (minimized)
     all.run([&] { leave(handle); });
   all.finish();
@@ -422,7 +417,7 @@ void Core::leave(HWND handle)
     parent = w->parent ? w->parent->handle : HWND{};
     if (wasActive)
       for (Window const* top : tree_.tops())
-        if (top != w && top->has(visibleStyle) && !top->has(minimizedStyle)) {
+        if (top != w && top->has(style::visible) && !top->has(style::minimized)) {
           next = top->handle;
           break;
         }
@@ -458,10 +453,10 @@ void Core::activate(HWND top)
   if (video)
     video->raise();
   Attempts all;
-  all.run([&] { deliver(former, activateMessage, 0, asLParam(top)); });
+  all.run([&] { deliver(former, msg::activate, 0, asLParam(top)); });
   if (depth() == 8)
-    all.run([&] { deliver(top, queryPaletteMessage, 0, 0); });
-  all.run([&] { deliver(top, activateMessage, 1, asLParam(former)); });
+    all.run([&] { deliver(top, msg::queryNewPalette, 0, 0); });
+  all.run([&] { deliver(top, msg::activate, 1, asLParam(former)); });
   bool inside;
   {
     Lock lock(mutex_);
@@ -483,7 +478,7 @@ void Core::deactivate(HWND top)
     active_ = {};
   }
   Attempts all;
-  all.run([&] { deliver(top, activateMessage, 0, 0); });
+  all.run([&] { deliver(top, msg::activate, 0, 0); });
   all.run([&] { moveFocus({}); });
   all.finish();
 }
@@ -518,9 +513,9 @@ void Core::moveFocus(HWND handle)
     former = std::exchange(focus_, handle);
   }
   Attempts all;
-  all.run([&] { deliver(former, killFocusMessage, asParam(handle), 0); });
+  all.run([&] { deliver(former, msg::killFocus, asParam(handle), 0); });
   if (focus() == handle)
-    all.run([&] { deliver(handle, setFocusMessage, asParam(former), 0); });
+    all.run([&] { deliver(handle, msg::setFocus, asParam(former), 0); });
   all.finish();
 }
 
@@ -606,7 +601,7 @@ ScrollBar Core::scrollBar(HWND handle, int bar)
 {
   Lock lock(mutex_);
   Window const* const w = tree_.find(handle);
-  return w && (bar == 0 || bar == 1) ? w->bars[bar] : ScrollBar();
+  return w && (bar == bar::horizontal || bar == bar::vertical) ? w->bars[bar] : ScrollBar();
 }
 
 HCURSOR Core::cursorOf(HWND handle)
@@ -669,7 +664,7 @@ HWND Core::adopt(std::function<Ptr<VideoWindow>(HWND, Rect& screen)> const& make
   renewBacking(handle);
   Lock lock(mutex_);
   Window* const w = tree_.find(handle);
-  w->style |= visibleStyle;
+  w->style |= style::visible;
   tree_.changed();
   tree_.invalidateTree(*w, {0, 0, rect.width(), rect.height()});
   return handle;

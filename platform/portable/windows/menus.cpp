@@ -1,16 +1,11 @@
 #include "platform/portable/windows/menus.h"
 
+#include "platform/messages.h"
 #include "platform/portable/windows/core.h"
 
 #include <algorithm>
 
 namespace plat::portable {
-namespace {
-
-constexpr unsigned closeItem = 61536;
-
-}  // namespace
-
 Menus& menus()
 {
   static Menus* const all = new Menus;  // like the core, never destroyed
@@ -64,7 +59,7 @@ HMENU Menus::system(HWND window)
   HMENU menu = core.systemMenu(window);
   if (!menu) {
     std::unique_lock lock(mutex_);
-    menu = build({{closeItem, "&Close", {}}});
+    menu = build({{menu::closeItem, "&Close", {}}});
     lock.unlock();
     core.systemMenu(window, menu);
   }

@@ -1,4 +1,5 @@
 // Message boxes: a window in front of all others, served by a nested loop that serves every other window too.
+#include "platform/messages.h"
 #include "platform/portable/windows/attempts.h"
 #include "platform/portable/windows/menus.h"
 #include "platform/portable/windows/popup.h"
@@ -8,12 +9,7 @@
 namespace plat::portable {
 namespace {
 
-constexpr unsigned paintMessage = 15, eraseMessage = 20, closeMessage = 16, keyDownMessage = 256, moveMessage = 512,
-                   leftDownMessage = 513, leftUpMessage = 514, leftDoubleMessage = 515, captureChangedMessage = 533;
-constexpr unsigned tabKey = 9, returnKey = 13, escapeKey = 27, spaceKey = 32, leftKey = 37, rightKey = 39;
 constexpr i32 captionHeight = 22, margin = 14, buttonWidth = 76, buttonHeight = 24, gap = 8;
-constexpr unsigned centred = 1, noPrefix = 0x800;
-constexpr int okResult = 1, cancelResult = 2;
 
 struct Choice {
   int result;
@@ -22,19 +18,19 @@ struct Choice {
 
 std::vector<Choice> answersOf(unsigned flags)
 {
-  switch (flags & 15) {
-  case 1:
-    return {{1, "OK"}, {2, "Cancel"}};
-  case 2:
-    return {{3, "Abort"}, {4, "Retry"}, {5, "Ignore"}};
-  case 3:
-    return {{6, "Yes"}, {7, "No"}, {2, "Cancel"}};
-  case 4:
-    return {{6, "Yes"}, {7, "No"}};
-  case 5:
-    return {{4, "Retry"}, {2, "Cancel"}};
+  switch (flags & box::buttonBits) {
+  case box::okCancel:
+    return {{box::okChosen, "OK"}, {box::cancelled, "Cancel"}};
+  case box::abortRetryIgnore:
+    return {{box::aborted, "Abort"}, {box::retried, "Retry"}, {box::ignored, "Ignore"}};
+  case box::yesNoCancel:
+    return {{box::yes, "Yes"}, {box::no, "No"}, {box::cancelled, "Cancel"}};
+  case box::yesNo:
+    return {{box::yes, "Yes"}, {box::no, "No"}};
+  case box::retryCancel:
+    return {{box::retried, "Retry"}, {box::cancelled, "Cancel"}};
   default:
-    return {{1, "OK"}};
+    return {{box::okChosen, "OK"}};
   }
 }
 
@@ -44,7 +40,7 @@ class Box {
 public:
   Box(HWND owner, std::string const& text, std::string const& caption, unsigned flags)
       : text_(text), caption_(caption), answers_(answersOf(flags)),
-        focused_(std::min<std::size_t>(flags >> 8 & 15, answers_.size() - 1))
+        focused_(std::min<std::size_t>(flags >> box::defaultShift & box::buttonBits, answers_.size() - 1))
   {
     Size const body = textSize(text, /*prefix=*/false);
     i32 const buttons = static_cast<i32>(answers_.size()) * (buttonWidth + gap) - gap;
@@ -72,16 +68,16 @@ public:
   int cancelled() const
   {
     for (Choice const& answer : answers_)
-      if (answer.result == cancelResult)
-        return cancelResult;
-    return answers_.size() == 1 ? okResult : 0;
+      if (answer.result == box::cancelled)
+        return box::cancelled;
+    return answers_.size() == 1 ? box::okChosen : 0;
   }
 
   static LResult proc(HWND window, unsigned message, WParam wParam, LParam lParam)
   {
     for (Box* box : standing)
       if (box->window_ == window && box->take(message, wParam, lParam))
-        return message == eraseMessage;
+        return message == msg::eraseBackground;
     return Core::instance().callProc(nullptr, window, message, wParam, lParam);
   }
 
@@ -113,30 +109,30 @@ private:
   {
     Point const at{static_cast<std::int16_t>(lParam & 0xffff), static_cast<std::int16_t>(lParam >> 16 & 0xffff)};
     switch (message) {
-    case eraseMessage:
+    case msg::eraseBackground:
       return true;
-    case paintMessage:
+    case msg::paint:
       paint();
       return false;
-    case leftDownMessage:
-    case leftDoubleMessage:
+    case msg::leftDown:
+    case msg::leftDouble:
       press(at);
       return true;
-    case moveMessage:
+    case msg::mouseMove:
       drag(at);
       return true;
-    case leftUpMessage:
+    case msg::leftUp:
       release(at);
       return true;
-    case captureChangedMessage:
+    case msg::captureChanged:
       held_ = none;
       moving_ = false;
       redraw();
       return true;
-    case keyDownMessage:
+    case msg::keyDown:
       key(static_cast<unsigned>(wParam));
       return true;
-    case closeMessage:
+    case msg::close:
       answer(cancelled());
       return true;
     default:
@@ -167,7 +163,7 @@ private:
     HWND const host = core.parent(window_);
     Point const origin = host ? core.clientToScreen(host, {}) : Point{};
     Rect const place = shifted(core.windowRect(window_), {at.x - grip_.x - origin.x, at.y - grip_.y - origin.y});
-    core.place(window_, &place, -1);
+    core.place(window_, &place, show::keep);
   }
 
   void release(Point at)
@@ -183,16 +179,16 @@ private:
   {
     std::size_t const count = answers_.size();
     switch (virtualKey) {
-    case returnKey:
-    case spaceKey:
+    case key::enter:
+    case key::space:
       return answer(answers_[focused_].result);
-    case escapeKey:
+    case key::escape:
       return answer(cancelled());
-    case tabKey:
-    case rightKey:
+    case key::tab:
+    case key::right:
       focused_ = (focused_ + 1) % count;
       return redraw();
-    case leftKey:
+    case key::left:
       focused_ = (focused_ + count - 1) % count;
       return redraw();
     default:
@@ -209,17 +205,17 @@ private:
     painter->fillRect({1, 1, size_.w - 1, captionHeight}, PopupColors::caption);
     painter->textColors(PopupColors::captionText, 0, /*opaque=*/false);
     Rect caption{margin, 3, size_.w - margin, captionHeight};
-    painter->drawText(caption_, caption, noPrefix);
+    painter->drawText(caption_, caption, text::noPrefix);
     painter->textColors(PopupColors::text, 0, /*opaque=*/false);
     Rect body = textRect_;
-    painter->drawText(text_, body, noPrefix);
+    painter->drawText(text_, body, text::noPrefix);
     for (std::size_t i = 0; i < answers_.size(); ++i) {
       Rect const area = button(i);
       bool const down = held_ == i;
       frame3d(*painter, area, down ? PopupColors::faint : PopupColors::back,
               i == focused_ ? PopupColors::hot : PopupColors::edge);
       Rect label{area.left, area.top + 4, area.right, area.bottom};
-      painter->drawText(answers_[i].text, label, centred | noPrefix);
+      painter->drawText(answers_[i].text, label, text::center | text::noPrefix);
     }
   }
 

@@ -1,17 +1,11 @@
 #include "platform/portable/windows/popup.h"
 
+#include "platform/messages.h"
 #include "platform/portable/raster/painter.h"
 
 #include <algorithm>
 
 namespace plat::portable {
-namespace {
-
-constexpr u32 popupStyle = 0x80000000;
-constexpr unsigned calculateOnly = 0x400, noPrefix = 0x800;
-
-}  // namespace
-
 HWND popupHost(HWND owner, Size popup)
 {
   Core& core = Core::instance();
@@ -30,12 +24,12 @@ HWND openPopup(HWND host, Rect const& screen, MessageProc proc)
   Point const origin = host ? core.clientToScreen(host, {}) : Point{};
   WindowDesc desc;
   desc.parent = host;
-  desc.style = host ? childStyle : popupStyle;
+  desc.style = host ? style::child : style::popup;
   desc.rect = shifted(screen, {-origin.x, -origin.y});
   desc.proc = proc;
   HWND const window = core.create(desc);
   core.raiseTopmost(window);
-  core.place(window, nullptr, 4);
+  core.place(window, nullptr, show::noActivate);
   return window;
 }
 
@@ -52,7 +46,7 @@ Size textSize(std::string_view text, bool prefix)
   WindowPainter painter(Core::instance().desktop());
   Rect box;
   if (painter)
-    painter->drawText(text, box, calculateOnly | (prefix ? 0 : noPrefix));
+    painter->drawText(text, box, text::calculateOnly | (prefix ? 0u : text::noPrefix));
   return {box.width(), box.height()};
 }
 

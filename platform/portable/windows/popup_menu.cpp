@@ -1,4 +1,5 @@
 // Tracking of popup menus: a window for each open menu, and a grab on all input while they stand.
+#include "platform/messages.h"
 #include "platform/portable/windows/attempts.h"
 #include "platform/portable/windows/menus.h"
 #include "platform/portable/windows/popup.h"
@@ -8,8 +9,6 @@
 namespace plat::portable {
 namespace {
 
-constexpr unsigned paintMessage = 15, eraseMessage = 20, commandMessage = 273, initPopupMessage = 279;
-constexpr unsigned returnKey = 13, escapeKey = 27, leftKey = 37, upKey = 38, rightKey = 39, downKey = 40;
 constexpr i32 border = 2, itemHeight = 20, lineHeight = 8, markWidth = 22, rightMargin = 24;
 
 class MenuTracker final : public InputGrab {
@@ -60,29 +59,29 @@ public:
       return;
     std::size_t const depth = levels_.size() - 1;
     switch (virtualKey) {
-    case escapeKey:
+    case key::escape:
       if (depth == 0) {
         dismiss();
         return;
       }
       return closeTo(depth);
-    case leftKey:
+    case key::left:
       if (depth > 0)
         closeTo(depth);
       return;
-    case upKey:
+    case key::up:
       return step(depth, -1);
-    case downKey:
+    case key::down:
       return step(depth, 1);
-    case rightKey:
-    case returnKey:
+    case key::right:
+    case key::enter:
       if (levels_[depth].hot >= 0 && item(depth).popup) {
         setHot(depth, levels_[depth].hot);
         if (levels_.size() > depth + 1)
           step(depth + 1, 1);
         return;
       }
-      if (virtualKey == returnKey)
+      if (virtualKey == key::enter)
         choose(depth);
       return;
     default:
@@ -92,11 +91,11 @@ public:
 
   static LResult proc(HWND window, unsigned message, WParam wParam, LParam lParam)
   {
-    if (message == paintMessage && running)
+    if (message == msg::paint && running)
       for (Level const& level : running->levels_)
         if (level.window == window)
           running->paint(level);
-    if (message == eraseMessage)
+    if (message == msg::eraseBackground)
       return 1;
     return Core::instance().callProc(nullptr, window, message, wParam, lParam);
   }
@@ -171,7 +170,7 @@ private:
     dismissed_ = true;
     done_ = buttons_ == 0;
     for (Level const& level : levels_)
-      Core::instance().place(level.window, nullptr, 0);
+      Core::instance().place(level.window, nullptr, show::hide);
   }
 
   static int itemAt(Level const& level, Point screen)
@@ -200,7 +199,7 @@ private:
     if (!popup || !item(depth).enabled)
       return;
     HMENU const sub = item(depth).popup;
-    Core::instance().send(owner_, initPopupMessage, reinterpret_cast<WParam>(sub), index);
+    Core::instance().send(owner_, msg::initPopup, reinterpret_cast<WParam>(sub), index);
     // The owner may have run a loop of its own in which the menu went on.
     if (levels_.size() != depth + 1 || levels_[depth].hot != index || dismissed_ || menus().count(sub) < 0)
       return;
@@ -326,7 +325,7 @@ void Menus::track(HMENU menu, Point screen, HWND owner)
   }
   if (count(menu) < 0 || MenuTracker::running)
     return;
-  core.send(owner, initPopupMessage, reinterpret_cast<WParam>(menu), 0);
+  core.send(owner, msg::initPopup, reinterpret_cast<WParam>(menu), 0);
   if (count(menu) < 0 || MenuTracker::running)
     return;
   unsigned chosen = 0;
@@ -348,7 +347,7 @@ void Menus::track(HMENU menu, Point screen, HWND owner)
     chosen = 0;
   }
   if (chosen)
-    core.postMessage(owner, commandMessage, chosen, 0);
+    core.postMessage(owner, msg::command, chosen, 0);
 }
 
 }  // namespace plat::portable

@@ -36,8 +36,8 @@ public:
   virtual void send(std::span<Rect const>) = 0;
 };
 
-// Pointer, keys and windows as the machine reports them. Screen coordinates; buttons 1 left, 2 right, 16 middle; mods
-// 4 Shift, 8 Control, 32 Alt. Clicks counts the presses of a button in quick succession at one place; 0 lets the core
+// Pointer, keys and windows as the machine reports them. Screen coordinates; buttons and mods are bits of
+// held::Held in messages.h. Clicks counts the presses of a button in quick succession at one place; 0 lets the core
 // count. Events are queued and take their turn in the pump.
 class VideoSink {
 public:

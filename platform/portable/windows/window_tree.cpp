@@ -1,5 +1,7 @@
 #include "platform/portable/windows/window_tree.h"
 
+#include "platform/messages.h"
+
 #include <algorithm>
 
 namespace plat::portable {
@@ -29,7 +31,7 @@ WindowTree::WindowTree()
   auto record = std::make_unique<Window>();
   Window* const w = record.get();
   desktop_ = w->handle = table_.add(std::move(record));
-  w->style = visibleStyle;
+  w->style = style::visible;
 }
 
 Window* WindowTree::add(Window* parent)
@@ -98,14 +100,14 @@ bool WindowTree::isIn(Window const* inner, Window const& outer)
 bool WindowTree::shown(Window const& w)
 {
   for (Window const* up = &w; up; up = up->parent)
-    if (!up->has(visibleStyle) || up->has(minimizedStyle))
+    if (!up->has(style::visible) || up->has(style::minimized))
       return false;
   return true;
 }
 
 Rect WindowTree::clientRect(Window const& w)
 {
-  if (w.has(minimizedStyle))
+  if (w.has(style::minimized))
     return {};
   return {0, 0, std::max(w.rect.width() - (w.bars[1].shown() ? barExtent : 0), 0),
           std::max(w.rect.height() - (w.bars[0].shown() ? barExtent : 0), 0)};
@@ -113,10 +115,10 @@ Rect WindowTree::clientRect(Window const& w)
 
 Rect WindowTree::barRect(Window const& w, int bar)
 {
-  if (!w.bars[bar].shown() || w.has(minimizedStyle))
+  if (!w.bars[bar].shown() || w.has(style::minimized))
     return {};
   Rect const client = clientRect(w);
-  return bar == 0 ? Rect{0, client.bottom, client.right, w.rect.height()}
+  return bar == bar::horizontal ? Rect{0, client.bottom, client.right, w.rect.height()}
                   : Rect{client.right, 0, w.rect.width(), client.bottom};
 }
 
@@ -148,7 +150,7 @@ Region WindowTree::wholeVisible(Window const& w)
     for (Window const* sibling : parent.kids) {
       if (sibling == up)
         break;
-      if (sibling->has(visibleStyle))
+      if (sibling->has(style::visible))
         region.subtract(shifted(sibling->rect, origin));
     }
   }
@@ -163,7 +165,7 @@ std::shared_ptr<Region const> const& WindowTree::visibleClient(Window& w) const
   Point const origin = originInBacking(w);
   region.intersect(shifted(clientRect(w), origin));
   for (Window const* kid : w.kids)
-    if (kid->has(visibleStyle))
+    if (kid->has(style::visible))
       region.subtract(shifted(kid->rect, origin));
   w.visible = std::make_shared<Region const>(std::move(region));
   w.visibleVersion = version();
@@ -182,7 +184,7 @@ Window* WindowTree::hit(Window& top, Point screen)
     if (!contains(clientRect(*found), at))
       break;
     for (Window* kid : found->kids)
-      if (kid->has(visibleStyle) && !kid->has(disabledStyle) && contains(kid->rect, at)) {
+      if (kid->has(style::visible) && !kid->has(style::disabled) && contains(kid->rect, at)) {
         found = kid;
         deeper = true;
         break;

@@ -14,8 +14,6 @@
 
 namespace plat::portable {
 
-constexpr u32 childStyle = 0x40000000, visibleStyle = 0x10000000, minimizedStyle = 0x20000000,
-              disabledStyle = 0x08000000, verticalBarStyle = 0x00200000, horizontalBarStyle = 0x00100000;
 constexpr i32 barExtent = 16;  // width of a vertical, height of a horizontal scroll bar, length of its arrows
 constexpr i32 menuHeight = 20;  // of the bar of a frame window
 
@@ -44,8 +42,8 @@ struct Window {
   std::string title;
   MessageProc proc = {};
   HCURSOR cursor = {};
-  Region update;        // client pels that await a 15
-  bool eraseDue = false;  // and a 20 before it
+  Region update;        // client pels that await msg::paint
+  bool eraseDue = false;  // and msg::eraseBackground before it
   ScrollBar bars[2];    // horizontal, vertical
   bool barsDue = false;  // they await painting
   bool glassDue = false;  // there was no memory for the backing

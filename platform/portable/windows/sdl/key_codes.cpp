@@ -1,11 +1,11 @@
 #include "platform/portable/windows/sdl/key_codes.h"
 
+#include "platform/messages.h"
+
 #include <SDL.h>
 
 namespace plat::portable {
 namespace {
-
-constexpr unsigned controlMod = 8, altMod = 32;
 
 struct Row {
   SDL_Keycode key;
@@ -14,20 +14,22 @@ struct Row {
 
 // Letters, digits and F keys are computed.
 constexpr Row rows[] = {
-    {SDLK_BACKSPACE, 8},     {SDLK_TAB, 9},          {SDLK_CLEAR, 12},       {SDLK_RETURN, 13},
-    {SDLK_KP_ENTER, 13},     {SDLK_RETURN2, 13},     {SDLK_LSHIFT, 16},      {SDLK_RSHIFT, 16},
-    {SDLK_LCTRL, 17},        {SDLK_RCTRL, 17},       {SDLK_LALT, 18},        {SDLK_RALT, 18},
-    {SDLK_MODE, 18},         {SDLK_PAUSE, 19},       {SDLK_CAPSLOCK, 20},    {SDLK_ESCAPE, 27},
-    {SDLK_SPACE, 32},        {SDLK_PAGEUP, 33},      {SDLK_PAGEDOWN, 34},    {SDLK_END, 35},
-    {SDLK_HOME, 36},         {SDLK_LEFT, 37},        {SDLK_UP, 38},          {SDLK_RIGHT, 39},
-    {SDLK_DOWN, 40},         {SDLK_SELECT, 41},      {SDLK_EXECUTE, 43},     {SDLK_PRINTSCREEN, 44},
-    {SDLK_INSERT, 45},       {SDLK_DELETE, 46},      {SDLK_HELP, 47},        {SDLK_LGUI, 91},
-    {SDLK_RGUI, 92},         {SDLK_APPLICATION, 93}, {SDLK_SLEEP, 95},       {SDLK_KP_MULTIPLY, 106},
-    {SDLK_KP_PLUS, 107},     {SDLK_KP_MINUS, 109},   {SDLK_KP_DIVIDE, 111},  {SDLK_NUMLOCKCLEAR, 144},
-    {SDLK_SCROLLLOCK, 145},  {SDLK_SEMICOLON, 186},  {SDLK_EQUALS, 187},     {SDLK_PLUS, 187},
-    {SDLK_COMMA, 188},       {SDLK_MINUS, 189},      {SDLK_PERIOD, 190},     {SDLK_SLASH, 191},
-    {SDLK_BACKQUOTE, 192},   {SDLK_LEFTBRACKET, 219}, {SDLK_BACKSLASH, 220}, {SDLK_RIGHTBRACKET, 221},
-    {SDLK_QUOTE, 222},       {SDLK_HASH, 222},
+    {SDLK_BACKSPACE, key::backspace}, {SDLK_TAB, key::tab}, {SDLK_CLEAR, key::clear}, {SDLK_RETURN, key::enter},
+    {SDLK_KP_ENTER, key::enter}, {SDLK_RETURN2, key::enter}, {SDLK_LSHIFT, key::shift}, {SDLK_RSHIFT, key::shift},
+    {SDLK_LCTRL, key::control}, {SDLK_RCTRL, key::control}, {SDLK_LALT, key::alt}, {SDLK_RALT, key::alt},
+    {SDLK_MODE, key::alt}, {SDLK_PAUSE, key::pause}, {SDLK_CAPSLOCK, key::capsLock}, {SDLK_ESCAPE, key::escape},
+    {SDLK_SPACE, key::space}, {SDLK_PAGEUP, key::pageUp}, {SDLK_PAGEDOWN, key::pageDown}, {SDLK_END, key::end},
+    {SDLK_HOME, key::home}, {SDLK_LEFT, key::left}, {SDLK_UP, key::up}, {SDLK_RIGHT, key::right},
+    {SDLK_DOWN, key::down}, {SDLK_SELECT, key::select}, {SDLK_EXECUTE, key::execute},
+    {SDLK_PRINTSCREEN, key::printScreen}, {SDLK_INSERT, key::insert}, {SDLK_DELETE, key::remove},
+    {SDLK_HELP, key::help}, {SDLK_LGUI, key::leftSystem}, {SDLK_RGUI, key::rightSystem},
+    {SDLK_APPLICATION, key::application}, {SDLK_SLEEP, key::sleep}, {SDLK_KP_MULTIPLY, key::padMultiply},
+    {SDLK_KP_PLUS, key::padAdd}, {SDLK_KP_MINUS, key::padSubtract}, {SDLK_KP_DIVIDE, key::padDivide},
+    {SDLK_NUMLOCKCLEAR, key::numLock}, {SDLK_SCROLLLOCK, key::scrollLock}, {SDLK_SEMICOLON, key::semicolon},
+    {SDLK_EQUALS, key::plus}, {SDLK_PLUS, key::plus}, {SDLK_COMMA, key::comma}, {SDLK_MINUS, key::minus},
+    {SDLK_PERIOD, key::period}, {SDLK_SLASH, key::slash}, {SDLK_BACKQUOTE, key::backquote},
+    {SDLK_LEFTBRACKET, key::leftBracket}, {SDLK_BACKSLASH, key::backslash}, {SDLK_RIGHTBRACKET, key::rightBracket},
+    {SDLK_QUOTE, key::quote}, {SDLK_HASH, key::quote},
 };
 
 // Of the keypad: with Num Lock, and without.
@@ -37,9 +39,11 @@ struct PadRow {
 };
 
 constexpr PadRow padRows[] = {
-    {SDLK_KP_0, 96, 45},  {SDLK_KP_1, 97, 35},  {SDLK_KP_2, 98, 40},  {SDLK_KP_3, 99, 34},
-    {SDLK_KP_4, 100, 37}, {SDLK_KP_5, 101, 12}, {SDLK_KP_6, 102, 39}, {SDLK_KP_7, 103, 36},
-    {SDLK_KP_8, 104, 38}, {SDLK_KP_9, 105, 33}, {SDLK_KP_PERIOD, 110, 46},
+    {SDLK_KP_0, key::pad0, key::insert}, {SDLK_KP_1, key::pad0 + 1, key::end}, {SDLK_KP_2, key::pad0 + 2, key::down},
+    {SDLK_KP_3, key::pad0 + 3, key::pageDown}, {SDLK_KP_4, key::pad0 + 4, key::left},
+    {SDLK_KP_5, key::pad0 + 5, key::clear}, {SDLK_KP_6, key::pad0 + 6, key::right},
+    {SDLK_KP_7, key::pad0 + 7, key::home}, {SDLK_KP_8, key::pad0 + 8, key::up},
+    {SDLK_KP_9, key::pad0 + 9, key::pageUp}, {SDLK_KP_PERIOD, key::padDecimal, key::remove},
 };
 
 // The upper row of digits also where it types other characters.
@@ -62,9 +66,9 @@ unsigned virtualKey(SDL_Keysym const& key)
   if (unsigned const digit = digitAt(key.scancode))
     return digit;
   if (sym >= SDLK_F1 && sym <= SDLK_F12)
-    return static_cast<unsigned>(sym - SDLK_F1) + 112;
+    return static_cast<unsigned>(sym - SDLK_F1) + key::f1;
   if (sym >= SDLK_F13 && sym <= SDLK_F24)
-    return static_cast<unsigned>(sym - SDLK_F13) + 124;
+    return static_cast<unsigned>(sym - SDLK_F13) + key::f13;
   for (PadRow const& row : padRows)
     if (row.key == sym)
       return (key.mod & KMOD_NUM) && !(key.mod & KMOD_SHIFT) ? row.number : row.motion;
@@ -76,9 +80,9 @@ unsigned virtualKey(SDL_Keysym const& key)
 
 unsigned controlCharacter(SDL_Keysym const& key, unsigned mods)
 {
-  if (mods & altMod)
+  if (mods & held::alt)
     return 0;
-  bool const control = mods & controlMod;
+  bool const control = mods & held::control;
   switch (key.sym) {
   case SDLK_RETURN:
   case SDLK_RETURN2:

@@ -1,4 +1,5 @@
 // What the events of SDL tell the window core.
+#include "platform/messages.h"
 #include "platform/portable/windows/sdl/key_codes.h"
 #include "platform/portable/windows/sdl/sdl_video.h"
 #include "platform/portable/windows/sdl/sdl_window.h"
@@ -11,9 +12,6 @@
 
 namespace plat::portable {
 namespace {
-
-constexpr unsigned leftButton = 1, rightButton = 2, shiftMod = 4, controlMod = 8, middleButton = 16, altMod = 32;
-constexpr float notch = 120;
 
 u32 windowId(SDL_Event const& event)
 {
@@ -54,8 +52,8 @@ bool isOfKeyboard(SDL_Event const& event)
 // The key for a third set of characters counts as Control with Alt.
 unsigned modsOf(unsigned state)
 {
-  return ((state & KMOD_SHIFT) ? shiftMod : 0) | ((state & KMOD_CTRL) ? controlMod : 0) |
-         ((state & KMOD_ALT) ? altMod : 0) | ((state & KMOD_MODE) ? controlMod | altMod : 0);
+  return ((state & KMOD_SHIFT) ? held::shift : 0u) | ((state & KMOD_CTRL) ? held::control : 0u) |
+         ((state & KMOD_ALT) ? held::alt : 0u) | ((state & KMOD_MODE) ? held::control | held::alt : 0u);
 }
 
 unsigned modsNow() { return modsOf(static_cast<unsigned>(SDL_GetModState())); }
@@ -64,11 +62,11 @@ unsigned buttonOf(unsigned button)
 {
   switch (button) {
   case SDL_BUTTON_LEFT:
-    return leftButton;
+    return held::left;
   case SDL_BUTTON_RIGHT:
-    return rightButton;
+    return held::right;
   case SDL_BUTTON_MIDDLE:
-    return middleButton;
+    return held::middle;
   default:
     return 0;
   }
@@ -76,8 +74,8 @@ unsigned buttonOf(unsigned button)
 
 unsigned buttonsOf(u32 state)
 {
-  return ((state & SDL_BUTTON_LMASK) ? leftButton : 0) | ((state & SDL_BUTTON_RMASK) ? rightButton : 0) |
-         ((state & SDL_BUTTON_MMASK) ? middleButton : 0);
+  return ((state & SDL_BUTTON_LMASK) ? held::left : 0u) | ((state & SDL_BUTTON_RMASK) ? held::right : 0u) |
+         ((state & SDL_BUTTON_MMASK) ? held::middle : 0u);
 }
 
 // The next character of a text in UTF-8, which SDL guarantees to be well formed; 0 at its end.
@@ -245,7 +243,8 @@ void SdlVideo::pointerEvent(SDL_Event const& event, SdlWindow& window, VideoSink
 void SdlVideo::wheelEvent(SDL_Event const& event, SdlWindow& window, VideoSink& sink)
 {
   SDL_MouseWheelEvent const& wheel = event.wheel;
-  float const turned = notch * (wheel.preciseY != 0 ? wheel.preciseY : static_cast<float>(wheel.y)) + wheelRest_;
+  float const notches = wheel.preciseY != 0 ? wheel.preciseY : static_cast<float>(wheel.y);
+  float const turned = float{msg::wheelNotch} * notches + wheelRest_;
   int const turn = static_cast<int>(std::trunc(turned));
   wheelRest_ = turned - static_cast<float>(turn);
   Point const origin = window.origin();
@@ -283,8 +282,8 @@ void SdlVideo::textEvent(SDL_Event const& event, SdlWindow& window, VideoSink& s
   focusOn(window, sink);
   char const* text = event.text.text;
   unsigned const mods = modsOf(lastKeyMods_);
-  bool const both = (mods & controlMod) && (mods & altMod);
-  bool const left = lastKeyMods_ & KMOD_LALT, control = mods & controlMod;
+  bool const both = (mods & held::control) && (mods & held::alt);
+  bool const left = lastKeyMods_ & KMOD_LALT, control = mods & held::control;
   bool const plainRight =
       (lastKeyMods_ & KMOD_RALT) && static_cast<unsigned char>(text[0]) == static_cast<u32>(lastKey_) && !text[1];
   if (!both && (left || control || plainRight))

@@ -1,5 +1,6 @@
 #include "platform/portable/windows/sdl/sdl_video.h"
 
+#include "platform/messages.h"
 #include "platform/portable/raster/region.h"
 #include "platform/portable/windows/sdl/sdl_window.h"
 
@@ -12,8 +13,6 @@
 
 namespace plat::portable {
 namespace {
-
-constexpr u32 popupStyle = 0x80000000, captionStyle = 0x00C00000, resizableStyle = 0x00040000;
 
 // A loop of the library beside an application that does not fetch its events must not let them fill the queue.
 constexpr std::size_t maxEventsOfOthers = 4096;
@@ -110,9 +109,9 @@ Ptr<VideoWindow> SdlVideo::createWindow(HWND handle, std::string const& title, R
     utf8 += static_cast<char>(code < 0x80 ? code : 0x80 | (code & 0x3F));
   }
   u32 flags = SDL_WINDOW_HIDDEN;
-  if ((style & popupStyle) && (style & captionStyle) != captionStyle)
+  if ((style & style::popup) && (style & style::caption) != style::caption)
     flags |= SDL_WINDOW_BORDERLESS;
-  if (style & resizableStyle)
+  if (style & style::resizable)
     flags |= SDL_WINDOW_RESIZABLE;
   SDL_Window* const window = SDL_CreateWindow(utf8.c_str(), screen.left, screen.top, std::max(screen.width(), 1),
                                               std::max(screen.height(), 1), flags);
