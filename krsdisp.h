@@ -9,6 +9,7 @@
 #include "foundation/all.h"
 #include "geometry/all.h"
 #include "platform/app.h"
+#include "platform/messages.h"
 #include "platform/objects.h"
 #include "platform/window.h"
 #include "ui/core/all.h"

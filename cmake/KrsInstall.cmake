@@ -40,8 +40,6 @@ function(krs_install_headers)
     file(GLOB headers CONFIGURE_DEPENDS ${folder}/*.h)
     install(FILES ${headers} DESTINATION ${to}/${folder})
   endforeach()
-  # Only the switches that platform/testing.h shows come along.
-  install(FILES platform/portable/device_testing.h DESTINATION ${to}/platform/portable)
 endfunction()
 
 function(krs_install_cmake_package)

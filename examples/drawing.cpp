@@ -103,7 +103,8 @@ void drawOnAFrame(ccUINestedCoordFrame& frame)
 
 int main()
 {
-  HWND const window = plat::platform().windows.create({.title = "Drawing", .style = 0x10CF0000, .rect = {0, 0, 640, 480}});
+  HWND const window = plat::platform().windows.create(
+      {.title = "Drawing", .style = plat::style::top | plat::style::visible, .rect = {0, 0, 640, 480}});
   ccWin32Display display(window);
   ccPelBuffer<unsigned char> pels(640, 480);
   for (long y = 0; y < pels.height(); ++y)

@@ -3,7 +3,8 @@
 
 int main()
 {
-  HWND const window = plat::platform().windows.create({.title = "Ramp", .style = 0x10CF0000, .rect = {0, 0, 800, 600}});
+  HWND const window = plat::platform().windows.create(
+      {.title = "Ramp", .style = plat::style::top | plat::style::visible, .rect = {0, 0, 800, 600}});
   ccWin32Display display(window);
   ccPelBuffer<unsigned char> ramp(256, 192);
   for (long y = 0; y < ramp.height(); ++y)

@@ -7,8 +7,7 @@ bool open = true;
 
 std::intptr_t windowProc(HWND window, unsigned message, std::uintptr_t wParam, std::intptr_t lParam)
 {
-  constexpr unsigned destroyed = 130;
-  if (message == destroyed)
+  if (message == plat::msg::destroyed)
     open = false;
   return plat::platform().windows.callProc(nullptr, window, message, wParam, lParam);
 }
@@ -28,7 +27,10 @@ int main()
   if (!plat::init())
     return 1;  // no display
   HWND const window = plat::platform().windows.create(
-      {.title = "Own loop", .style = 0x10CF0000, .rect = {40, 40, 680, 520}, .proc = &windowProc});
+      {.title = "Own loop",
+       .style = plat::style::top | plat::style::visible,
+       .rect = {40, 40, 680, 520},
+       .proc = &windowProc});
   ccWin32Display display(window);
   ccPelBuffer<unsigned char> image(320, 240);
   for (long step = 0; open && plat::pump(20); ++step) {

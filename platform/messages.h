@@ -112,8 +112,8 @@ enum Key : unsigned {
   padSubtract = 109,
   padDecimal = 110,
   padDivide = 111,
-  f1 = 112,  // to f24 = 135
-  f24 = 135,
+  f1 = 112,  // to f12 = 123
+  f13 = 124,  // to f24 = 135
   numLock = 144,
   scrollLock = 145,
   semicolon = 186,
@@ -138,6 +138,7 @@ enum Style : u32 {
   vScroll = 0x00200000,
   hScroll = 0x00100000,
   caption = 0x00C00000,
+  disabled = 0x08000000,  // takes no pointer
   visible = 0x10000000,
   minimized = 0x20000000,
   child = 0x40000000,
@@ -169,7 +170,7 @@ enum Code : unsigned {
   endScroll = 8,
 };
 // Mask of ScrollInfo.
-enum Mask : unsigned { range = 1, page = 2, position = 4, disableUnneeded = 8 };
+enum Mask : unsigned { range = 1, page = 2, position = 4, disableUnneeded = 8, trackPosition = 16 };
 }  // namespace scroll
 
 // Indices of metric().
@@ -179,7 +180,7 @@ enum Metric : int { screenWidth = 0, screenHeight = 1, vBarWidth = 2, hBarHeight
 
 // Cursors of loadCursor().
 namespace cursor {
-enum Cursor : int { arrow = 600, hand, zoomIn, zoomOut, pan, grab, wait };
+enum Cursor : int { arrow = 600, fourArrows, zoomIn, zoomOut, openHand, closedHand, cross };
 }
 
 namespace menu {
@@ -190,6 +191,8 @@ constexpr unsigned closeItem = 61536;  // of a system menu
 
 // Message boxes: the buttons, and what the operator chose.
 namespace box {
+// Of the flags: the buttons, and above them which one has the focus.
+constexpr unsigned buttonBits = 15, defaultShift = 8;
 enum Buttons : unsigned { ok = 0, okCancel = 1, abortRetryIgnore = 2, yesNoCancel = 3, yesNo = 4, retryCancel = 5 };
 enum Choice : int { okChosen = 1, cancelled = 2, aborted = 3, retried = 4, ignored = 5, yes = 6, no = 7 };
 }  // namespace box

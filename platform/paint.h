@@ -61,7 +61,7 @@ public:
   virtual void floodFill(Point, COLORREF, bool surface) = 0;  // true: over that colour; false: up to that border
   virtual void textColors(COLORREF text, COLORREF back, bool opaque) = 0;
   virtual void font(HFONT) = 0;  // null: stock font
-  // Strings are Latin-1. Flags: 1 centre, 2 right, 0x100 no clip, 0x400 calculate only, 0x800 no prefix.
+  // Strings are Latin-1. Flags: of text::Flags in messages.h.
   // The result is the height.
   virtual int drawText(std::string_view, Rect&, unsigned flags) = 0;
   virtual Size textExtent(std::string_view) = 0;

@@ -1,10 +1,8 @@
 // Hands and eyes for tests: messages as the system would send them, and the pels as shown. On the windows' thread.
 #pragma once
 
+#include "platform/device_testing.h"  // lost surfaces, overlays, planned failures
 #include "platform/types.h"
-#ifndef _WIN32
-#include "platform/portable/device_testing.h"  // lost surfaces, overlays, planned failures
-#endif
 
 #include <functional>
 #include <string>
@@ -47,9 +45,9 @@ HCURSOR cursor();
 HCURSOR windowCursor(HWND);            // its class cursor
 
 #ifndef _WIN32
-// Buttons: 1 left, 2 right, 16 middle; mods: 4 Shift, 8 Control, 32 Alt. Goes through hit test, capture and clip.
+// Buttons and mods: of held::Held in messages.h. Goes through hit test, capture and clip.
 void pointer(Point screen, unsigned buttons, unsigned mods);
-void wheel(Point screen, int turn, unsigned mods);  // 120 a notch
+void wheel(Point screen, int turn, unsigned mods);  // msg::wheelNotch a notch
 void key(unsigned virtualKey, bool down, unsigned mods, bool repeat = false);
 void character(u8);
 void advance(unsigned ms);        // turns the virtual clock, firing what falls due on the way, in order

@@ -24,7 +24,7 @@ struct WindowDesc {
   MessageProc proc = {};  // null: the default procedure
 };
 
-// Mask: 1 min and max, 2 page, 4 pos, 8 disable the bar instead of hiding it when there is nothing to scroll.
+// Mask: of scroll::Mask in messages.h. disableUnneeded: a bar with nothing to scroll is disabled instead of hidden.
 struct ScrollInfo {
   unsigned mask = 0;
   i32 min = 0, max = 0;
@@ -36,7 +36,7 @@ class WindowSystem {
 public:
   virtual ~WindowSystem() = default;
 
-  // The window's thread. A procedure that answers -1 to message 1 makes create fail.
+  // The window's thread. A procedure that answers -1 to msg::create makes create fail.
   virtual HWND create(WindowDesc const&) = 0;
   virtual bool destroy(HWND) = 0;
   virtual bool isWindow(HWND) = 0;
@@ -55,19 +55,19 @@ public:
   virtual Rect clientRect(HWND) = 0;  // upper left corner is (0, 0)
   virtual Rect windowRect(HWND) = 0;  // on the screen
   virtual Point clientToScreen(HWND, Point) = 0;
-  // Null: stay. Show: -1 keep, 0 hide, 4 without activation, 6 minimize, 9 restore, any other show and activate.
+  // Null: stay. Show: one of plat::show; any other number shows and activates.
   virtual void place(HWND, Rect const*, int show) = 0;
   virtual void center(HWND) = 0;
   virtual bool visible(HWND) = 0;
   virtual u32 style(HWND) = 0;
   virtual u32 exStyle(HWND) = 0;
   virtual Rect frameRect(Rect client, u32 style, bool menu, u32 exStyle) = 0;
-  // 0, 1 screen width and height; 2 width of a vertical, 3 height of a horizontal scroll bar; 15 height of a menu bar.
+  // Index: one of plat::metric.
   virtual int metric(int index) = 0;
   virtual int desktopDepth() = 0;  // 8, 15, 16, 24 or 32
 
   virtual void invalidate(HWND, Rect const*, bool erase) = 0;  // any thread; null: all of the client area
-  virtual void update(HWND) = 0;                               // sends 20 and 15 now if they are due
+  virtual void update(HWND) = 0;                               // sends eraseBackground and paint now if they are due
   virtual Rect updateRect(HWND) = 0;
   virtual void validate(HWND, Rect const*) = 0;
 
@@ -87,7 +87,7 @@ public:
   virtual void setCursor(HCURSOR) = 0;
   virtual HCURSOR classCursor(HWND, HCURSOR) = 0;  // returns the former
 
-  // Bar: 0 horizontal, 1 vertical.
+  // Bar: one of plat::bar.
   virtual void showScrollBar(HWND, int bar, bool) = 0;
   virtual void setScrollPos(HWND, int bar, i32 pos, bool redraw) = 0;
   virtual void setScrollInfo(HWND, int bar, ScrollInfo const&, bool redraw) = 0;
@@ -100,18 +100,18 @@ public:
   virtual HMENU load(int id) = 0;  // null: no such menu
   virtual void destroy(HMENU) = 0;
   virtual HMENU sub(HMENU, int index) = 0;
-  virtual HMENU system(HWND) = 0;  // owned by the window; item 61536 closes
+  virtual HMENU system(HWND) = 0;  // owned by the window; menu::closeItem closes
   virtual int count(HMENU) = 0;
   virtual unsigned itemId(HMENU, int index) = 0;  // 0 for a line, all bits set for a popup
   virtual void enable(HMENU, unsigned id, bool) = 0;
   virtual void check(HMENU, unsigned id, bool) = 0;
   virtual void radio(HMENU, unsigned first, unsigned last, unsigned id) = 0;
 
-  // Blocks until the operator has chosen or dismissed. Sends 279 to the owner first and posts 273 with the chosen id
+  // Blocks until the operator has chosen or dismissed. Sends msg::initPopup to the owner first and posts msg::command
   // to it. The window's thread, with no lock held that a procedure may want.
   virtual void track(HMENU, Point screen, HWND owner) = 0;
-  // Blocks; other windows are served meanwhile. Low four bits of flags: 0 OK; 1 OK, Cancel; 2 Abort, Retry, Ignore;
-  // 3 Yes, No, Cancel; 4 Yes, No; 5 Retry, Cancel. Results: 1 OK, 2 Cancel, 3 Abort, 4 Retry, 5 Ignore, 6 Yes, 7 No.
+  // Blocks; other windows are served meanwhile. Low four bits of flags: of box::Buttons; above box::defaultShift the
+  // number of the button that has the focus. The result is one of box::Choice.
   virtual int messageBox(HWND owner, std::string const& text, std::string const& caption, unsigned flags) = 0;
 };
 

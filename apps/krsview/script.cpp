@@ -2,6 +2,7 @@
 
 #include "apps/common/error_line.h"
 #include "platform/app.h"
+#include "platform/messages.h"
 #include "platform/testing.h"
 #include "platform/window.h"
 
@@ -14,10 +15,6 @@
 #include <sstream>
 
 namespace {
-
-constexpr unsigned kShift = 4, kControl = 8, kAlt = 32;
-constexpr unsigned kCommand = 273, kHScroll = 276, kVScroll = 277;
-constexpr int kWheelNotch = 120;
 
 constexpr std::size_t kLongestLine = 8192;
 constexpr long kLongestTick = 100000000;  // milliseconds
@@ -49,25 +46,31 @@ bool cf_position(Words const& words, std::size_t at, long& x, long& y)
 
 unsigned cf_button(std::string const& name)
 {
-  return name == "left" ? 1u : name == "right" ? 2u : name == "middle" ? 16u : 0u;
+  return name == "left"     ? plat::held::left
+         : name == "right"  ? plat::held::right
+         : name == "middle" ? plat::held::middle
+                            : 0u;
 }
 
 // A virtual key by name: one letter or digit, F1 to F24, or a word.
 unsigned cf_keyCode(std::string name)
 {
   std::transform(name.begin(), name.end(), name.begin(), [](char c) { return static_cast<char>(std::tolower(c)); });
+  namespace key = plat::key;
   static std::map<std::string, unsigned> const words = {
-      {"backspace", 8}, {"tab", 9},    {"enter", 13},    {"return", 13}, {"shift", 16}, {"ctrl", 17},  {"control", 17},
-      {"alt", 18},      {"pause", 19}, {"capslock", 20}, {"escape", 27}, {"space", 32}, {"pageup", 33}, {"pagedown", 34},
-      {"end", 35},      {"home", 36},  {"left", 37},     {"up", 38},     {"right", 39}, {"down", 40},  {"insert", 45},
-      {"delete", 46},   {"help", 47}};
+      {"backspace", key::backspace}, {"tab", key::tab}, {"enter", key::enter}, {"return", key::enter},
+      {"shift", key::shift}, {"ctrl", key::control}, {"control", key::control}, {"alt", key::alt},
+      {"pause", key::pause}, {"capslock", key::capsLock}, {"escape", key::escape}, {"space", key::space},
+      {"pageup", key::pageUp}, {"pagedown", key::pageDown}, {"end", key::end}, {"home", key::home},
+      {"left", key::left}, {"up", key::up}, {"right", key::right}, {"down", key::down}, {"insert", key::insert},
+      {"delete", key::remove}, {"help", key::help}};
   if (auto const found = words.find(name); found != words.end())
     return found->second;
   if (name.size() == 1 && std::isalnum(static_cast<unsigned char>(name[0])))
     return static_cast<unsigned>(std::toupper(static_cast<unsigned char>(name[0])));
   long number = 0;
   if (name.size() > 1 && name[0] == 'f' && cf_whole(name.substr(1), 1, 24, number))
-    return static_cast<unsigned>(111 + number);
+    return static_cast<unsigned>(number) - 1 + key::f1;
   return 0;
 }
 
@@ -190,9 +193,9 @@ bool ccViewScript::readPress_(cs_Given const& given, cs_Press& press)
     return false;
   for (std::size_t i = 4; i < words.size(); ++i) {
     if (words[i] == "shift")
-      press.mods |= kShift;
+      press.mods |= plat::held::shift;
     else if (words[i] == "ctrl")
-      press.mods |= kControl;
+      press.mods |= plat::held::control;
     else
       return false;
   }
@@ -251,7 +254,7 @@ bool ccViewScript::wheel_(cs_Given& given)
   if (given.words.size() != 4 || !cf_whole(given.words[1], -100, 100, notches) || !cf_position(given.words, 2, x, y))
     return false;
   plat::Point const screen = plat::platform().windows.clientToScreen(viewer_.window(), cf_point(x, y));
-  plat::testing::wheel(screen, static_cast<int>(notches) * kWheelNotch, mods_);
+  plat::testing::wheel(screen, static_cast<int>(notches) * plat::msg::wheelNotch, mods_);
   return true;
 }
 
@@ -272,7 +275,10 @@ bool ccViewScript::key_(cs_Given& given)
   if (code == 0)
     return false;
   bool const down = words[1] == "down";
-  unsigned const mod = code == 16 ? kShift : code == 17 ? kControl : code == 18 ? kAlt : 0;
+  unsigned const mod = code == plat::key::shift     ? plat::held::shift
+                       : code == plat::key::control ? plat::held::control
+                       : code == plat::key::alt     ? plat::held::alt
+                                                    : 0u;
   mods_ = down ? mods_ | mod : mods_ & ~mod;
   plat::testing::key(code, down, mods_);
   return true;
@@ -287,7 +293,7 @@ bool ccViewScript::scroll_(cs_Given& given)
   if (words.size() < 3 || words.size() > 4 || (words[1] != "horz" && words[1] != "vert") ||
       !cf_whole(words[2], 0, 8, code) || (words.size() == 4 && !cf_whole(words[3], 0, 65535, position)))
     return false;
-  plat::testing::send(viewer_.view(), words[1] == "horz" ? kHScroll : kVScroll,
+  plat::testing::send(viewer_.view(), words[1] == "horz" ? plat::msg::hScroll : plat::msg::vScroll,
                       static_cast<plat::WParam>(code | position << 16), 0);
   return true;
 }
@@ -297,7 +303,7 @@ bool ccViewScript::command_(cs_Given& given)
   long id = 0;
   if (given.words.size() != 2 || !cf_whole(given.words[1], 0, 65535, id))
     return false;
-  plat::testing::send(viewer_.view(), kCommand, static_cast<plat::WParam>(id), 0);
+  plat::testing::send(viewer_.view(), plat::msg::command, static_cast<plat::WParam>(id), 0);
   return true;
 }
 

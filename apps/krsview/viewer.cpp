@@ -5,6 +5,7 @@
 #include "apps/common/picture_file.h"
 #include "apps/krsview/show_image.h"
 #include "platform/app.h"
+#include "platform/messages.h"
 #include "platform/objects.h"
 #include "platform/testing.h"
 #include "platform/window.h"
@@ -18,14 +19,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr plat::u32 kTopStyle = 0x00CF0000;    // a frame with title, size border and boxes
-constexpr plat::u32 kChildStyle = 0x40000000;
-constexpr int kShow = 5, kShowChild = 4;
-
-constexpr unsigned kSize = 5, kClose = 16, kKeyDown = 256, kChar = 258, kTimer = 275, kWheel = 522;
-constexpr unsigned kSpace = 32;  // a virtual key
 constexpr plat::uptr kQuitTimer = 40;
-constexpr int kWheelNotch = 120;
 
 // The whole factors that zooming steps through; their inverses are the reductions.
 constexpr long kFactors[] = {1, 2, 3, 4, 6, 8, 12, 16, 24, 32, 48, 64, 96, 128, 192, 256, 384, 512, 1024};
@@ -69,21 +63,21 @@ ccViewer::ccViewer(ccViewOptions const& options, std::ostream& errors) : options
   plat::WindowSystem& windows = plat::platform().windows;
   plat::WindowDesc desc;
   desc.title = "krsview";
-  desc.style = kTopStyle;
+  desc.style = plat::style::top;
   desc.rect = {0, 0, static_cast<plat::i32>(options.width()), static_cast<plat::i32>(options.height())};
   desc.proc = &ccViewer::proc_;
   top_ = windows.create(desc);
   view_ = top_;
   if (options.scrollBars) {
     desc.parent = top_;
-    desc.style = kChildStyle;
+    desc.style = plat::style::child;
     view_ = windows.create(desc);
-    windows.place(view_, nullptr, kShowChild);
+    windows.place(view_, nullptr, plat::show::noActivate);
   }
   cf_viewers()[top_] = this;
   cf_viewers()[view_] = this;
   plat::dropHandler([this](HWND, std::vector<std::string> const& names) { drop_(names); });
-  windows.place(top_, nullptr, kShow);
+  windows.place(top_, nullptr, plat::show::activate);
   windows.setFocus(view_);
   display_ = std::make_unique<ccWin32Display>(view_);
   if (options.scrollBars)
@@ -127,35 +121,35 @@ plat::LResult ccViewer::message_(HWND window, unsigned message, plat::WParam wPa
 {
   plat::WindowSystem& windows = plat::platform().windows;
   switch (message) {
-  case kSize:
+  case plat::msg::size:
     if (window == top_ && view_ != top_ && windows.isWindow(view_)) {
       plat::Rect const client = windows.clientRect(top_);
-      windows.place(view_, &client, -1);
+      windows.place(view_, &client, plat::show::keep);
     }
     break;
-  case kClose:
+  case plat::msg::close:
     plat::quit(0);
     return 0;
-  case kTimer:
+  case plat::msg::timer:
     if (wParam == kQuitTimer) {
       plat::quit(0);
       return 0;
     }
     break;
-  case kKeyDown:
+  case plat::msg::keyDown:
     if (key_(static_cast<unsigned>(wParam)))
       return 0;
     break;
-  case kChar:
+  case plat::msg::character:
     if (character_(static_cast<unsigned>(wParam)))
       return 0;
     break;
-  case kWheel: {
+  case plat::msg::wheel: {
     int const turn = static_cast<std::int16_t>(static_cast<std::uint16_t>(wParam >> 16));
     plat::Point const origin = windows.clientToScreen(view_, {0, 0});
     ccPair<long> const at(static_cast<std::int16_t>(lParam & 0xFFFF) - origin.x,
                           static_cast<std::int16_t>((lParam >> 16) & 0xFFFF) - origin.y);
-    int const notches = turn / kWheelNotch;
+    int const notches = turn / plat::msg::wheelNotch;
     zoom(notches != 0 ? notches : (turn > 0) - (turn < 0), at);
     return 0;
   }
@@ -194,7 +188,7 @@ bool ccViewer::key_(unsigned virtualKey)
     if (!turnPage_(-1))
       step(-1);
     return true;
-  case kSpace:
+  case plat::key::space:
     return turnPage_(1);
   case ccKeyboardEvent::vkLeft:
     if (!turnPage_(-1))
@@ -289,7 +283,7 @@ void ccViewer::resize(long width, long height)
   plat::Rect r = windows.windowRect(top_);
   r.right = r.left + static_cast<plat::i32>(width);
   r.bottom = r.top + static_cast<plat::i32>(height);
-  windows.place(top_, &r, -1);
+  windows.place(top_, &r, plat::show::keep);
 }
 
 void ccViewer::fail_(std::string const& line)

@@ -1,6 +1,7 @@
 #include "backend/scope/win32_pel_buf_scope.h"
 
 #include "foundation/pel_ops.h"
+#include "platform/messages.h"
 #include "platform/window.h"
 
 #include <algorithm>
@@ -55,7 +56,7 @@ ccWin32PelBufUIScope::~ccWin32PelBufUIScope()
 void ccWin32PelBufUIScope::makeWindow_()
 {
   plat::WindowDesc desc;
-  desc.style = 0xCF0000;
+  desc.style = plat::style::top;
   desc.rect = plat::Rect{0, 0, 10, 10};
   hidden_ = plat::platform().windows.create(desc);
 }

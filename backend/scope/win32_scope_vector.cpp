@@ -6,6 +6,7 @@
 #include "canvas/graphic_props.h"
 #include "canvas/strokes.h"
 #include "geometry/lines.h"
+#include "platform/messages.h"
 
 #include <algorithm>
 
@@ -15,17 +16,15 @@ namespace {
 // top, middle and bottom.
 unsigned textFlags(ccUIFormat const& format)
 {
-  constexpr unsigned base = 0x900;  // no clip, no prefix
-  return base | static_cast<unsigned>(format.alignment() % 3);
+  return plat::text::noClip | plat::text::noPrefix | static_cast<unsigned>(format.alignment() % 3);
 }
 
 long textTop(plat::Painter& painter, std::string const& text, ccUIFormat const& format, long y)
 {
   if (format.alignment() < ccUIFormat::centerLeft)
     return y;
-  constexpr unsigned measure = 1280;
   plat::Rect empty;
-  long const height = painter.drawText(text, empty, measure);
+  long const height = painter.drawText(text, empty, plat::text::noClip | plat::text::calculateOnly);
   return format.alignment() < ccUIFormat::bottomLeft ? y - height / 2 : y - height;
 }
 
@@ -166,11 +165,10 @@ ccUIRect ccWin32UIScope::textRect(std::string const& text, ccPoint const& p, ccU
   quietly_([&] {
     cc_Phase const phase(*this, kPaint);
     if (plat::Painter* const painter = phase ? phase.target().painter : nullptr) {
-      constexpr unsigned calculateOnly = 0x400;
       painter->font(font_(format.fontId()));
       plat::Point const at = cf_toPoint(xCoord(p), textTop(*painter, text, format, yCoord(p)));
       plat::Rect rect{at.x, at.y, at.x, at.y};
-      painter->drawText(text, rect, textFlags(format) | calculateOnly);
+      painter->drawText(text, rect, textFlags(format) | plat::text::calculateOnly);
       full = ccUIRect(at.x, at.y, rect.right - rect.left, rect.bottom - rect.top);
       int const column = format.alignment() % 3;
       if (column == 1)

@@ -5,6 +5,7 @@
 #include "backend/win32/win32_root.h"
 #include "canvas/ui_error.h"
 #include "foundation/exception_impl.h"
+#include "platform/messages.h"
 #include "platform/objects.h"
 #include "platform/window.h"
 #include "ui/core/event_processor.h"
@@ -218,9 +219,9 @@ void ccWin32Display::showBars_(bool horz, bool vert)
     return;
   plat::WindowSystem& windows = plat::platform().windows;
   cc_Alive const alive(*this);
-  windows.showScrollBar(window_, 0, horz);  // which may resize the window, and hooks of that end the display
+  windows.showScrollBar(window_, plat::bar::horizontal, horz);  // which may resize the window, and hooks of that end the display
   if (alive)
-    windows.showScrollBar(window_, 1, vert);
+    windows.showScrollBar(window_, plat::bar::vertical, vert);
 }
 
 void ccWin32Display::showScrollBar(bool horz, bool vert)
@@ -271,7 +272,8 @@ void ccWin32Display::updatePanRanges()
       continue;
     cachedRange_[bar] = extents[bar];
     plat::ScrollInfo info;
-    info.mask = 28 | 9;  // range and position; a bar without a way to go is disabled, not hidden
+    info.mask = plat::scroll::range | plat::scroll::position | plat::scroll::trackPosition |
+                plat::scroll::disableUnneeded;  // a bar without a way to go is not hidden
     info.max = static_cast<plat::i32>(cfTruncToLong(extents[bar]));
     info.pos = static_cast<plat::i32>(cfTruncToLong(values[bar]));
     windows.setScrollInfo(window_, bar, info, true);

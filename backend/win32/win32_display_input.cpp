@@ -1,6 +1,7 @@
 // Window messages: what each becomes.
 #include "backend/win32/display_alive.h"
 #include "backend/win32/win32_root.h"
+#include "platform/messages.h"
 #include "platform/objects.h"
 #include "platform/paint.h"
 #include "platform/window.h"
@@ -12,20 +13,13 @@
 
 namespace {
 
-// Numbers of window messages.
-constexpr unsigned kDestroy = 2, kMove = 3, kSize = 5, kPaint = 15, kErase = 20, kMinMax = 36, kSetCursor = 32,
-                   kKeyDown = 256, kKeyUp = 257, kChar = 258, kCommand = 273, kTimer = 275, kHScroll = 276,
-                   kVScroll = 277, kInitPopup = 279, kMouseMove = 512, kLeftDown = 513, kLeftUp = 514,
-                   kLeftDouble = 515, kRightDown = 516, kRightUp = 517, kRightDouble = 518, kMiddleDown = 519,
-                   kMiddleUp = 520, kMiddleDouble = 521, kCaptureChanged = 533, kQueryNewPalette = 783,
-                   kPaletteChanged = 785;
+namespace msg = plat::msg;
 
 // The held left button repeats first after a second, then twice a second.
 constexpr std::uintptr_t kFirstRepeatTimer = 500, kNextRepeatTimer = 501;
 constexpr unsigned kFirstRepeatMs = 1000, kNextRepeatMs = 500;
 constexpr long kRepeatTolerance = 2;  // a move by so many pels on either axis ends it
 
-constexpr int kToolsMenu = 628, kToolsPopup = 1;
 constexpr unsigned kFirstModeCommand = 40502, kLastModeCommand = 40505, kFitCommand = 40506, kMagOneCommand = 40507,
                    kGridCommand = 40510, kSubpixelGridCommand = 40511;
 
@@ -39,17 +33,17 @@ struct cs_MouseRow {
 };
 
 constexpr cs_MouseRow kMouse[] = {
-    {kMouseMove, ccMouseEvent::mouseMoved, 0},
-    {kLeftDown, ccMouseEvent::mousePressed, ccMouseEvent::leftButton},
-    {kLeftUp, ccMouseEvent::mouseReleased, ccMouseEvent::leftButton},
-    {kLeftDouble, ccMouseEvent::mouseDblClicked, ccMouseEvent::leftButton},
-    {kRightDown, ccMouseEvent::mousePressed, ccMouseEvent::rightButton},
-    {kRightUp, ccMouseEvent::mouseReleased, ccMouseEvent::rightButton},
-    {kRightDouble, ccMouseEvent::mouseDblClicked, ccMouseEvent::rightButton},
-    {kMiddleDown, ccMouseEvent::mousePressed, ccMouseEvent::middleButton},
-    {kMiddleUp, ccMouseEvent::mouseReleased, ccMouseEvent::middleButton},
-    {kMiddleDouble, ccMouseEvent::mouseDblClicked, ccMouseEvent::middleButton},
-    {kCaptureChanged, ccMouseEvent::mouseReleased, ccMouseEvent::leftButton},
+    {msg::mouseMove, ccMouseEvent::mouseMoved, 0},
+    {msg::leftDown, ccMouseEvent::mousePressed, ccMouseEvent::leftButton},
+    {msg::leftUp, ccMouseEvent::mouseReleased, ccMouseEvent::leftButton},
+    {msg::leftDouble, ccMouseEvent::mouseDblClicked, ccMouseEvent::leftButton},
+    {msg::rightDown, ccMouseEvent::mousePressed, ccMouseEvent::rightButton},
+    {msg::rightUp, ccMouseEvent::mouseReleased, ccMouseEvent::rightButton},
+    {msg::rightDouble, ccMouseEvent::mouseDblClicked, ccMouseEvent::rightButton},
+    {msg::middleDown, ccMouseEvent::mousePressed, ccMouseEvent::middleButton},
+    {msg::middleUp, ccMouseEvent::mouseReleased, ccMouseEvent::middleButton},
+    {msg::middleDouble, ccMouseEvent::mouseDblClicked, ccMouseEvent::middleButton},
+    {msg::captureChanged, ccMouseEvent::mouseReleased, ccMouseEvent::leftButton},
 };
 
 }  // namespace
@@ -74,7 +68,7 @@ std::intptr_t ccWin32Display::windowProc(HWND window, unsigned message, std::uin
 std::intptr_t ccWin32Display::parentProc_(HWND window, unsigned message, std::uintptr_t wParam, std::intptr_t lParam)
 {
   plat::MessageProc const former = cc_DisplayList::former(window);
-  if (former && (message == kMove || message == kQueryNewPalette || message == kPaletteChanged))
+  if (former && (message == msg::move || message == msg::queryNewPalette || message == msg::paletteChanged))
     for (cc_DisplayList::Place const place : cc_DisplayList::all()) {
       Visit visit(place);
       ccWin32Display* const display = visit.display();
@@ -84,7 +78,7 @@ std::intptr_t ccWin32Display::parentProc_(HWND window, unsigned message, std::ui
         ccLock lock(display->rootMutex());
         if (!display->chromaKeyingEnabled())
           continue;
-        if (message == kMove) {
+        if (message == msg::move) {
           display->imageScope_.updateScreen();
           continue;
         }
@@ -109,24 +103,24 @@ std::intptr_t ccWin32Display::windowProc_(Visit& visit, HWND window, unsigned me
     return former ? plat::platform().windows.callProc(former, window, message, wParam, lParam) : 0;
   };
   switch (message) {
-  case kDestroy:
+  case msg::destroy:
     passOn();
     if (visit.again())
       this->window(nullptr);
     return 0;
-  case kErase:
+  case msg::eraseBackground:
     return chromaKeyingEnabled() ? passOn() : 1;
-  case kSetCursor:
+  case msg::setCursor:
     if (root())
       root()->cursor(root()->cursor());
     return 1;
-  case kInitPopup:
+  case msg::initPopup:
     return 0;
-  case kPaletteChanged:
+  case msg::paletteChanged:
     if (wParam == reinterpret_cast<std::uintptr_t>(window))
       return passOn();
     [[fallthrough]];
-  case kQueryNewPalette:
+  case msg::queryNewPalette:
     paletteMessage_();
     return 1;
   default:
@@ -143,24 +137,24 @@ bool ccWin32Display::handle_(Visit& visit, unsigned message, std::uintptr_t wPar
     ~cs_Current() { currentVisit = former; }
   } const current(visit);
   switch (message) {
-  case kKeyDown:
-  case kKeyUp:
-  case kChar:
+  case msg::keyDown:
+  case msg::keyUp:
+  case msg::character:
     return processKeyboardMsg(message, wParam, lParam);
-  case kMove:
-  case kSize:
-  case kPaint:
-  case kMinMax:
+  case msg::move:
+  case msg::size:
+  case msg::paint:
+  case msg::minMaxInfo:
     return processWndUpdateMsg(message, wParam, lParam);
-  case kCommand:
+  case msg::command:
     return processCommandMsg(static_cast<unsigned>(wParam & 0xFFFF));
-  case kTimer:
+  case msg::timer:
     return processTimerMsg(wParam);
-  case kHScroll:
-  case kVScroll:
+  case msg::hScroll:
+  case msg::vScroll:
     return processScrollMsg(message, wParam, lParam);
   default:
-    return ((message >= kMouseMove && message <= kMiddleDouble) || message == kCaptureChanged) &&
+    return ((message >= msg::mouseMove && message <= msg::middleDouble) || message == msg::captureChanged) &&
            processMouseMsg(message, wParam, lParam);
   }
 }
@@ -198,7 +192,7 @@ bool ccWin32Display::processMouseMsg(unsigned message, std::uintptr_t wParam, st
 {
   auto const row =
       std::find_if(std::begin(kMouse), std::end(kMouse), [message](cs_MouseRow const& r) { return r.message == message; });
-  if (row == std::end(kMouse) || (message == kMouseMove && inPopupMenu_))
+  if (row == std::end(kMouse) || (message == msg::mouseMove && inPopupMenu_))
     return false;
   plat::WindowSystem& windows = plat::platform().windows;
   ccPair<long> scroll;
@@ -207,17 +201,20 @@ bool ccWin32Display::processMouseMsg(unsigned message, std::uintptr_t wParam, st
     scroll = imageScope_.scroll();
   }
   ccPair<long> at(cf_lowWord(lParam) + scroll.x(), cf_highWord(lParam) + scroll.y());
-  std::uint32_t buttons = (wParam & 1 ? ccMouseEvent::leftButton : 0) | (wParam & 16 ? ccMouseEvent::middleButton : 0) |
-                          (wParam & 2 ? ccMouseEvent::rightButton : 0);
-  std::uint32_t keys = (wParam & 8 ? ccMouseEvent::kControlKey : 0u) | (wParam & 4 ? ccMouseEvent::kShiftKey : 0u);
+  namespace held = plat::held;
+  std::uint32_t buttons = (wParam & held::left ? ccMouseEvent::leftButton : 0) |
+                          (wParam & held::middle ? ccMouseEvent::middleButton : 0) |
+                          (wParam & held::right ? ccMouseEvent::rightButton : 0);
+  std::uint32_t keys = (wParam & held::control ? ccMouseEvent::kControlKey : 0u) |
+                       (wParam & held::shift ? ccMouseEvent::kShiftKey : 0u);
 
   switch (message) {
-  case kMouseMove:
+  case msg::mouseMove:
     if (timerId_ != 0 && (std::abs(at.x() - pressPos_.x()) >= kRepeatTolerance ||
                           std::abs(at.y() - pressPos_.y()) >= kRepeatTolerance))
       stopRepeat_();
     break;
-  case kLeftDown: {
+  case msg::leftDown: {
     plat::Rect const client = windows.clientRect(window_);
     plat::Point const ul = windows.clientToScreen(window_, {client.left, client.top});
     plat::Rect const screen{ul.x, ul.y, ul.x + client.width(), ul.y + client.height()};
@@ -225,7 +222,7 @@ bool ccWin32Display::processMouseMsg(unsigned message, std::uintptr_t wParam, st
     windows.setCapture(window_);
     break;
   }
-  case kCaptureChanged:
+  case msg::captureChanged:
     // Only when another window took the capture; a plain release was ours.
     if (lParam == 0 || lParam == reinterpret_cast<std::intptr_t>(window_.load()))
       return false;
@@ -235,16 +232,16 @@ bool ccWin32Display::processMouseMsg(unsigned message, std::uintptr_t wParam, st
     windows.clipCursor(nullptr);
     stopRepeat_();
     break;
-  case kLeftUp:
+  case msg::leftUp:
     windows.clipCursor(nullptr);
     windows.releaseCapture();
     stopRepeat_();
     break;
-  case kRightDown:
-  case kRightUp:
+  case msg::rightDown:
+  case msg::rightUp:
     if (toolsPopupMenu_) {
       lastPos_ = at;
-      if (message == kRightDown)
+      if (message == msg::rightDown)
         toolsPopup_();
       return false;
     }
@@ -263,7 +260,7 @@ bool ccWin32Display::processMouseMsg(unsigned message, std::uintptr_t wParam, st
   root()->eventProcessor()->processEvent(event);
   if (!cc_DisplayList::has(place))
     return false;
-  if (message == kLeftDown)
+  if (message == msg::leftDown)
     startRepeat_(at);
   lastPos_ = at;
   return false;
@@ -272,10 +269,10 @@ bool ccWin32Display::processMouseMsg(unsigned message, std::uintptr_t wParam, st
 void ccWin32Display::toolsPopup_()
 {
   plat::Platform& platform = plat::platform();
-  HMENU const menu = platform.menus.load(kToolsMenu);
+  HMENU const menu = platform.menus.load(plat::menu::console);
   if (!menu)
     return;
-  HMENU const tools = platform.menus.sub(menu, kToolsPopup);
+  HMENU const tools = platform.menus.sub(menu, plat::menu::toolsPopup);
   cc_AtEnd const destroyed([&platform, menu] { platform.menus.destroy(menu); });
   for (int i = 0; i < platform.menus.count(tools); ++i)
     OnUpdateToolsMenu(tools, platform.menus.itemId(tools, i));
@@ -329,9 +326,9 @@ bool ccWin32Display::processTimerMsg(std::uintptr_t id)
 
 bool ccWin32Display::processKeyboardMsg(unsigned message, std::uintptr_t wParam, std::intptr_t lParam)
 {
-  bool const repeat = (lParam & (std::intptr_t(1) << 30)) != 0;
+  bool const repeat = (lParam & msg::repeatBit) != 0;
   ccKeyboardEvent event;
-  if (message == kChar) {
+  if (message == msg::character) {
     if (repeat)
       return false;
     event.event(ccKeyboardEvent::keyCharacter);
@@ -339,9 +336,9 @@ bool ccWin32Display::processKeyboardMsg(unsigned message, std::uintptr_t wParam,
   } else {
     ccKeyboardEvent::VirtualKey const key = ccKeyboardEvent::toVirtualKey(static_cast<long>(wParam & 0xFFFF));
     // On a release the bit tells that the key was down, so it only counts for presses.
-    if (key == ccKeyboardEvent::vkNone || (message == kKeyDown && repeat))
+    if (key == ccKeyboardEvent::vkNone || (message == msg::keyDown && repeat))
       return false;
-    event.event(message == kKeyDown ? ccKeyboardEvent::keyDown : ccKeyboardEvent::keyUp);
+    event.event(message == msg::keyDown ? ccKeyboardEvent::keyDown : ccKeyboardEvent::keyUp);
     event.key(key);
   }
   root()->eventProcessor()->processEvent(event);
@@ -370,31 +367,31 @@ bool ccWin32Display::processScrollMsg(unsigned message, std::uintptr_t wParam, s
   double const magnification = m == 0 ? 1.0 : m > 0 ? static_cast<double>(m) : 1.0 / static_cast<double>(-m);
   double const height = static_cast<double>(clientArea().y());  // for both axes
   double const small = std::min(height / magnification * 0.02, 5.0), page = height / magnification * 0.25;
-  bool const horizontal = message == kHScroll;
+  bool const horizontal = message == msg::hScroll;
   ccVector<2> p = pan();
   double& value = horizontal ? p.x() : p.y();
   double const start = horizontal ? minPan().x() : minPan().y(), end = horizontal ? maxPan().x() : maxPan().y();
   switch (wParam & 0xFFFF) {
-  case 0:
+  case plat::scroll::lineLess:
     value += small;
     break;
-  case 1:
+  case plat::scroll::lineMore:
     value -= small;
     break;
-  case 2:
+  case plat::scroll::pageLess:
     value += page;
     break;
-  case 3:
+  case plat::scroll::pageMore:
     value -= page;
     break;
-  case 4:
-  case 5:
+  case plat::scroll::thumbPosition:
+  case plat::scroll::thumbTrack:
     value = end - static_cast<double>((wParam >> 16) & 0xFFFF);
     break;
-  case 6:
+  case plat::scroll::toStart:
     value = end;
     break;
-  case 7:
+  case plat::scroll::toEnd:
     value = start;
     break;
   default:
@@ -410,15 +407,15 @@ bool ccWin32Display::processWndUpdateMsg(unsigned message, std::uintptr_t, std::
 {
   ccLock lock(rootMutex());
   plat::WindowSystem& windows = plat::platform().windows;
-  if (message == kMove) {
+  if (message == msg::move) {
     if (chromaKeyingEnabled())
       imageScope_.updateScreen();
-  } else if (message == kSize) {
+  } else if (message == msg::size) {
     ccPair<long> const size(lParam & 0xFFFF, (lParam >> 16) & 0xFFFF);
     if (size.x() <= 0 || size.y() <= 0)
       return false;
     sizeMessage_(size);
-  } else if (message == kPaint) {
+  } else if (message == msg::paint) {
     plat::Rect const r = windows.updateRect(window_);
     if (!chromaKeyingEnabled())
       windows.validate(window_, nullptr);

@@ -1,6 +1,7 @@
 #include "backend/win32/win32_root.h"
 
 #include "backend/scope/win32_scope.h"
+#include "platform/messages.h"
 #include "platform/objects.h"
 #include "platform/window.h"
 
@@ -8,7 +9,6 @@
 
 namespace {
 
-constexpr int kFirstCursorId = 600;
 constexpr std::size_t kRampStart = 10, kRampSize = 231, kOwnEntries = 236;
 constexpr plat::u8 kNoCollapse = 4;
 
@@ -112,7 +112,7 @@ void ccUIWin32Root::window(HWND window)
     return;
   for (int i = 0; i < kCursors; ++i)
     if (!cursors_[static_cast<std::size_t>(i)])
-      cursors_[static_cast<std::size_t>(i)] = windows.loadCursor(kFirstCursorId + i);
+      cursors_[static_cast<std::size_t>(i)] = windows.loadCursor(plat::cursor::arrow + i);
   setCursor(cursor());
 }
 

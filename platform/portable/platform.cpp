@@ -1,9 +1,9 @@
 // The concrete objects behind the interfaces of this variant; nothing else names them.
 #include "foundation/leaf_mutex.h"
 #include "platform/app.h"
-#include "platform/portable/core.h"
-#include "platform/portable/graphics_objects.h"
-#include "platform/portable/menus.h"
+#include "platform/portable/raster/graphics_objects.h"
+#include "platform/portable/windows/core.h"
+#include "platform/portable/windows/menus.h"
 #include "platform/testing.h"
 #include "platform/window.h"
 

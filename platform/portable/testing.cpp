@@ -1,12 +1,11 @@
 #include "platform/testing.h"
 
-#include "platform/portable/core.h"
-#include "platform/portable/menus.h"
+#include "platform/messages.h"
+#include "platform/portable/windows/core.h"
+#include "platform/portable/windows/menus.h"
 
 namespace plat::testing {
 namespace {
-
-constexpr unsigned timerMessage = 275;
 
 portable::Core& core() { return portable::Core::instance(); }
 
@@ -23,7 +22,7 @@ void mouse(HWND window, unsigned message, Point client, WParam wParam)
   core().send(window, message, wParam, static_cast<LParam>(at));
 }
 
-void fireTimer(HWND window, uptr id) { core().send(window, timerMessage, id, 0); }
+void fireTimer(HWND window, uptr id) { core().send(window, msg::timer, id, 0); }
 
 void drain() { core().drain(); }
 

@@ -3,7 +3,7 @@
 set(folder ${CMAKE_CURRENT_BINARY_DIR}/headers)
 set(sources)
 set(classes)
-set(headers krsdisp.h platform/portable/device_testing.h)
+set(headers krsdisp.h)
 foreach(one ${KRS_FOLDERS})
   file(GLOB of_folder CONFIGURE_DEPENDS RELATIVE ${CMAKE_SOURCE_DIR} ${CMAKE_SOURCE_DIR}/${one}/*.h)
   list(APPEND headers ${of_folder})

@@ -52,33 +52,38 @@ struct Source {
   std::string text;
 };
 
+std::map<std::string, Source> sourcesBelow(std::set<std::string> const& tops)
+{
+  std::map<std::string, Source> found;
+  fs::path const root = KRS_SOURCE_DIR;
+  std::regex const quoted("^\\s*#\\s*include\\s*\"([^\"]+)\""), angled("^\\s*#\\s*include\\s*<([^>]+)>");
+  for (std::string const& top : tops) {
+    for (auto const& entry : fs::recursive_directory_iterator(root / top)) {
+      if (entry.path().extension() != ".h" && entry.path().extension() != ".cpp")
+        continue;
+      Source source;
+      std::ifstream in(entry.path());
+      for (std::string line; std::getline(in, line);) {
+        std::smatch match;
+        if (std::regex_search(line, match, quoted))
+          source.project.push_back(match[1]);
+        else if (std::regex_search(line, match, angled))
+          source.system.push_back(match[1]);
+        source.text += line + "\n";
+      }
+      found[slashed(fs::relative(entry.path(), root))] = source;
+    }
+  }
+  return found;
+}
+
 std::map<std::string, Source> const& sources()
 {
   static std::map<std::string, Source> const all = [] {
-    std::map<std::string, Source> found;
-    fs::path const root = KRS_SOURCE_DIR;
-    std::regex const quoted("^\\s*#\\s*include\\s*\"([^\"]+)\""), angled("^\\s*#\\s*include\\s*<([^>]+)>");
     std::set<std::string> tops = {"apps", "examples"};
     for (Floor const& floor : floors())
       tops.insert(floor.folder.substr(0, floor.folder.find('/')));
-    for (std::string const& top : tops) {
-      for (auto const& entry : fs::recursive_directory_iterator(root / top)) {
-        if (entry.path().extension() != ".h" && entry.path().extension() != ".cpp")
-          continue;
-        Source source;
-        std::ifstream in(entry.path());
-        for (std::string line; std::getline(in, line);) {
-          std::smatch match;
-          if (std::regex_search(line, match, quoted))
-            source.project.push_back(match[1]);
-          else if (std::regex_search(line, match, angled))
-            source.system.push_back(match[1]);
-          source.text += line + "\n";
-        }
-        found[slashed(fs::relative(entry.path(), root))] = source;
-      }
-    }
-    return found;
+    return sourcesBelow(tops);
   }();
   return all;
 }
@@ -135,6 +140,25 @@ TEST(House, includesPointOnlyDownward)
       EXPECT_TRUE(allowed) << path << " includes " << included;
     }
   }
+}
+
+// Another machine is another folder beside this one, and whoever had looked into it would not compile there. A folder below
+// platform/ is a variant; only its own files and the tests of platform/ know what is in it.
+TEST(House, onlyAVariantAndItsTestsLookIntoIt)
+{
+  std::map<std::string, Source> all = sources();
+  all.merge(sourcesBelow({"tests", "bench"}));
+  int looks = 0;
+  for (auto const& [path, source] : all)
+    for (std::string const& included : source.project) {
+      std::size_t const end = included.find('/', sizeof "platform/" - 1);
+      if (!under(included, "platform") || end == std::string::npos)
+        continue;
+      ++looks;
+      EXPECT_TRUE(under(path, included.substr(0, end)) || under(path, "tests/platform"))
+          << path << " includes " << included;
+    }
+  EXPECT_GT(looks, 100);
 }
 
 TEST(House, noFilesIncludeEachOtherInACircle)

@@ -1,7 +1,7 @@
 // A screen of one top-level window for tests of surfaces and painters: stands in for the window core.
 #pragma once
 
-#include "platform/portable/screen.h"
+#include "platform/portable/raster/screen.h"
 
 #include <vector>
 

@@ -1,7 +1,7 @@
 // From pointer and keys to messages: hit test, capture, clip, double clicks, cursors, the wheel.
 #include "tests/platform/window_fixture.h"
 
-#include "platform/portable/core.h"
+#include "platform/portable/windows/core.h"
 
 using namespace plat;
 using plat::testing::advance;

@@ -1,8 +1,8 @@
 // Menus, tracked popups, message boxes, and the built-in resources.
 #include "tests/platform/window_fixture.h"
 
-#include "platform/portable/core.h"
-#include "platform/portable/menus.h"
+#include "platform/portable/windows/core.h"
+#include "platform/portable/windows/menus.h"
 
 #include <thread>
 

@@ -3,8 +3,8 @@
 #include "tests/support/memory_watch.h"
 #include "tests/support/number_ends.h"
 
-#include "platform/portable/graphics_objects.h"
-#include "platform/portable/handle_table.h"
+#include "platform/portable/raster/graphics_objects.h"
+#include "platform/portable/raster/handle_table.h"
 
 #include <cmath>
 #include <functional>

@@ -1,7 +1,7 @@
 // Figures against plain computations pel by pel, and the same picture at every depth, clip and window.
 #include "platform/paint.h"
-#include "platform/portable/graphics_objects.h"
-#include "platform/portable/painter.h"
+#include "platform/portable/raster/graphics_objects.h"
+#include "platform/portable/raster/painter.h"
 #include "tests/platform/canvas.h"
 
 #include <set>

@@ -1,7 +1,7 @@
 // Figures of many points, of great extent, and text of large glyphs.
 #include "platform/objects.h"
-#include "platform/portable/graphics_objects.h"
-#include "platform/portable/line.h"
+#include "platform/portable/raster/graphics_objects.h"
+#include "platform/portable/raster/line.h"
 #include "tests/platform/canvas.h"
 
 #include <gtest/gtest.h>

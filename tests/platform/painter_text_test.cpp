@@ -1,6 +1,6 @@
 #include "platform/paint.h"
-#include "platform/portable/graphics_objects.h"
-#include "platform/portable/painter.h"
+#include "platform/portable/raster/graphics_objects.h"
+#include "platform/portable/raster/painter.h"
 #include "tests/platform/canvas.h"
 
 using namespace plat;

@@ -1,5 +1,5 @@
 // Sets of pels as rectangles, against a plain field of bits.
-#include "platform/portable/region.h"
+#include "platform/portable/raster/region.h"
 
 #include <gtest/gtest.h>
 

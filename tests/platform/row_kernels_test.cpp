@@ -1,4 +1,4 @@
-#include "platform/portable/row_kernels.h"
+#include "platform/portable/raster/row_kernels.h"
 
 #include <gtest/gtest.h>
 

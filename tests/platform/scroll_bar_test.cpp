@@ -1,7 +1,7 @@
 // Scroll bars: room they take, positions, the mouse on them, their pels.
 #include "tests/platform/window_fixture.h"
 
-#include "platform/portable/core.h"
+#include "platform/portable/windows/core.h"
 
 #include <thread>
 

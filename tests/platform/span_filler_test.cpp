@@ -1,7 +1,7 @@
-#include "platform/portable/span_filler.h"
+#include "platform/portable/raster/span_filler.h"
 
-#include "platform/portable/painter.h"
-#include "platform/portable/stroke.h"
+#include "platform/portable/raster/painter.h"
+#include "platform/portable/raster/stroke.h"
 
 #include <gtest/gtest.h>
 

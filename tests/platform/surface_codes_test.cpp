@@ -1,5 +1,5 @@
 // The numbers by which surfaces refuse what cannot be done on them.
-#include "platform/portable/device_testing.h"
+#include "platform/device_testing.h"
 #include "platform/surface.h"
 #include "tests/platform/fake_screen.h"
 

@@ -1,5 +1,5 @@
 // Keyed blits to a screen of another format: the key is a value of the source, whatever the pels become.
-#include "platform/portable/device_testing.h"
+#include "platform/device_testing.h"
 #include "platform/surface.h"
 #include "tests/platform/fake_screen.h"
 

@@ -1,4 +1,4 @@
-#include "platform/portable/device_testing.h"
+#include "platform/device_testing.h"
 #include "platform/surface.h"
 #include "tests/platform/fake_screen.h"
 

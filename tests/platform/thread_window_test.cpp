@@ -3,8 +3,8 @@
 
 #include "foundation/lock_check.h"
 #include "foundation/resource.h"
-#include "platform/portable/core.h"
-#include "platform/portable/null_video.h"
+#include "platform/portable/windows/core.h"
+#include "platform/portable/windows/null_video.h"
 
 #include <atomic>
 #include <future>

@@ -3,8 +3,8 @@
 
 #include "platform/objects.h"
 #include "platform/paint.h"
-#include "platform/portable/core.h"
-#include "platform/portable/null_video.h"
+#include "platform/portable/windows/core.h"
+#include "platform/portable/windows/null_video.h"
 #include "platform/surface.h"
 
 #include <thread>

@@ -1,8 +1,8 @@
 // What of a window is visible, what must be painted again, and what is presented.
 #include "tests/platform/window_fixture.h"
 
-#include "platform/portable/core.h"
-#include "platform/portable/null_video.h"
+#include "platform/portable/windows/core.h"
+#include "platform/portable/windows/null_video.h"
 #include "tests/support/memory_watch.h"
 
 #include <atomic>

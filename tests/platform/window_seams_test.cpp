@@ -5,9 +5,9 @@
 #include "foundation/lock_check.h"
 #include "platform/objects.h"
 #include "platform/paint.h"
-#include "platform/portable/core.h"
-#include "platform/portable/glyphs.h"
-#include "platform/portable/handle_table.h"
+#include "platform/portable/raster/glyphs.h"
+#include "platform/portable/raster/handle_table.h"
+#include "platform/portable/windows/core.h"
 
 #include <cstdlib>
 #include <limits>

@@ -1,8 +1,8 @@
 // Life of windows, messages in their order, timers, threads.
 #include "tests/platform/window_fixture.h"
 
-#include "platform/portable/core.h"
-#include "platform/portable/null_video.h"
+#include "platform/portable/windows/core.h"
+#include "platform/portable/windows/null_video.h"
 
 #include <atomic>
 #include <thread>

@@ -1,8 +1,8 @@
 #include "tests/support/window_driver.h"
 
-namespace {
+#include "platform/messages.h"
 
-constexpr unsigned kLeft = 1, kRight = 2, kMiddle = 16;
+namespace {
 
 // One screen for the test program; each driver sets its size and depth.
 void start(int depth)
@@ -25,7 +25,7 @@ WindowDriver::WindowDriver(long width, long height, int depth, long left)
   desc.title = "driver";
   desc.rect = {static_cast<plat::i32>(left), 30, static_cast<plat::i32>(left + width), static_cast<plat::i32>(30 + height)};
   window_ = plat::platform().windows.create(desc);
-  plat::platform().windows.place(window_, nullptr, 5);
+  plat::platform().windows.place(window_, nullptr, plat::show::activate);
   makeDisplay();
 }
 
@@ -61,14 +61,14 @@ WindowDriver& WindowDriver::moveTo(ccPair<long> const& p, unsigned mods)
 WindowDriver& WindowDriver::press(ccPair<long> const& p, unsigned mods)
 {
   pointer_(p, mods);
-  buttons_ |= kLeft;
+  buttons_ |= plat::held::left;
   pointer_(p, mods);
   return *this;
 }
 
 WindowDriver& WindowDriver::release(unsigned mods)
 {
-  buttons_ &= ~kLeft;
+  buttons_ &= ~plat::held::left;
   pointer_(at_, mods);
   return *this;
 }
@@ -76,14 +76,14 @@ WindowDriver& WindowDriver::release(unsigned mods)
 WindowDriver& WindowDriver::pressRight(ccPair<long> const& p)
 {
   pointer_(p, 0);
-  buttons_ |= kRight;
+  buttons_ |= plat::held::right;
   pointer_(p, 0);
   return *this;
 }
 
 WindowDriver& WindowDriver::releaseRight()
 {
-  buttons_ &= ~kRight;
+  buttons_ &= ~plat::held::right;
   pointer_(at_, 0);
   return *this;
 }
@@ -91,14 +91,14 @@ WindowDriver& WindowDriver::releaseRight()
 WindowDriver& WindowDriver::pressMiddle(ccPair<long> const& p)
 {
   pointer_(p, 0);
-  buttons_ |= kMiddle;
+  buttons_ |= plat::held::middle;
   pointer_(p, 0);
   return *this;
 }
 
 WindowDriver& WindowDriver::releaseMiddle()
 {
-  buttons_ &= ~kMiddle;
+  buttons_ &= ~plat::held::middle;
   pointer_(at_, 0);
   return *this;
 }
@@ -128,7 +128,7 @@ WindowDriver& WindowDriver::resize(long width, long height)
   plat::Rect r = plat::platform().windows.windowRect(window_);
   r.right = r.left + static_cast<plat::i32>(width);
   r.bottom = r.top + static_cast<plat::i32>(height);
-  plat::platform().windows.place(window_, &r, -1);
+  plat::platform().windows.place(window_, &r, plat::show::keep);
   plat::testing::drain();
   return *this;
 }

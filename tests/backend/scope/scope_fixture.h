@@ -3,8 +3,8 @@
 
 #include "backend/scope/win32_scope.h"
 #include "platform/app.h"
+#include "platform/device_testing.h"
 #include "platform/objects.h"
-#include "platform/portable/device_testing.h"
 #include "platform/testing.h"
 #include "platform/window.h"
 

@@ -1,5 +1,5 @@
 // SDL's keys as virtual key codes.
-#include "platform/portable/sdl/key_codes.h"
+#include "platform/portable/windows/sdl/key_codes.h"
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
-#include "platform/portable/core.h"
-#include "platform/portable/sdl/sdl_window.h"
+#include "platform/portable/windows/core.h"
+#include "platform/portable/windows/sdl/sdl_window.h"
 #include "tests/platform/sdl/sdl_fixture.h"
 
 #include <chrono>
