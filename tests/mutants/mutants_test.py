@@ -56,6 +56,7 @@ class Changes(unittest.TestCase):
 
     def test_arguments_side_by_side_change_places(self):
         self.assertEqual(after('void f()\n{\n  g(a.b, c, 3 + d);\n}\n', 'swap'), ['g(c, a.b, 3 + d);'])
+        self.assertEqual(after('void f()\n{\n  g(std::max(a, b));\n}\n', 'swap'), [])
 
     def test_names_of_a_pair_change_and_their_declarations_stay(self):
         self.assertEqual(after('void f()\n{\n  long x = p.x();\n}\n', 'name'), ['long x = p.y();'])

@@ -18,6 +18,8 @@ KEYWORDS = {'return', 'if', 'for', 'while', 'switch', 'case', 'break', 'continue
             'co_return', 'thread_local', 'mutable', 'asm'}
 NUMBERS = {'long', 'int', 'short', 'unsigned', 'char', 'float', 'double', 'size_t', 'u8', 'u16', 'u32', 'u64', 'i64', 'DWORD',
            'int8_t', 'int16_t', 'int32_t', 'int64_t', 'uint8_t', 'uint16_t', 'uint32_t', 'uint64_t', 'ptrdiff_t'}
+# These take their arguments in any order.
+SYMMETRIC = {'max', 'min', 'swap', 'hypot'}
 # Kinds that are easily noticed are drawn half as often.
 LIGHT = {'return': 0.5, 'swap': 0.5, 'sign': 0.5}
 
@@ -211,6 +213,8 @@ def _return(source, i):
 
 def _swap(source, i):
     """Exchanges two arguments side by side that are both plain values."""
+    if source.tokens[i - 1].text in SYMMETRIC:
+        return
     first = _argument(source, i + 1)
     if first is None or source.tokens[first].text != ',':
         return
