@@ -127,6 +127,9 @@ void ccWin32Display::enableOverlay(overlayState state)
       cc_Alive const alive(*this);
       overlayScopeOff_();
       fullDraw(bothLayers);
+      // What stands solid in front is not drawn anew by that, but the overlay's pels may still lie over it.
+      if (alive.stands())
+        win32Root_->ccUITablet::update(ccUIRect::inf, imageLayer, /*now=*/false);
       if (alive)
         win32Root_->globalUpdate();
     }

@@ -127,10 +127,9 @@ void StormStage::checkNode_(ccUIObject& node, ccUIRootObject* root, int state)
     return fail_("state", "effective state of a node");
   if (node.root() != (isRoot ? nullptr : root) || &node.rootMutex() != &root->mutex())
     return fail_("lists", "root of a node");
-  // Opaque kids of a display are out of sight while the image is dragged.
-  bool const inDrag = root->eventProcessor()->gesture() == ccUIEventProcessor::Gesture::dragging;
+  // Opaque kids of a display are out of sight while the image is dragged, until the next motion if an exception ended that.
   if (ccUIFrame* const frame = node.frame(true))
-    if (!isRoot && frame->ccUITablet::isShown() != visible && !(inDrag && visible && standsInDisplay(node)))
+    if (!isRoot && frame->ccUITablet::isShown() != visible && !(visible && standsInDisplay(node)))
       return fail_("state", "a frame's tablet is " + std::string(visible ? "hidden" : "shown"));
   long kids = 0;
   ccUIObject* before = nullptr;

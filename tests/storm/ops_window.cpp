@@ -126,8 +126,11 @@ void failOp(StormStage& s, Op o)
 // The next operation meets a device in trouble, too.
 void failAndDo(StormStage& s, Op o)
 {
-  failOp(s, o);
   StormOp const next{o.d, o.e, o.c, o.b, o.a, 0};
+  // An overlay that was asked for while a call of the device failed stays frozen after that.
+  if (cfRow(next).group == StormGroup::overlay)
+    return;
+  failOp(s, o);
   if (cfRow(next).run != failAndDo)
     s.perform(next);
 }
@@ -208,7 +211,7 @@ void cfAddWindowOps(std::vector<StormRow>& rows)
       {"makeWindow", binding, notWhilePainting, 8, makeWindow},
       {"destroyWindow", binding, outermost, 1, destroyWindow},
       {"replace", binding, outermost, 8, replace},
-      {"makeDisplay", displays, notWhilePainting, 8, makeDisplay},
+      {"makeDisplay", displays, notWhilePainting, 12, makeDisplay},
       {"deleteDisplay", displays, outermost, 2, deleteDisplay},
       {"share", StormGroup::shared, notWhilePainting, 2, sharedOp},
       {"screen", screens, outermost, 4, screenOp},
@@ -218,14 +221,14 @@ void cfAddWindowOps(std::vector<StormRow>& rows)
       {"failAndDo", failing, outermost, 5, failAndDo},
       {"pointer", input, notWhilePainting, 14, pointer},
       {"button", input, notWhilePainting, 12, button},
-      {"drag", input, notWhilePainting, 8, dragOp},
+      {"drag", input, notWhilePainting, 20, dragOp},
       {"input", input, notWhilePainting, 6, otherInput},
       {"command", input, notWhilePainting, 3, postedCommand},
-      {"destroyWindowInHook", deaths, notWhilePainting, 2, destroyWindow},
-      {"replaceInHook", deaths, notWhilePainting, 2, replace},
-      {"deleteDisplayInHook", deaths, notWhilePainting, 2, deleteDisplay},
-      {"destroyWindowInPaint", paintDeaths, anywhere, 1, destroyWindow},
-      {"replaceInPaint", paintDeaths, anywhere, 1, replace},
-      {"deleteDisplayInPaint", paintDeaths, anywhere, 1, deleteDisplay},
+      {"destroyWindowInHook", deaths, notWhilePainting, 0, destroyWindow},
+      {"replaceInHook", deaths, notWhilePainting, 0, replace},
+      {"deleteDisplayInHook", deaths, notWhilePainting, 0, deleteDisplay},
+      {"destroyWindowInPaint", paintDeaths, anywhere, 0, destroyWindow},
+      {"replaceInPaint", paintDeaths, anywhere, 0, replace},
+      {"deleteDisplayInPaint", paintDeaths, anywhere, 0, deleteDisplay},
   });
 }

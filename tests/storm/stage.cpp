@@ -275,7 +275,7 @@ void StormStage::hooked(HookKind kind, ccUIObject* self)
     try {
       perform(plan.op);
     } catch (ccException const&) {
-      // What the application caused itself, it catches.
+      escapedNow_ = true;  // what the application caused itself, it catches, and lowers the lock of an event
     } catch (...) {
       self_ = former;
       throw;
