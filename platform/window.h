@@ -75,6 +75,7 @@ public:
   virtual void releaseDC(HWND, HDC) = 0;
 
   virtual HWND setCapture(HWND) = 0;  // returns the former capture window
+  virtual HWND capture() = 0;  // the capture window; null: none
   virtual void releaseCapture() = 0;
   virtual void clipCursor(Rect const* screen) = 0;
   virtual Point cursorPos() = 0;

@@ -96,8 +96,12 @@ void ccUIWin32Root::window(HWND window)
   if (window_) {
     if (classCursorSaved_ && windows.isWindow(window_))
       windows.classCursor(window_, classCursor_);
-    // Never waited for: the window's thread may be waiting for the mutex that is held here.
-    auto const letGo = [&windows] {
+    // Never waited for: the window's thread may be waiting for the mutex that is held here. What another window has
+    // captured stays with it, or a drag over there would never hear of its end.
+    auto const letGo = [&windows, old = window_] {
+      HWND const held = windows.capture();
+      if (held && held != old)
+        return;
       windows.clipCursor(nullptr);
       windows.releaseCapture();
     };

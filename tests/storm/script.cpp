@@ -53,7 +53,7 @@ constexpr Switch kSwitches[] = {
     {StormGroup::paintThrows, "paintThrows", true},
     {StormGroup::memory, "memory", false},
     {StormGroup::lockOrder, "lockOrder", true},
-    {StormGroup::threadDisplays, "threadDisplays", false},
+    {StormGroup::threadDisplays, "threadDisplays", true},
 };
 static_assert(std::size(kSwitches) == kStormGroups);
 

@@ -29,6 +29,7 @@ long rounds() { return std::getenv("KRS_LONG") ? 40000 : 400; }
 class Box : public ccUIShapes {
 public:
   explicit Box(ccVector<2> const& at) : at_(at) {}
+  ~Box() override { beginDestruction(); }  // the windows' thread may be drawing it
 
 protected:
   void pos_(ccVector<2> const& v) override { at_ = v; }
@@ -122,6 +123,7 @@ protected:
 
   HWND windows_[2] = {};
   std::unique_ptr<ccWin32Display> displays_[2];
+  std::atomic<HWND> newest_ = nullptr;  // of those that the third thread makes
   Watchdog dog_;
 };
 
@@ -191,6 +193,7 @@ void ThreadStorm::build()
   for (long round = 0; round < rounds() / 8; ++round) {
     dog_.at(2, "make a window");
     HWND const w = makeWindow(static_cast<plat::i32>(below(random, 100)));
+    newest_ = w;
     {
       dog_.at(2, "make a display");
       ccWin32Display display(w);
@@ -214,7 +217,7 @@ void ThreadStorm::serve(long round, std::mt19937& random)
 {
   int const i = static_cast<int>(below(random, 2));
   plat::Point const at{static_cast<plat::i32>(below(random, 90)), static_cast<plat::i32>(below(random, 34))};
-  switch (below(random, 6)) {
+  switch (below(random, 8)) {
   case 0: {
     dog_.at(0, "resize");
     plat::i32 const left = i * 45;
@@ -222,6 +225,17 @@ void ThreadStorm::serve(long round, std::mt19937& random)
     plat::platform().windows.place(windows_[i], &r, -1);
     break;
   }
+  case 6: {
+    dog_.at(0, "resize another's window");
+    plat::Rect const r{at.x, 3, at.x + 1 + at.y, 4 + at.y};
+    plat::platform().windows.place(newest_, &r, -1);
+    break;
+  }
+  case 7:
+    dog_.at(0, "destroy another's window");
+    if (round % 4 == 0)
+      plat::platform().windows.destroy(newest_);
+    break;
   case 1:
     dog_.at(0, "expose");
     plat::platform().windows.invalidate(windows_[i], nullptr, false);
@@ -256,9 +270,14 @@ void ThreadStorm::expectFullPicture(int i)
   auto const whole = plat::testing::shot(windows_[i], after);
   ASSERT_EQ(size, after);
   long wrong = 0;
-  for (std::size_t k = 0; k < shown.size(); ++k)
-    wrong += shown[k] != whole[k];
-  EXPECT_EQ(wrong, 0) << "display " << i << " of " << size.w << 'x' << size.h;
+  std::size_t first = 0;
+  for (std::size_t k = shown.size(); k-- > 0;)
+    if (shown[k] != whole[k]) {
+      ++wrong;
+      first = k;
+    }
+  EXPECT_EQ(wrong, 0) << "display " << i << " of " << size.w << 'x' << size.h << ", pel " << first << " shows " << std::hex
+                      << shown[first] << ", a full repaint " << whole[first];
 }
 
 }  // namespace

@@ -65,6 +65,7 @@ public:
   HDC getDC(HWND) override;
   void releaseDC(HWND, HDC) override;
   HWND setCapture(HWND) override;
+  HWND capture() override;
   void releaseCapture() override;
   void clipCursor(Rect const* screen) override;
   Point cursorPos() override;
@@ -126,7 +127,6 @@ public:
   void dropHandler(std::function<void(HWND, std::vector<std::string> const&)>);
   HWND active();
   HWND focus();
-  HWND capture();
   HCURSOR currentCursor();
   std::string title(HWND);
   ScrollBar scrollBar(HWND, int bar);

@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <thread>
+
 namespace {
 
 using Event = ccMouseEvent;
@@ -173,6 +175,40 @@ TEST(MouseMessages, aPlainEndOfTheCaptureIsNoRelease)
   send(driver, 533, 0, 0);
 
   EXPECT_EQ(driver.events().gesture(), ccUIEventProcessor::Gesture::pressed);
+  driver.release();
+}
+
+TEST(MouseMessages, aDisplayThatLeavesItsWindowTakesNoCaptureFromAnother)
+{
+  for (bool const elsewhere : {false, true}) {
+    WindowDriver driver(100, 80), second(60, 40, 32, 400);
+    driver.press({50, 50}).moveTo({60, 55});
+
+    if (elsewhere)
+      std::thread([&] { second.dropDisplay(); }).join();
+    else
+      second.dropDisplay();
+    plat::testing::drain();
+
+    EXPECT_EQ(plat::platform().windows.capture(), driver.window()) << elsewhere;
+    driver.moveTo({400, 300});
+    EXPECT_EQ(driver.events().lastMouseEvent().position(), ccPair<long>(99, 79)) << elsewhere;  // clipped still
+    driver.release();
+    EXPECT_EQ(driver.events().gesture(), ccUIEventProcessor::Gesture::idle) << elsewhere;
+    EXPECT_EQ(plat::platform().windows.capture(), nullptr) << elsewhere;
+  }
+}
+
+TEST(MouseMessages, aDisplayThatLeavesItsWindowInTheMidstOfAPressLetsThePointerGo)
+{
+  WindowDriver driver(100, 80);
+  driver.press({50, 50});
+
+  driver.display().window(nullptr);
+
+  EXPECT_EQ(plat::platform().windows.capture(), nullptr);
+  driver.moveTo({140, 60});
+  EXPECT_EQ(plat::platform().windows.cursorPos().x, plat::platform().windows.clientToScreen(driver.window(), {140, 0}).x);
   driver.release();
 }
 
