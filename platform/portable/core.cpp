@@ -263,6 +263,14 @@ bool Core::postMessage(HWND window, unsigned message, WParam wParam, LParam lPar
   return there;
 }
 
+namespace {
+
+constexpr unsigned paletteChangedMessage = 785;
+
+thread_local int paletteAnswers = 0;  // messages under way that tell of another window's colours
+
+}  // namespace
+
 LResult Core::deliver(HWND window, unsigned message, WParam wParam, LParam lParam)
 {
   MessageProc proc;
@@ -274,6 +282,13 @@ LResult Core::deliver(HWND window, unsigned message, WParam wParam, LParam lPara
     proc = w->proc;
   }
   cc_LockCheck::Hold const dispatch(this, cc_LockRank::windowThread);
+  struct Answer {
+    int const by;
+    explicit Answer(bool isOne) : by(isOne ? 1 : 0) { paletteAnswers += by; }
+    Answer(Answer const&) = delete;
+    Answer& operator=(Answer const&) = delete;
+    ~Answer() { paletteAnswers -= by; }
+  } const answer(message == paletteChangedMessage);
   return callProc(proc, window, message, wParam, lParam);
 }
 
@@ -545,6 +560,8 @@ std::size_t Core::PaletteHash::operator()(Palette const& palette) const
 }
 
 // Only entries 10 to 245 are free. A former palette that comes back is found again, so few are ever kept.
+// A window that answers the change of another one makes do with those colours; two that took the screen from each other
+// would never come to rest.
 unsigned Core::realize(HWND window, std::span<PaletteEntry const> colors)
 {
   if (depth() != 8)
@@ -562,15 +579,14 @@ unsigned Core::realize(HWND window, std::span<PaletteEntry const> colors)
       count += next[i] != color;
       next[i] = color;
     }
-    if (count == 0)
-      return 0;
+    if (count == 0 || paletteAnswers > 0)
+      return count;
     palette_ = &*palettes_.insert(next).first;
     for (Window const* top : tree_.tops())
       if (top != WindowTree::top(*w))
         others.push_back(top->handle);
   }
   callWhenOnUi([this] { presentAll(/*whole=*/true); });
-  constexpr unsigned paletteChangedMessage = 785;
   for (HWND other : others)
     postMessage(other, paletteChangedMessage, reinterpret_cast<WParam>(window), 0);
   return count;

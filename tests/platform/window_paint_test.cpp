@@ -495,6 +495,29 @@ TEST_F(WindowPalette, realizingWritesTheMiddleEntriesPresentsAllAndTellsTheOther
   EXPECT_TRUE(recorder.messages.empty());
 }
 
+// Each of two windows with colours of its own would take the screen from the other for ever.
+TEST_F(WindowPalette, whoeverAnswersAChangeMakesDoWithIt)
+{
+  static std::vector<PaletteEntry> const own(256, PaletteEntry{7, 8, 9, 0});
+  static unsigned differ = 0;
+  HWND const one = top({0, 0, 10, 10});
+  HWND const other = top({0, 0, 10, 10});
+  windows().subclass(other, [](HWND w, unsigned message, WParam, LParam) -> LResult {
+    if (message == 785)
+      differ = portable::writeScreenPalette(w, own);
+    return 0;
+  });
+  settle();
+
+  EXPECT_EQ(portable::writeScreenPalette(one, std::vector<PaletteEntry>(256, PaletteEntry{1, 2, 3, 0})), 236u);
+  drain();
+
+  EXPECT_EQ(differ, 236u);
+  EXPECT_EQ(portable::screenPalette()[10], (PaletteEntry{1, 2, 3, 0}));
+  EXPECT_EQ(portable::writeScreenPalette(other, own), 236u);
+  EXPECT_EQ(portable::screenPalette()[10], (PaletteEntry{7, 8, 9, 0}));
+}
+
 TEST_F(WindowPalette, activationAsksForThePalette)
 {
   HWND const window = top({0, 0, 10, 10});
