@@ -351,6 +351,9 @@ bool ccWin32UIScope::updateByMode_(ccUIRect const& client, ccUIRect const& sourc
   }
   if (!partnerScope_)
     return present_(drawing_, source, dest);
+  // While the picture is keyed, the keyed colour's layer is the one in front and the window shows that composition only.
+  if (partnerScope_->chromaKeyingEnabled())
+    return true;
   if (!partnerReady_())
     return false;
   ccDirectDrawSurface* const target = combineTarget_();

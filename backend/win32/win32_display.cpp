@@ -106,8 +106,11 @@ void ccWin32Display::leaveWindow_()
   win32Root_->window(nullptr);
   setScope(imageLayer, nullptr, false);
   imageScope_.destroy();
-  window_ = nullptr;
+  HWND const left = window_.exchange(nullptr);
   place_ = 0;
+  // Another display on it shows again.
+  if (cc_DisplayList::former(left))
+    plat::platform().windows.invalidate(left, nullptr, false);
 }
 
 void ccWin32Display::window(HWND w)

@@ -453,6 +453,10 @@ void ccWin32Display::sizeMessage_(ccPair<long> const& size)
     imageScope_.resize(size, -1);
   setScope(imageLayer, &imageScope_, false);
   layOut_(imageScope_.size());
+  // What a smaller screen leaves open is black from now on.
+  ccPair<long> const covered = imageScope_.size();
+  if (alive && (covered.x() < size.x() || covered.y() < size.y()))
+    plat::platform().windows.invalidate(window_, nullptr, false);
   drawing.end(/*redraw=*/true);
   if (alive)
     win32Root_->globalUpdate();

@@ -597,6 +597,8 @@ void Core::changeScreen(Size screen, int depth)
   std::vector<HWND> tops;
   {
     Lock lock(mutex_);
+    if (!(screenSize() == screen) || depth_ != depth)
+      ++screenChanges_;
     screenWidth_ = screen.w;
     screenHeight_ = screen.h;
     depth_ = depth;

@@ -115,6 +115,7 @@ public:
   std::span<PaletteEntry const, 256> palette() const;
   unsigned realize(HWND, std::span<PaletteEntry const>);
   void changeScreen(Size, int depth);
+  u32 screenChanges() const { return screenChanges_; }
   bool paintVisible(HWND, void* context, PaintBody, Rect const& dirtyOnScreen);
   u32 shownPel(HWND, Point client);
   u32 backingPel(HWND top, Point);        // scroll bars too
@@ -277,6 +278,7 @@ private:
   std::atomic<bool> dirtyPending_ = false;
   std::atomic<int> depth_ = 32;
   std::atomic<i32> screenWidth_ = 0, screenHeight_ = 0;
+  std::atomic<u32> screenChanges_ = 0;
   std::atomic<Palette const*> palette_ = nullptr;
 };
 

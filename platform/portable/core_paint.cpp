@@ -307,6 +307,8 @@ Size screenSize() { return Core::instance().screenSize(); }
 
 int screenDepth() { return Core::instance().depth(); }
 
+u32 screenChanges() { return Core::instance().screenChanges(); }
+
 std::span<PaletteEntry const, 256> screenPalette() { return Core::instance().palette(); }
 
 bool headless() { return Core::instance().virtualClock(); }

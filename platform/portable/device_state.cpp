@@ -121,7 +121,7 @@ void lose(HWND window)
   std::lock_guard const guard(s.mutex);
   for (auto const& one : s.devices)
     if (auto const device = one.lock(); device && (!window || device->window == window))
-      ++device->losses;
+      ++device->lost;
 }
 
 void exclusive(bool on) { shared().exclusive = on; }

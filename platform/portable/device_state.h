@@ -4,6 +4,7 @@
 #include "foundation/leaf_mutex.h"
 #include "platform/portable/device_testing.h"
 #include "platform/portable/pel_format.h"
+#include "platform/portable/screen.h"
 #include "platform/surface.h"
 
 #include <atomic>
@@ -16,7 +17,10 @@ struct DeviceState {
   HWND window = nullptr;
   u32 level = 0;
   bool hasPrimary = false;
-  std::atomic<u32> losses{0};  // a surface is lost when it has seen fewer
+  std::atomic<u32> lost{0};
+
+  // A surface is lost when it has seen fewer. With the screen's mode all surfaces go.
+  u32 losses() const { return lost + screenChanges(); }
 };
 
 // A surface shares the palette and the clipper that are attached to it with their objects.

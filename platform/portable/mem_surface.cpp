@@ -114,7 +114,7 @@ Result createMemSurface(std::shared_ptr<DeviceState> const& state, SurfaceDesc c
 }
 
 MemSurface::MemSurface(std::shared_ptr<DeviceState> const& state, SurfaceDesc const& complete, PelBlock const& owned)
-    : state_(state), desc_(complete), block_(owned), seenLosses_(state->losses)
+    : state_(state), desc_(complete), block_(owned), seenLosses_(state->losses())
 {
   if (desc_.caps & videoBit)
     videoMemory(std::int64_t{block_.pitch} * block_.height);
@@ -279,7 +279,7 @@ Result MemSurface::restore()
     return exclusiveModeSet;
   // What was lost is gone; whoever restores paints anew.
   std::memset(block_.pels, 0, static_cast<std::size_t>(block_.pitch) * static_cast<std::size_t>(block_.height));
-  seenLosses_ = state_->losses;
+  seenLosses_ = state_->losses();
   return ok;
 }
 

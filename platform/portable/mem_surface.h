@@ -33,7 +33,7 @@ public:
 
   PelBlock const& block() const { return block_; }
   Rect bounds() const { return {0, 0, block_.width, block_.height}; }
-  bool lost() const { return seenLosses_ != state_->losses; }
+  bool lost() const { return seenLosses_ != state_->losses(); }
   bool dcOut() const { return dcOut_; }
   std::optional<BlitKey> const& sourceKey() const { return sourceKey_; }
   PaletteView palette() const;  // the attached one, else the screen's

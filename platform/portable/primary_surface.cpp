@@ -21,7 +21,7 @@ bool isNear(Rect const& r)
 
 class PrimarySurface final : public Surface {
 public:
-  explicit PrimarySurface(std::shared_ptr<DeviceState> const& state) : state_(state), seenLosses_(state->losses)
+  explicit PrimarySurface(std::shared_ptr<DeviceState> const& state) : state_(state), seenLosses_(state->losses())
   {
     state_->hasPrimary = true;
   }
@@ -52,7 +52,7 @@ public:
   }
 
 private:
-  bool lost() const { return seenLosses_ != state_->losses; }
+  bool lost() const { return seenLosses_ != state_->losses(); }
   static Result failureOr(Op op, Result otherwise)
   {
     Result const failure = plannedFailure(op);
@@ -201,7 +201,7 @@ Result PrimarySurface::restore()
     return ok;
   if (heldExclusively())
     return exclusiveModeSet;
-  seenLosses_ = state_->losses;
+  seenLosses_ = state_->losses();
   return ok;
 }
 

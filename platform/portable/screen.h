@@ -26,6 +26,7 @@ struct VisiblePart {
 
 Size screenSize();
 int screenDepth();
+u32 screenChanges();  // of size or depth so far
 std::span<PaletteEntry const, 256> screenPalette();
 bool headless();  // no wall clock: nothing waits for the screen's next picture
 

@@ -10,6 +10,13 @@ namespace {
 
 constexpr plat::u32 kMinimized = 0x20000000;
 
+// Pels of another format than the screen's aren't drawn, so what stands in their place is anything.
+bool cfImageFits(NoisyDisplay const& d, int depth)
+{
+  return (!d.image16().isBound() || depth != 8) && (!d.imageRGB16().isBound() || depth == 15 || depth == 16) &&
+         (!d.imageRGB32().isBound() || depth == 32);
+}
+
 std::string cfText(plat::Size s) { return std::to_string(s.w) + "x" + std::to_string(s.h); }
 
 bool standsInDisplay(ccUIObject const& node)
@@ -144,7 +151,7 @@ bool StormStage::comparable_(NoisyDisplay& d) const
 {
   plat::WindowSystem& windows = plat::platform().windows;
   HWND const w = d.window();
-  if (!w || !windows.visible(w) || (windows.style(w) & kMinimized) || shared(w))
+  if (!w || !cfImageFits(d, screenDepth_) || !windows.visible(w) || (windows.style(w) & kMinimized) || shared(w))
     return false;
   plat::Rect const client = windows.clientRect(w);
   return client.width() > 0 && client.height() > 0 &&
