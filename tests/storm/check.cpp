@@ -13,7 +13,7 @@ constexpr plat::u32 kMinimized = 0x20000000;
 // Pels of another format than the screen's aren't drawn, so what stands in their place is anything.
 bool cfImageFits(NoisyDisplay const& d, int depth)
 {
-  return (!d.image16().isBound() || depth != 8) && (!d.imageRGB16().isBound() || depth == 15 || depth == 16) &&
+  return (!d.image16().isBound() || depth != 8) && (!d.imageRGB16().isBound() || depth == 16) &&
          (!d.imageRGB32().isBound() || depth == 32);
 }
 
