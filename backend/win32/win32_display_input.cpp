@@ -448,12 +448,12 @@ void ccWin32Display::sizeMessage_(ccPair<long> const& size)
     setScope(overlayLayer, overlayScope_, false);
   } else
     imageScope_.resize(size, -1);
-  setScope(imageLayer, &imageScope_, false);
-  layOut_(imageScope_.size());
   // What a smaller screen leaves open is black from now on.
   ccPair<long> const covered = imageScope_.size();
-  if (alive && (covered.x() < size.x() || covered.y() < size.y()))
+  if (covered.x() < size.x() || covered.y() < size.y())
     plat::platform().windows.invalidate(window_, nullptr, false);
+  setScope(imageLayer, &imageScope_, false);
+  layOut_(covered);
   drawing.end(/*redraw=*/true);
   if (alive)
     win32Root_->globalUpdate();

@@ -13,7 +13,7 @@ constexpr plat::u32 kMinimized = 0x20000000;
 // Pels of another format than the screen's aren't drawn, so what stands in their place is anything.
 bool cfImageFits(NoisyDisplay const& d, int depth)
 {
-  return (!d.image16().isBound() || depth != 8) && (!d.imageRGB16().isBound() || depth == 15 || depth == 16) &&
+  return (!d.image16().isBound() || depth != 8) && (!d.imageRGB16().isBound() || depth == 16) &&
          (!d.imageRGB32().isBound() || depth == 32);
 }
 
@@ -59,7 +59,8 @@ void StormStage::checkLocks_()
       fail_("lock", "the screen of " + name + " is locked");
     if (d->drawingDisabled())
       fail_("lock", "drawing is disabled in " + name);
-    if (d->activeLockedScope() && screenDepth_ != 8)  // there an image of 16-bit pels leaves its phase running
+    // An image of 16-bit pels on a surface of 8 leaves its phase running.
+    if (d->activeLockedScope() && !d->image16().isBound())
       fail_("lock", "a surface of " + name + " is locked or lends its context");
     if (d->window() && !plat::platform().windows.isWindow(d->window()))
       fail_("lists", name + " stands on a window that is gone");

@@ -334,3 +334,111 @@ TEST(DisplaySeam, restoringOnASmallerScreenLeavesTheRestBlack)
   EXPECT_EQ(driver.pel(29, 20), 0x464646u);
   EXPECT_EQ(driver.pel(30, 20), 0u);
 }
+
+// The screen's new mode takes the surfaces, whatever the display stands in when the next size comes.
+TEST(DisplaySeam, aSizeOnASmallerScreenBlackensWhatTheDisplayNoLongerReaches)
+{
+  WindowDriver driver(60, 40, 32, 0);
+  driver.display().image(evenImage(60, 40, 70), true);
+  plat::testing::screen({30, 60}, 32);
+  driver.resize(58, 40);
+  plat::testing::screen({1280, 1024}, 32);
+  plat::testing::drain();
+
+  EXPECT_EQ(driver.pel(29, 20), 0x464646u);
+  EXPECT_EQ(driver.pel(30, 20), 0u);
+  EXPECT_EQ(driver.pel(57, 39), 0u);
+}
+
+TEST(DisplaySeam, anOverlayMadeOnASmallerScreenIsAsLargeAsItsImageLayer)
+{
+  WindowDriver driver(60, 40, 32, 0);
+  plat::testing::screen({1280, 30}, 32);
+  driver.display().enableOverlay(ccDisplay::overlayOn);
+
+  EXPECT_EQ(driver.display().imageScope().size(), ccPair<long>(60, 30));
+  ASSERT_NE(driver.display().overlayScope(), nullptr);
+  EXPECT_EQ(driver.display().overlayScope()->size(), ccPair<long>(60, 30));
+}
+
+TEST(DisplaySeam, aDisplayThatLeavesASharedWindowUncoversTheOther)
+{
+  WindowDriver driver(60, 40);
+  driver.display().image(evenImage(60, 40, 70), true);
+  auto second = std::make_unique<ccWin32Display>(driver.window());
+  second->image(evenImage(60, 40, 200), true);
+  plat::testing::drain();
+  EXPECT_EQ(driver.pel(30, 20), 0xC8C8C8u);
+
+  second->window(nullptr);
+  plat::testing::drain();
+  EXPECT_EQ(driver.pel(30, 20), 0x464646u);
+
+  second->window(driver.window());
+  second->image(evenImage(60, 40, 100), true);
+  plat::testing::drain();
+  second.reset();
+  plat::testing::drain();
+  EXPECT_EQ(driver.pel(30, 20), 0x464646u);
+}
+
+// Otherwise whichever layer was drawn last would stand on the screen.
+TEST(DisplaySeam, theKeyedCompositionStaysInFrontOfAnOverlay)
+{
+  WindowDriver driver(60, 40);
+  ccWin32Display& display = driver.display();
+  display.image(evenImage(60, 40, 70), true);
+  display.chromaKey(0xFF00FF);
+  display.enableChromaKeying(true);
+  plat::testing::drain();
+  std::vector<std::uint32_t> const keyed = driver.shot();
+
+  display.enableOverlay(ccDisplay::overlayOn);
+  {
+    ccLock lock(display.rootMutex());
+    display.overlayScope()->set(ccColor::redColor());
+    display.overlayScope()->updateScreen();
+  }
+  plat::testing::drain();
+  EXPECT_EQ(driver.shot(), keyed);
+
+  display.enableChromaKeying(false);
+  display.overlayScope()->set(ccColor::redColor());
+  display.overlayScope()->updateScreen();
+  EXPECT_EQ(driver.pel(30, 20), 0xFF0000u);
+}
+
+// The YUV picture is of 8 bits and the overlay of 32; making the surfaces anew doesn't change that.
+TEST(DisplaySeam, aYuvPictureAndAnOverlayOfOtherDepthComeToRest)
+{
+  WindowDriver driver(60, 40);
+  plat::testing::overlays(1, {0x59565955u});
+  ccWin32Display& display = driver.display();
+  display.image(evenImage(60, 40, 70), true);
+  display.enableOverlay(ccDisplay::overlayOn);
+  {
+    ccLock lock(display.rootMutex());
+    display.imageScope().enableChromaKeying(true, /*yuv=*/true);
+  }
+  ccUISketch const whole = [] {
+    ccUITablet recorder;
+    recorder.set(ccUIRect(0, 0, 60, 40), ccColor::redColor(), ccUITablet::overlayLayer);
+    return recorder.sketch();
+  }();
+  display.drawSketch(whole, ccDisplay::displayCoords);
+  plat::testing::drain();
+  EXPECT_EQ(plat::testing::shownOverlays().size(), 1u);
+  plat::testing::overlays(0, {});
+}
+
+TEST(DisplaySeam, displaysWithColoursOfTheirOwnComeToRestOnAPaletteScreen)
+{
+  WindowDriver first(60, 40, 8), second(60, 40, 8, 120);
+  auto const even = [](unsigned char v) { return std::vector<ccRGB>(231, ccRGB(v, v, v)); };
+  first.display().colorMap(even(50), 10);
+  second.display().colorMap(even(90), 10);
+
+  plat::testing::drain();  // ends
+  auto const palette = plat::platform().objects.systemEntries();
+  EXPECT_EQ(palette[100].r, 90);
+}
