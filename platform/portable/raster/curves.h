@@ -26,60 +26,57 @@ struct CornerBox {
   i32 extraX, extraY;  // straight sides between the corners
 };
 
-// The walk over the pels (x, y) of a quarter curve from (a, b & 1) to (a & 1, b), each beside the one before.
-// Whole-number midpoint rule; a and b at most CornerBox::largest.
-class QuarterWalk {
+// The step of a walk over the pels (x, y) of a quarter curve from (a, b & 1) to (a & 1, b), each beside the one before:
+// whole-number midpoint rule; a and b at most CornerBox::largest.
+class QuarterStep {
 public:
-  QuarterWalk(i32 diameterX, i32 diameterY)
-      : b_(diameterY), leastX_(diameterX & 1), x_(diameterX), y_(diameterY & 1), aa_(i64{diameterX} * diameterX),
-        bb_(b_ * b_)
+  using i64 = std::int64_t;
+  QuarterStep(i64 a, i64 b)
   {
-    i64 const aabb = aa_ * bb_;
-    left_ = aabb - bb_ * (x_ - 1) * (x_ - 1) - aa_ * (y_ + 2) * (y_ + 2);
-    up_ = bb_ * (x_ - 2) * (x_ - 2) + aa_ * (y_ + 1) * (y_ + 1) - aabb - 1;
-    leftByX_ = bb_ * (8 - 4 * x_);
-    leftByY_ = aa_ * (12 + 4 * y_);
+    i64 const aa = a * a, bb = b * b, aabb = aa * bb, leastY = b & 1;
+    inside_ = aabb - bb * (a - 1) * (a - 1) - aa * (leastY + 2) * (leastY + 2);
+    outside_ = bb * (a - 2) * (a - 2) + aa * (leastY + 1) * (leastY + 1) - aabb - 1;
+    byX_ = bb * (8 - 4 * a);
+    byY_ = aa * (12 + 4 * leastY);
+    aa4_ = 4 * aa;
+    bb4_ = 4 * bb;
   }
 
-  i32 x() const { return static_cast<i32>(x_); }
-  i32 y() const { return static_cast<i32>(y_); }
-  bool bends() const { return y_ != b_ && x_ != leastX_; }
-  // All bits or none. Left when the middle between here and there, one row on, lies outside; up when the middle one column
-  // on lies inside. One of them always holds.
-  std::ptrdiff_t inward() const { return left_ >> 63; }
-  std::ptrdiff_t upward() const { return up_ >> 63; }
-  void step(std::ptrdiff_t inward, std::ptrdiff_t upward)
+  // All bits or none. Inward when the middle between here and there, one row on, lies outside; upward when the middle one
+  // column on lies inside. One of them always holds.
+  i64 inward() const { return inside_ >> 63; }
+  i64 upward() const { return outside_ >> 63; }
+  void take(i64 inward, i64 upward)
   {
-    left_ -= (inward & leftByX_) + (upward & leftByY_);
-    up_ += (inward & (leftByX_ + 4 * bb_)) + (upward & (leftByY_ - 4 * aa_));
-    leftByX_ += inward & 8 * bb_;
-    leftByY_ += upward & 8 * aa_;
-    x_ += 2 * inward;
-    y_ -= 2 * upward;
+    inside_ -= (inward & byX_) + (upward & byY_);
+    outside_ += (inward & (byX_ + bb4_)) + (upward & (byY_ - aa4_));
+    byX_ += inward & (2 * bb4_);
+    byY_ += upward & (2 * aa4_);
   }
-  // Beyond the bend the walk goes straight on: up, or along the last row.
-  i32 rowsLeft() const { return static_cast<i32>((b_ - y_) / 2); }
-  i32 columnsLeft() const { return static_cast<i32>((x_ - leastX_) / 2); }
 
 private:
-  using i64 = std::int64_t;
-  i64 b_, leastX_, x_, y_, aa_, bb_;
-  i64 left_, up_;          // how far inside the first middle lies, and how far outside the second, less one
-  i64 leftByX_, leftByY_;  // what a step takes off left_
+  i64 inside_, outside_;  // how far inside the first middle lies, and how far outside the second, less one
+  i64 byX_, byY_;         // what a step takes off inside_
+  i64 aa4_, bb4_;         // four squares of a and of b
 };
 
-// Calls visit(X, Y) for the pels of a QuarterWalk.
+// Calls visit(X, Y) for the pels of a quarter curve.
 template <class Visit> void walkQuarter(i32 diameterX, i32 diameterY, Visit&& visit)
 {
-  QuarterWalk walk(diameterX, diameterY);
-  while (walk.bends()) {
-    visit(walk.x(), walk.y());
-    walk.step(walk.inward(), walk.upward());
+  QuarterStep step(diameterX, diameterY);
+  i32 const leastX = diameterX & 1;
+  i32 x = diameterX, y = diameterY & 1;
+  while (y != diameterY && x != leastX) {
+    visit(x, y);
+    std::int64_t const inward = step.inward(), upward = step.upward();
+    step.take(inward, upward);
+    x += static_cast<i32>(2 * inward);
+    y -= static_cast<i32>(2 * upward);
   }
-  i32 x = walk.x(), y = walk.y();
+  // Beyond the bend the walk goes straight on: up, or along the last row.
   for (; y < diameterY; y += 2)
     visit(x, y);
-  for (; x >= (diameterX & 1); x -= 2)
+  for (; x >= leastX; x -= 2)
     visit(x, y);
 }
 
@@ -90,15 +87,11 @@ void plotQuarters(u8* top, u8* bottom, std::ptrdiff_t pitch, i32 diameterX, i32 
 {
   using i64 = std::int64_t;
   constexpr std::ptrdiff_t size = sizeof(Pel);
-  i64 const a = diameterX, b = diameterY, aa = a * a, bb = b * b, aabb = aa * bb, leastX = a & 1, leastY = b & 1;
-  // As in QuarterWalk: how far inside the first middle lies, how far outside the second, less one, and what steps change.
-  i64 inside = aabb - bb * (a - 1) * (a - 1) - aa * (leastY + 2) * (leastY + 2);
-  i64 outside = bb * (a - 2) * (a - 2) + aa * (leastY + 1) * (leastY + 1) - aabb - 1;
-  i64 byX = bb * (8 - 4 * a), byY = aa * (12 + 4 * leastY);
-  i64 const bb4 = 4 * bb, bb8 = 8 * bb, aa4 = 4 * aa, aa8 = 8 * aa;
+  constexpr i64 always = -1;
+  QuarterStep step(diameterX, diameterY);
   std::ptrdiff_t left = 0, right = width * size;
-  std::ptrdiff_t const lastLeft = (a - leastX) / 2 * size;
-  u8* const lastTop = top - (b - leastY) / 2 * pitch;
+  std::ptrdiff_t const lastLeft = (diameterX - (diameterX & 1)) / 2 * size;
+  u8* const lastTop = top - (diameterY - (diameterY & 1)) / 2 * pitch;
   auto const dots = [&] {
     *reinterpret_cast<Pel*>(top + left) = pel;
     *reinterpret_cast<Pel*>(top + right) = pel;
@@ -106,25 +99,19 @@ void plotQuarters(u8* top, u8* bottom, std::ptrdiff_t pitch, i32 diameterX, i32 
     *reinterpret_cast<Pel*>(bottom + right) = pel;
   };
   // First each step goes up, then each goes inward; what may be left between goes by the whole rule.
-  while (left != lastLeft && top != lastTop && outside < 0) {
+  while (left != lastLeft && top != lastTop && step.upward()) {
     dots();
-    i64 const inward = inside >> 63;
-    outside += (inward & (byX + bb4)) + (byY - aa4);
-    inside -= (inward & byX) + byY;
-    byX += inward & bb8;
-    byY += aa8;
+    i64 const inward = step.inward();
+    step.take(inward, always);
     left += inward & size;
     right -= inward & size;
     top -= pitch;
     bottom += pitch;
   }
-  while (left != lastLeft && top != lastTop && inside < 0) {
+  while (left != lastLeft && top != lastTop && step.inward()) {
     dots();
-    i64 const upward = outside >> 63;
-    inside -= byX + (upward & byY);
-    outside += byX + bb4 + (upward & (byY - aa4));
-    byX += bb8;
-    byY += upward & aa8;
+    i64 const upward = step.upward();
+    step.take(always, upward);
     left += size;
     right -= size;
     top -= upward & pitch;
@@ -132,11 +119,8 @@ void plotQuarters(u8* top, u8* bottom, std::ptrdiff_t pitch, i32 diameterX, i32 
   }
   while (left != lastLeft && top != lastTop) {
     dots();
-    i64 const inward = inside >> 63, upward = outside >> 63;
-    inside -= (inward & byX) + (upward & byY);
-    outside += (inward & (byX + bb4)) + (upward & (byY - aa4));
-    byX += inward & bb8;
-    byY += upward & aa8;
+    i64 const inward = step.inward(), upward = step.upward();
+    step.take(inward, upward);
     left += inward & size;
     right -= inward & size;
     top -= upward & pitch;

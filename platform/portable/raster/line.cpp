@@ -1,5 +1,7 @@
 #include "platform/portable/raster/line.h"
 
+#include "platform/portable/raster/dashes.h"
+
 #include <algorithm>
 #include <array>
 
@@ -36,26 +38,30 @@ bool cutMinor(i64 n, i64 m, i64 b, i64 from, i64 to, i64& low, i64& high, i64& o
   return true;
 }
 
-constexpr DashPattern pattern(std::array<u8, 6> runs, u8 count)
+constexpr DashPattern patternOf(DashRuns const& dashes)
 {
   DashPattern out{};
-  for (unsigned i = 0; i < count; ++i) {
-    out.runs[i] = runs[i];
-    out.total = static_cast<u8>(out.total + runs[i]);
+  for (unsigned i = 0; i < dashes.count; ++i) {
+    out.runs[i] = dashes.thin[i];
+    out.total = static_cast<u8>(out.total + dashes.thin[i]);
   }
-  for (unsigned at = 0; count != 0 && at < 24;)
-    for (unsigned i = 0; i < count; at += runs[i++])
-      out.on |= i % 2 == 0 ? ((1u << runs[i]) - 1) << at : 0;
-  out.count = count;
+  for (unsigned at = 0; dashes.count != 0 && at < 24;)
+    for (unsigned i = 0; i < dashes.count; at += dashes.thin[i++])
+      out.on |= i % 2 == 0 ? ((1u << dashes.thin[i]) - 1) << at : 0;
+  out.count = static_cast<u8>(dashes.count);
   return out;
 }
 
-constexpr DashPattern patterns[5] = {DashPattern{}, pattern({18, 6}, 2), pattern({3, 3}, 2), pattern({9, 6, 3, 6}, 4),
-                                     pattern({9, 3, 3, 3, 3, 3}, 6)};
+constexpr std::array<DashPattern, dashRuns.size()> patterns = [] {
+  std::array<DashPattern, dashRuns.size()> all{};
+  for (std::size_t i = 0; i < all.size(); ++i)
+    all[i] = patternOf(dashRuns[i]);
+  return all;
+}();
 
 }  // namespace
 
-DashPattern const& cosmeticDashes(int style) { return patterns[style >= 1 && style <= 4 ? style : 0]; }
+DashPattern const& cosmeticDashes(int style) { return patterns[dashStyle(style)]; }
 
 bool cutLine(Point from, Point to, Rect const& clip, LineCut& cut)
 {

@@ -1,5 +1,7 @@
 #include "platform/portable/raster/stroke.h"
 
+#include "platform/portable/raster/dashes.h"
+
 #include <agg_basics.h>
 #include <agg_vcgen_dash.h>
 #include <agg_vcgen_stroke.h>
@@ -41,9 +43,6 @@ bool cutSegment(PointF const& a, PointF const& b, Box const& box, double& t0, do
   }
   return t0 <= t1;
 }
-
-constexpr double dashRuns[5][6] = {{}, {3, 1}, {1, 1}, {3, 1, 1, 1}, {3, 1, 1, 1, 1, 1}};
-constexpr int dashCounts[5] = {0, 2, 2, 4, 6};
 
 }  // namespace
 
@@ -133,8 +132,9 @@ void Stroker::Impl::emit(std::span<PointF const> points, bool closed)
 void Stroker::Impl::emitDashed(std::span<PointF const> points, bool closed, Style const& style, double start)
 {
   dash.remove_all_dashes();
-  for (int i = 0; i < dashCounts[style.style]; i += 2)
-    dash.add_dash(dashRuns[style.style][i] * style.width, dashRuns[style.style][i + 1] * style.width);
+  DashRuns const& dashes = dashRuns[dashStyle(style.style)];
+  for (unsigned i = 0; i < dashes.count; i += 2)
+    dash.add_dash(dashes.wide[i] * style.width, dashes.wide[i + 1] * style.width);
   dash.dash_start(start);
   dash.remove_all();
   for (std::size_t i = 0; i < points.size(); ++i)
@@ -168,8 +168,9 @@ void Stroker::Impl::emitRun(std::span<PointF const> points, bool closed, Style c
 void Stroker::Impl::emitFar(std::span<PointF const> points, bool closed, Style const& style, Box const& box)
 {
   double whole = 0;
-  for (int i = 0; i < dashCounts[style.style]; ++i)
-    whole += dashRuns[style.style][i] * style.width;
+  DashRuns const& dashes = dashRuns[dashStyle(style.style)];
+  for (unsigned i = 0; i < dashes.count; ++i)
+    whole += dashes.wide[i] * style.width;
   double along = 0, start = 0;
   std::size_t const segments = closed ? points.size() : points.size() - 1;
   auto const flush = [&] {
@@ -290,7 +291,7 @@ Rect Stroker::stroke(std::span<PointF const> points, bool closed, Style const& w
     return {};
   Style style = wanted;
   style.width = std::clamp(style.width, 1.0, widest);
-  style.style = style.style >= 1 && style.style <= 4 ? style.style : 0;
+  style.style = static_cast<int>(dashStyle(style.style));
   one.stroke.width(style.width);
   one.stroke.line_join(style.join == 1 ? agg::bevel_join : agg::round_join);
   one.stroke.line_cap(style.cap == 1 ? agg::butt_cap : style.cap == 2 ? agg::square_cap : agg::round_cap);
