@@ -61,7 +61,7 @@ void coverMargins(StormStage& s, HWND w)
     windowSystem().invalidate(w, nullptr, false);
 }
 
-// A display goes to another window, which stands alone unless sharing is on.
+// A display goes to another window, seldom to one where another stands: pictures of shared windows are not compared.
 void replace(StormStage& s, Op o)
 {
   NoisyDisplay* const d = s.display(o.e);
@@ -70,7 +70,7 @@ void replace(StormStage& s, Op o)
     return;
   for (unsigned i = 0; i < StormStage::kDisplays && w; ++i)
     if (NoisyDisplay const* const other = s.display(i))
-      if (other != d && other->window() == w && !s.on(StormGroup::shared))
+      if (other != d && other->window() == w && !(s.on(StormGroup::shared) && o.c % 8 == 0))
         return;
   d->window(w);
   coverMargins(s, w);
@@ -81,7 +81,7 @@ void makeDisplay(StormStage& s, Op o)
   HWND const w = o.a % 16 == 0 ? nullptr : s.window(o.b);
   for (unsigned i = 0; i < StormStage::kDisplays && w; ++i)
     if (NoisyDisplay const* const other = s.display(i))
-      if (other->window() == w && !s.on(StormGroup::shared))
+      if (other->window() == w)
         return;
   s.makeDisplay(w);
   coverMargins(s, w);
@@ -213,7 +213,7 @@ void cfAddWindowOps(std::vector<StormRow>& rows)
       {"replace", binding, outermost, 8, replace},
       {"makeDisplay", displays, notWhilePainting, 12, makeDisplay},
       {"deleteDisplay", displays, outermost, 2, deleteDisplay},
-      {"share", StormGroup::shared, notWhilePainting, 2, sharedOp},
+      {"share", StormGroup::shared, notWhilePainting, 1, sharedOp},
       {"screen", screens, outermost, 4, screenOp},
       {"depth", depths, outermost, 4, depthOp},
       {"lose", lost, anywhere, 6, loseOp},
@@ -221,7 +221,7 @@ void cfAddWindowOps(std::vector<StormRow>& rows)
       {"failAndDo", failing, outermost, 5, failAndDo},
       {"pointer", input, notWhilePainting, 14, pointer},
       {"button", input, notWhilePainting, 12, button},
-      {"drag", input, notWhilePainting, 20, dragOp},
+      {"drag", input, notWhilePainting, 28, dragOp},
       {"input", input, notWhilePainting, 6, otherInput},
       {"command", input, notWhilePainting, 3, postedCommand},
       {"destroyWindowInHook", deaths, notWhilePainting, 0, destroyWindow},
