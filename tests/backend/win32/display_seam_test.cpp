@@ -442,32 +442,3 @@ TEST(DisplaySeam, displaysWithColoursOfTheirOwnComeToRestOnAPaletteScreen)
   auto const palette = plat::platform().objects.systemEntries();
   EXPECT_EQ(palette[100].r, 90);
 }
-
-// The window's own answer to the paint message that is under way must not take the place of the other's painting.
-TEST(DisplaySeam, aDisplayThatLeavesItsWindowInAPaintMessageUncoversTheOther)
-{
-  struct Leaver : ccWin32Display {
-    using ccWin32Display::ccWin32Display;
-    bool leaves = false;
-    bool processWndUpdateMsg(unsigned message, std::uintptr_t wParam, std::intptr_t lParam) override
-    {
-      bool const done = ccWin32Display::processWndUpdateMsg(message, wParam, lParam);
-      if (message == 15 && leaves)
-        window(nullptr);
-      return done;
-    }
-  };
-  WindowDriver driver(60, 40);
-  driver.dropDisplay();
-  Leaver older(driver.window());
-  ccWin32Display newer(driver.window());
-  newer.image(evenImage(60, 40, 70), true);
-  older.image(evenImage(60, 40, 200), true);
-  plat::testing::drain();
-
-  older.leaves = true;
-  plat::testing::send(driver.window(), 15, 0, 0);
-  plat::testing::drain();
-  EXPECT_EQ(older.window(), nullptr);
-  EXPECT_EQ(driver.pel(30, 20), 0x464646u);
-}
