@@ -89,10 +89,21 @@ void ccWin32Display::redrawAll_(void* display)
   self->win32Root_->fullDraw(bothLayers);
   // Surfaces on a smaller screen leave more of the window open.
   if (alive && self->window_)
-    plat::platform().windows.invalidate(self->window_, nullptr, false);
+    repaintSoon_(self->window_);
 }
 
 // ---- Binding ----
+
+// In turn, as a paint message that is under way ends with the window's own answer, which takes the window for painted.
+void ccWin32Display::repaintSoon_(HWND w)
+{
+  plat::WindowSystem& windows = plat::platform().windows;
+  try {
+    windows.post(w, [&windows, w] { windows.invalidate(w, nullptr, false); });
+  } catch (...) {
+    windows.invalidate(w, nullptr, false);
+  }
+}
 
 void ccWin32Display::leaveWindow_()
 {
@@ -111,7 +122,7 @@ void ccWin32Display::leaveWindow_()
   place_ = 0;
   // Another display on it shows again.
   if (cc_DisplayList::former(left))
-    plat::platform().windows.invalidate(left, nullptr, false);
+    repaintSoon_(left);
 }
 
 void ccWin32Display::window(HWND w)
@@ -174,7 +185,7 @@ void ccWin32Display::enterWindow_(HWND w)
   win32Root_->realizePalette();
   updateCacheMap();
   // What the scope doesn't reach may still show what stood there before.
-  windows.invalidate(w, nullptr, false);
+  repaintSoon_(w);
 }
 
 void ccWin32Display::layOut_(ccPair<long> const& size)
@@ -328,7 +339,7 @@ long ccWin32Display::restore(std::string* report)
   if (alive)
     win32Root_->globalUpdate();
   if (alive)
-    plat::platform().windows.invalidate(window_, nullptr, false);
+    repaintSoon_(window_);
   return code;
 }
 

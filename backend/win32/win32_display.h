@@ -132,6 +132,7 @@ private:
   void end_();
   static std::intptr_t parentProc_(HWND, unsigned message, std::uintptr_t wParam, std::intptr_t lParam);
   void leaveWindow_();
+  static void repaintSoon_(HWND);
   void layOut_(ccPair<long> const& size);
   void subclassParent_();
   void restoreParent_();

@@ -451,7 +451,7 @@ void ccWin32Display::sizeMessage_(ccPair<long> const& size)
   // What a smaller screen leaves open is black from now on.
   ccPair<long> const covered = imageScope_.size();
   if (covered.x() < size.x() || covered.y() < size.y())
-    plat::platform().windows.invalidate(window_, nullptr, false);
+    repaintSoon_(window_);
   setScope(imageLayer, &imageScope_, false);
   layOut_(covered);
   drawing.end(/*redraw=*/true);

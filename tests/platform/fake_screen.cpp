@@ -51,7 +51,7 @@ namespace plat::portable {
 Size screenSize() { return current ? current->size : Size{640, 480}; }
 int screenDepth() { return current ? current->depth : 32; }
 
-u32 screenChanges() { return 0; }
+u32 screenChanges() { return current ? current->changes : 0; }
 bool headless() { return current ? current->headless : true; }
 
 std::span<PaletteEntry const, 256> screenPalette()

@@ -23,6 +23,7 @@ struct FakeScreen {
   std::vector<plat::Rect> presented;  // dirty rectangles on the screen, empty ones left out
   std::vector<plat::PaletteEntry> palette;
   int paletteWrites = 0;
+  plat::u32 changes = 0;  // of the screen's mode
   bool headless = true;
 };
 

@@ -637,6 +637,19 @@ TEST_F(SurfaceTest, lostSurfacesAnswerSoUntilTheyAreRestored)
   EXPECT_EQ(cfPelOf(*s, 2, 2), 0u);  // what was lost is gone
 }
 
+TEST_F(SurfaceTest, aChangeOfTheScreensModeLosesAllSurfaces)
+{
+  Ptr<Surface> const p = primary(), s = make(cfDesc(4, 4));
+  ++screen.changes;
+  EXPECT_EQ(p->isLost(), lostCode);
+  EXPECT_EQ(s->isLost(), lostCode);
+  EXPECT_EQ(make(cfDesc(4, 4))->isLost(), 0);
+  EXPECT_EQ(p->restore(), 0);
+  EXPECT_EQ(s->restore(), 0);
+  EXPECT_EQ(p->isLost(), 0);
+  EXPECT_EQ(s->isLost(), 0);
+}
+
 TEST_F(SurfaceTest, onlyTheSurfacesOfTheNamedWindowAreLost)
 {
   Ptr<DisplayDevice> second;

@@ -59,5 +59,5 @@ TEST(Storm, leavesEverythingWhole)
   EXPECT_GT(stats.compared, stats.steps / 2);
   EXPECT_GT(stats.hooks, stats.steps);
   EXPECT_GT(stats.acts, stats.steps / 50);
-  EXPECT_GT(stats.drags, stats.steps / 200);
+  EXPECT_GT(stats.drags, stats.steps / 400);
 }
