@@ -33,7 +33,7 @@ constexpr Switch kSwitches[] = {
     {StormGroup::overlay, "overlay", true},
     {StormGroup::overlayInHooks, "overlayInHooks", true},
     {StormGroup::keying, "keying", true},
-    {StormGroup::yuv, "yuv", true},
+    {StormGroup::yuv, "yuv", false},
     {StormGroup::frames, "frames", true},
     {StormGroup::hiddenParents, "hiddenParents", true},
     {StormGroup::shapes, "shapes", true},
