@@ -23,22 +23,35 @@ void* counted(std::size_t size, std::size_t alignment)
   return memory;
 }
 
+void* countedOrNull(std::size_t size) noexcept
+{
+  try {
+    return counted(size, 0);
+  } catch (std::bad_alloc const&) {
+    return nullptr;
+  }
+}
+
 }  // namespace
 
-// The forms that take std::nothrow or make arrays lead here by the standard library's own definitions. Not inlined, so that
-// the compiler doesn't take free() for a mistake.
+// All forms, as some of the standard library's own would meet memory of another allocator under the sanitizers. Not inlined, so
+// that the compiler doesn't take free() for a mistake.
 [[gnu::noinline]] void* operator new(std::size_t size) { return counted(size, 0); }
 [[gnu::noinline]] void* operator new(std::size_t size, std::align_val_t alignment)
 {
   return counted(size, static_cast<std::size_t>(alignment));
 }
 [[gnu::noinline]] void* operator new[](std::size_t size) { return counted(size, 0); }
+[[gnu::noinline]] void* operator new(std::size_t size, std::nothrow_t const&) noexcept { return countedOrNull(size); }
+[[gnu::noinline]] void* operator new[](std::size_t size, std::nothrow_t const&) noexcept { return countedOrNull(size); }
 [[gnu::noinline]] void operator delete(void* memory) noexcept { std::free(memory); }
 [[gnu::noinline]] void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
 [[gnu::noinline]] void operator delete(void* memory, std::align_val_t) noexcept { std::free(memory); }
 [[gnu::noinline]] void operator delete(void* memory, std::size_t, std::align_val_t) noexcept { std::free(memory); }
 [[gnu::noinline]] void operator delete[](void* memory) noexcept { std::free(memory); }
 [[gnu::noinline]] void operator delete[](void* memory, std::size_t) noexcept { std::free(memory); }
+[[gnu::noinline]] void operator delete(void* memory, std::nothrow_t const&) noexcept { std::free(memory); }
+[[gnu::noinline]] void operator delete[](void* memory, std::nothrow_t const&) noexcept { std::free(memory); }
 
 long MemoryWatch::allocations() { return tc_allocations; }
 
