@@ -462,37 +462,43 @@ double cf_msFor(std::function<void()> const& act)
   return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start).count();
 }
 
-TEST(KidsByPlace, hoveringCostsWhatLiesNearAndTakesNoMemory)
+TEST(KidsByPlace, hoveringAsksWhatLiesNearAndTakesNoMemory)
 {
-  auto const cost = [](long count, long& allocations) {
+  static long asked = 0;
+  struct Asked : ccUIControlFrame {
+    using ccUIControlFrame::ccUIControlFrame;
+    ccUIObject* whoIsTouched(ccPair<long> const& p) override
+    {
+      ++asked;
+      return ccUIControlFrame::whoIsTouched(p);
+    }
+  };
+  auto const questions = [](long count, long& allocations) {
     TestRoot root(ccPair<long>(10000, 1000));
-    std::vector<std::unique_ptr<ccUIControlFrame>> frames;
+    std::vector<std::unique_ptr<Asked>> frames;
     for (long i = 0; i < count; ++i) {
-      frames.push_back(std::make_unique<ccUIControlFrame>(root.groundPlane(), ccUIRect(i % 400 * 20, i / 400 * 20, 15, 15)));
+      frames.push_back(std::make_unique<Asked>(root.groundPlane(), ccUIRect(i % 400 * 20, i / 400 * 20, 15, 15)));
       cfOn(*frames.back());
     }
     Hand hand(root);
     for (long i = 0; i < 300; ++i)
       hand.moveTo(i * 7, 5);
     long const before = MemoryWatch::allocations();
-    double const ms = cf_msFor([&] {
-      for (long i = 0; i < 300; ++i)
-        hand.moveTo(i * 7, 5);
-    });
+    asked = 0;
+    for (long i = 0; i < 300; ++i)
+      hand.moveTo(i * 7, 5);
     allocations = MemoryWatch::allocations() - before;
-    return ms;
+    return asked;
   };
   long few = 0, many = 0;
-  double const ofFew = cost(100, few), ofMany = cost(8000, many);
-  RecordProperty("ms_few", std::to_string(ofFew));
-  RecordProperty("ms_many", std::to_string(ofMany));
-  std::printf("[ figure   ] a hover over 100 frames %.2f us, over 8000 %.2f us\n", ofFew / 0.3, ofMany / 0.3);
+  long const ofFew = questions(100, few), ofMany = questions(8000, many);
   EXPECT_EQ(few, 0);
   EXPECT_EQ(many, 0);
-  EXPECT_LT(ofMany, 10 * ofFew + 5);
+  EXPECT_GE(ofFew, 100);      // every third place or more lies on a frame
+  EXPECT_LE(ofMany, 300 * 8); // a walk over all asks 2.4 million times
 }
 
-TEST(KidsByPlace, shapesAreRemovedOneByOneQuickly)
+TEST(KidsByPlace, shapesRemovedOneByOneLeaveThePictureOfTheRest)
 {
   MemoryScope image(ccPair<long>(800, 600));
   TestRoot root(&image, nullptr);
@@ -519,7 +525,6 @@ TEST(KidsByPlace, shapesAreRemovedOneByOneQuickly)
   });
 
   std::printf("[ figure   ] %ld shapes removed one by one in %.1f ms\n", count, ms);
-  EXPECT_LT(ms, 1000);  // a walk over all for each takes ten times that
   auto const seen = image.surface();
   image.poison(7);
   root.fullDraw(ccUITablet::bothLayers);
@@ -552,7 +557,6 @@ TEST(DeepChains, aThousandLevelsAreNoTrouble)
   };
   double const one = run(1000), four = run(4000);
   std::printf("[ figure   ] chains of 1000 frames %.1f ms, of 4000 %.1f ms\n", one, four);
-  EXPECT_LT(one, 200);
 }
 
 // ---- Numbers at their ends
