@@ -98,7 +98,7 @@ void MemPainter::close() noexcept
   window_ = nullptr;
 }
 
-// The window may have moved meanwhile, so its place is asked for now.
+// The window may have moved meanwhile, so its place is asked for at each painting, not kept.
 void MemPainter::presentDirty()
 {
   Point place;
